@@ -1,0 +1,51 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <QByteArray>
+#include <QString>
+
+#include "platform/cancellable.h"
+
+namespace quietlark {
+
+/// One representation of one pasteboard item.
+struct CapturedType {
+    std::string type;  ///< the platform's own name of the representation
+    QByteArray data;   ///< byte for byte
+
+    bool operator==(const CapturedType&) const = default;
+};
+
+/// The representations of one item, in the pasteboard's own order.
+using PasteboardItem = std::vector<CapturedType>;
+
+/// The items of a pasteboard; empty when it held nothing.
+using PasteboardSnapshot = std::vector<PasteboardItem>;
+
+/// The system-wide clipboard. Main thread; no call waits for another program.
+class Pasteboard {
+public:
+    /// Absent when the pasteboard could not be listed.
+    using SnapshotHandler = std::function<void(std::optional<PasteboardSnapshot>)>;
+
+    virtual ~Pasteboard() = default;
+
+    /// Reads every representation of every item. One that cannot be read in time is left out, and
+    /// so is an item left with none. While a text of ours still awaits its restore(), this is what
+    /// it covers: the contents from before it. `onSnapshot` runs once, on the main thread, never
+    /// before the call returns.
+    [[nodiscard]] virtual Cancellable snapshot(SnapshotHandler onSnapshot) = 0;
+
+    /// Replaces the contents by plain text, marked as nothing for a clipboard history.
+    virtual void setString(const QString& text) = 0;
+
+    /// Puts a snapshot back in place of setString()'s text; an empty one leaves the pasteboard
+    /// empty. What somebody else has copied since setString() stays.
+    virtual void restore(PasteboardSnapshot snapshot) = 0;
+};
+
+}  // namespace quietlark

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+
+class QObject;
+
+namespace quietlark {
+
+/// Time and the main queue. Tests run on virtual time through a scheduler of their own.
+class Scheduler {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    virtual ~Scheduler() = default;
+
+    /// The current time of a clock that never goes back. Any thread.
+    [[nodiscard]] virtual Clock::time_point now() const = 0;
+
+    /// Runs `action` once on the main thread, `delay` from now and never before the call returns.
+    /// It does not run if `context` is gone by then. Main thread.
+    virtual void after(std::chrono::milliseconds delay, QObject* context,
+                       std::function<void()> action) = 0;
+
+    /// Runs `action` on the main thread as soon as its event loop gets to it, in the order of the
+    /// calls. Any thread.
+    virtual void post(std::function<void()> action) = 0;
+};
+
+}  // namespace quietlark
