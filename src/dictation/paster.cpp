@@ -1,0 +1,49 @@
+#include "dictation/paster.h"
+
+#include <utility>
+
+namespace quietlark {
+
+Paster::Paster(Pasteboard& pasteboard, KeySynthesizer& keys, Scheduler& scheduler)
+    : m_pasteboard(pasteboard), m_keys(keys), m_scheduler(scheduler) {}
+
+Paster::~Paster() { restorePasteboard(); }
+
+void Paster::paste(const QString& text, PostedHandler onPosted) {
+    if (text.isEmpty()) {
+        m_scheduler.after(std::chrono::milliseconds(0), this, [onPosted] { onPosted({}); });
+        return;
+    }
+    // A restore that was due is called off, not lost: the snapshot sees through our own text to what
+    // it covers.
+    m_nextStep.reset();
+    m_reading = m_pasteboard.snapshot(
+        [this, text, onPosted](std::optional<PasteboardSnapshot> snapshot) {
+            m_saved = std::move(snapshot);
+            write(text, onPosted);
+        });
+}
+
+void Paster::write(const QString& text, const PostedHandler& onPosted) {
+    m_pasteboard.setString(text);
+    m_nextStep = std::make_unique<QObject>();
+    m_scheduler.after(visibilityDelay, m_nextStep.get(),
+                      [this, onPosted] { postCommandV(onPosted); });
+}
+
+void Paster::postCommandV(const PostedHandler& onPosted) {
+    const auto posted = m_keys.post(key_code::v, modifier::command);
+    m_nextStep.reset();
+    if (!posted) m_saved.reset();
+    if (m_saved) {
+        m_nextStep = std::make_unique<QObject>();
+        m_scheduler.after(restoreDelay, m_nextStep.get(), [this] { restorePasteboard(); });
+    }
+    onPosted(posted);
+}
+
+void Paster::restorePasteboard() {
+    if (auto saved = std::exchange(m_saved, std::nullopt)) m_pasteboard.restore(*std::move(saved));
+}
+
+}  // namespace quietlark

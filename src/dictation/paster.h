@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QObject>
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <tl/expected.hpp>
+
+#include "platform/key_synthesizer.h"
+#include "platform/pasteboard.h"
+#include "platform/scheduler.h"
+
+namespace quietlark {
+
+/// Puts text into whatever has the keyboard focus, by way of the pasteboard: saves what that holds,
+/// writes the text, types Command-V and a moment later puts the old contents back. Main thread; never
+/// blocks it.
+class Paster final : public QObject {
+    Q_OBJECT
+
+public:
+    /// From the text being on the pasteboard to the keystroke, so that others have seen the change.
+    static constexpr std::chrono::milliseconds visibilityDelay{50};
+    /// From the keystroke to the old contents being put back.
+    static constexpr std::chrono::milliseconds restoreDelay{200};
+
+    /// Runs once, on the main thread and never before paste() returns: the keystroke is on its way,
+    /// or it could not be typed and the text has been left on the pasteboard.
+    using PostedHandler = std::function<void(const tl::expected<void, Unavailable>&)>;
+
+    Paster(Pasteboard& pasteboard, KeySynthesizer& keys, Scheduler& scheduler);
+
+    /// A restore that is still due takes place at once.
+    ~Paster() override;
+
+    /// Pastes `text`; does nothing but report when it is empty. A second call before the first has
+    /// reported replaces it. When the pasteboard could not be read the text stays on it.
+    void paste(const QString& text, PostedHandler onPosted);
+
+private:
+    void write(const QString& text, const PostedHandler& onPosted);
+    void postCommandV(const PostedHandler& onPosted);
+    void restorePasteboard();
+
+    Pasteboard& m_pasteboard;
+    KeySynthesizer& m_keys;
+    Scheduler& m_scheduler;
+    Cancellable m_reading;
+    /// What the pasteboard held before our text; present while it is owed to the user.
+    std::optional<PasteboardSnapshot> m_saved;
+    /// The step that is due next; dropping it calls the step off.
+    std::unique_ptr<QObject> m_nextStep;
+};
+
+}  // namespace quietlark
