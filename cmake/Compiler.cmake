@@ -2,6 +2,8 @@ add_compile_options(-Wall -Wextra -Wshadow -Wconversion -Wno-sign-conversion)
 if(QUIETLARK_WARNINGS_AS_ERRORS)
   add_compile_options(-Werror)
 endif()
+# A program loads only the libraries it calls: the server's floors are built beside Qt, not with it.
+add_link_options(-Wl,--as-needed)
 add_compile_definitions(QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII)
 
 if(QUIETLARK_SANITIZE)
