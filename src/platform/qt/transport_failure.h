@@ -1,0 +1,21 @@
+#pragma once
+
+#include "platform/http_client.h"
+
+class QNetworkReply;
+
+namespace quietlark {
+
+/// Whether a finished reply brought a whole answer, be its status good or bad.
+[[nodiscard]] bool hasWholeAnswer(const QNetworkReply& reply);
+
+/// Why a finished reply did not bring a whole answer.
+[[nodiscard]] TransportError transportFailure(const QNetworkReply& reply);
+
+/// The body went on beyond what HttpClient accepts.
+[[nodiscard]] TransportError answerTooLong(const QUrl& url);
+
+/// The address is not one for HTTP.
+[[nodiscard]] TransportError notHttp(const QUrl& url);
+
+}  // namespace quietlark
