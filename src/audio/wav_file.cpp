@@ -1,0 +1,170 @@
+#include "audio/wav_file.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <concepts>
+#include <limits>
+#include <string_view>
+
+#include "audio/sample_converter.h"
+
+namespace quietlark {
+namespace {
+
+using Bytes = std::span<const std::uint8_t>;
+
+constexpr std::size_t riffHeaderBytes = 12;
+constexpr std::size_t chunkHeaderBytes = 8;
+constexpr std::size_t shortestFormatBytes = 16;
+constexpr std::size_t extensibleFormatBytes = 40;
+constexpr std::uint32_t unknownSize = 0xFFFFFFFF;
+constexpr std::uint16_t integerPcm = 1;
+constexpr std::uint16_t floatingPoint = 3;
+constexpr std::uint16_t extensible = 0xFFFE;
+constexpr std::uint32_t lowestRateHz = 8000;
+constexpr std::uint32_t highestRateHz = 192000;
+constexpr std::uint16_t mostChannels = 64;
+constexpr std::size_t framesPerBlock = 4096;
+
+// What follows the format's number in an extensible header when that number means what it does in
+// a plain one.
+constexpr std::array<std::uint8_t, 14> plainSubformat = {0x00, 0x00, 0x00, 0x00, 0x10, 0x00, 0x80,
+                                                         0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
+
+template <std::unsigned_integral Number>
+Number littleEndian(Bytes bytes, std::size_t offset = 0) {
+    Number number = 0;
+    for (std::size_t i = 0; i < sizeof(Number); ++i)
+        number = static_cast<Number>(number | Number{bytes[offset + i]} << (8 * i));
+    return number;
+}
+
+bool isNamed(Bytes bytes, std::size_t offset, std::string_view name) {
+    return std::ranges::equal(bytes.subspan(offset, name.size()), name, {},
+                              [](std::uint8_t byte) { return static_cast<char>(byte); });
+}
+
+tl::unexpected<WavFileError> failure(const char* description) {
+    return tl::unexpected(WavFileError{description});
+}
+
+}  // namespace
+
+tl::expected<WavFile, WavFileError> WavFile::parse(Bytes bytes) {
+    if (bytes.size() < riffHeaderBytes || !isNamed(bytes, 0, "RIFF") || !isNamed(bytes, 8, "WAVE"))
+        return failure("This is not a WAV file.");
+    std::optional<Format> format;
+    Bytes rest = bytes.subspan(riffHeaderBytes);
+    while (rest.size() >= chunkHeaderBytes) {
+        const bool isFormat = isNamed(rest, 0, "fmt ");
+        const bool isData = isNamed(rest, 0, "data");
+        const auto claimed = littleEndian<std::uint32_t>(rest, 4);
+        rest = rest.subspan(chunkHeaderBytes);
+        const std::size_t size = isData && claimed == unknownSize ? rest.size() : claimed;
+        if (size > rest.size()) return failure("The WAV file is cut short.");
+        if (isFormat) {
+            const auto parsed = parseFormat(rest.first(size));
+            if (!parsed) return tl::unexpected(parsed.error());
+            format = *parsed;
+        } else if (isData) {
+            if (!format) return failure("The WAV file does not say how its sound is stored.");
+            return WavFile(*format, rest.first(size));
+        }
+        // Chunks start at even offsets.
+        rest = rest.subspan(std::min(size + size % 2, rest.size()));
+    }
+    return failure("The WAV file has no sound in it.");
+}
+
+tl::expected<WavFile::Format, WavFileError> WavFile::parseFormat(Bytes chunk) {
+    if (chunk.size() < shortestFormatBytes) return failure("The WAV file's header is broken.");
+    auto kind = littleEndian<std::uint16_t>(chunk, 0);
+    const auto channels = littleEndian<std::uint16_t>(chunk, 2);
+    const auto sampleRateHz = littleEndian<std::uint32_t>(chunk, 4);
+    const auto blockAlign = littleEndian<std::uint16_t>(chunk, 12);
+    const auto bits = littleEndian<std::uint16_t>(chunk, 14);
+
+    if (kind == extensible && chunk.size() >= extensibleFormatBytes &&
+        std::ranges::equal(chunk.subspan(26, plainSubformat.size()), plainSubformat))
+        kind = littleEndian<std::uint16_t>(chunk, 24);
+    const bool isInteger = kind == integerPcm;
+    if (!isInteger && kind != floatingPoint)
+        return failure("The WAV file is compressed in a way that cannot be read.");
+    if (channels == 0 || channels > mostChannels)
+        return failure("The WAV file has an impossible number of channels.");
+    if (sampleRateHz < lowestRateHz || sampleRateHz > highestRateHz)
+        return failure("The WAV file's sample rate is not between 8 and 192 kHz.");
+
+    const auto encoding = encodingOf(isInteger, bits);
+    if (!encoding) return failure("The WAV file's samples are of a size that cannot be read.");
+    const auto bytesPerSample = static_cast<std::uint16_t>(bits / 8);
+    if (blockAlign != channels * bytesPerSample)
+        return failure("The WAV file's header contradicts itself.");
+    return Format{*encoding, sampleRateHz, channels, bytesPerSample};
+}
+
+std::optional<WavFile::Encoding> WavFile::encodingOf(bool isInteger, std::uint16_t bits) {
+    if (isInteger && bits == 8) return Encoding::Unsigned8;
+    if (isInteger && bits == 16) return Encoding::Signed16;
+    if (isInteger && bits == 24) return Encoding::Signed24;
+    if (isInteger && bits == 32) return Encoding::Signed32;
+    if (!isInteger && bits == 32) return Encoding::Float32;
+    if (!isInteger && bits == 64) return Encoding::Float64;
+    return std::nullopt;
+}
+
+float WavFile::sample(Encoding encoding, Bytes bytes) {
+    switch (encoding) {
+        case Encoding::Unsigned8:
+            return static_cast<float>(bytes[0] - 128) / 128.0F;
+        case Encoding::Signed16:
+            return static_cast<float>(
+                       static_cast<std::int16_t>(littleEndian<std::uint16_t>(bytes))) /
+                   32768.0F;
+        case Encoding::Signed24: {
+            const auto upper = std::uint32_t{littleEndian<std::uint16_t>(bytes, 1)} << 16;
+            const auto lower = std::uint32_t{bytes[0]} << 8;
+            return static_cast<float>(static_cast<std::int32_t>(upper | lower)) / 2147483648.0F;
+        }
+        case Encoding::Signed32:
+            return static_cast<float>(
+                       static_cast<std::int32_t>(littleEndian<std::uint32_t>(bytes))) /
+                   2147483648.0F;
+        case Encoding::Float32:
+            return std::bit_cast<float>(littleEndian<std::uint32_t>(bytes));
+        case Encoding::Float64: {
+            constexpr double largest = std::numeric_limits<float>::max();
+            const auto exact = std::bit_cast<double>(littleEndian<std::uint64_t>(bytes));
+            return static_cast<float>(std::clamp(exact, -largest, largest));
+        }
+    }
+    return 0;
+}
+
+std::vector<float> WavFile::read(std::size_t first, std::size_t count) const {
+    first = std::min(first, frames());
+    count = std::min(count, frames() - first);
+    Bytes rest = m_data.subspan(first * m_format.bytesPerFrame());
+    std::vector<float> samples(count * m_format.channels);
+    for (float& value : samples) {
+        value = sample(m_format.encoding, rest.first(m_format.bytesPerSample));
+        rest = rest.subspan(m_format.bytesPerSample);
+    }
+    return samples;
+}
+
+std::vector<std::int16_t> WavFile::convertedTo(double rateHz) const {
+    auto converter = SampleConverter::create(sampleRateHz(), channels(), rateHz);
+    if (!converter) return {};
+    std::vector<std::int16_t> samples;
+    const auto append = [&samples](std::span<const std::int16_t> more) {
+        samples.insert(samples.end(), more.begin(), more.end());
+    };
+    for (std::size_t first = 0; first < frames(); first += framesPerBlock)
+        append(converter->convert(read(first, framesPerBlock)));
+    append(converter->finish());
+    return samples;
+}
+
+}  // namespace quietlark
