@@ -7,18 +7,20 @@ namespace quietlark {
 Paster::Paster(Pasteboard& pasteboard, KeySynthesizer& keys, Scheduler& scheduler)
     : m_pasteboard(pasteboard), m_keys(keys), m_scheduler(scheduler) {}
 
-Paster::~Paster() { restorePasteboard(); }
+Paster::~Paster() {
+    restorePasteboard();
+}
 
 void Paster::paste(const QString& text, PostedHandler onPosted) {
     if (text.isEmpty()) {
         m_scheduler.after(std::chrono::milliseconds(0), this, [onPosted] { onPosted({}); });
         return;
     }
-    // A restore that was due is called off, not lost: the snapshot sees through our own text to what
-    // it covers.
+    // A restore that was due is called off, not lost: the snapshot sees through our own text to
+    // what it covers.
     m_nextStep.reset();
-    m_reading = m_pasteboard.snapshot(
-        [this, text, onPosted](std::optional<PasteboardSnapshot> snapshot) {
+    m_reading =
+        m_pasteboard.snapshot([this, text, onPosted](std::optional<PasteboardSnapshot> snapshot) {
             m_saved = std::move(snapshot);
             write(text, onPosted);
         });

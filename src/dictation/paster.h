@@ -1,10 +1,11 @@
 #pragma once
 
-#include <QObject>
 #include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
+
+#include <QObject>
 #include <tl/expected.hpp>
 
 #include "platform/key_synthesizer.h"
@@ -14,8 +15,8 @@
 namespace quietlark {
 
 /// Puts text into whatever has the keyboard focus, by way of the pasteboard: saves what that holds,
-/// writes the text, types Command-V and a moment later puts the old contents back. Main thread; never
-/// blocks it.
+/// writes the text, types Command-V and a moment later puts the old contents back. Main thread;
+/// never blocks it.
 class Paster final : public QObject {
     Q_OBJECT
 

@@ -17,10 +17,11 @@ const PasteboardSnapshot imageAndText = {
 class PasterTest : public ::testing::Test {
 protected:
     void paste(const char* text) {
-        paster->paste(QString::fromUtf8(text), [this](const tl::expected<void, Unavailable>& posted) {
-            ++reports;
-            couldPost = posted.has_value();
-        });
+        paster->paste(QString::fromUtf8(text),
+                      [this](const tl::expected<void, Unavailable>& posted) {
+                          ++reports;
+                          couldPost = posted.has_value();
+                      });
     }
 
     /// Pastes and lets pass what comes before the keystroke.

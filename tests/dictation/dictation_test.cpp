@@ -1,0 +1,279 @@
+#include "dictation/dictation.h"
+
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include "fakes/fake_audio_input.h"
+#include "fakes/fake_http_client.h"
+#include "fakes/fake_key_synthesizer.h"
+#include "fakes/fake_log.h"
+#include "fakes/fake_pasteboard.h"
+#include "fakes/fake_scheduler.h"
+#include "transcription/endpoint_file.h"
+
+namespace quietlark {
+namespace {
+
+using namespace std::chrono_literals;
+using Case = DictationState::Case;
+
+constexpr auto upload = "http://box:8080/inference";
+
+class DictationTest : public ::testing::Test {
+protected:
+    DictationTest() {
+        config.serverMode = ManualRemote{QStringLiteral("box"), 8080, QStringLiteral("http")};
+        QObject::connect(&dictation, &Dictation::onStateChange, &dictation,
+                         [this](const DictationState& state) { changes.push_back(state.kind); });
+        serverIsUp();
+    }
+
+    void serverIsUp() {
+        network.respondTo(QStringLiteral("http://box:8080/"), 200, "whisper.cpp: POST /inference");
+        serverAnswers("Hello world");
+    }
+
+    void serverAnswers(const char* text, int status = 200) {
+        network.respondTo(QString::fromLatin1(upload), status, text);
+    }
+
+    void speak() {
+        dictation.beginRecord();
+        microphone.hearTone(4096);
+    }
+
+    void stopSpeaking() {
+        dictation.endRecord();
+        scheduler.runPosted();
+    }
+
+    /// A whole dictation, with every answer of the network; time passes only for the paste.
+    void dictate() {
+        speak();
+        stopSpeaking();
+        network.runAnswers();
+        scheduler.advance(Paster::visibilityDelay);
+    }
+
+    std::vector<Case> takeChanges() {
+        scheduler.runPosted();
+        return std::exchange(changes, {});
+    }
+
+    Config config;
+    FakeScheduler scheduler;
+    FakeLog log;
+    FakeHttpClient network;
+    FakeAudioInput microphone;
+    FakePasteboard pasteboard{scheduler};
+    FakeKeySynthesizer keys;
+    QTemporaryDir directory;
+    EndpointFile endpointFile{directory.filePath(QStringLiteral("endpoint"))};
+    TranscriptionService transcription{ServerEndpoint(endpointFile), ServerResolver(network),
+                                       TranscriptionClient(network, scheduler, log)};
+    Recorder recorder{Dictation::sampleRateHz, microphone};
+    Paster paster{pasteboard, keys, scheduler};
+    Dictation dictation{[this] { return config; }, recorder, transcription, paster, scheduler};
+    std::vector<Case> changes;
+};
+
+TEST_F(DictationTest, AGestureBecomesPastedText) {
+    dictate();
+    EXPECT_EQ(pasteboard.text(), QStringLiteral("Hello world"));
+    EXPECT_EQ(keys.posted().size(), 1u);
+    EXPECT_EQ(takeChanges(), (std::vector{Case::recording, Case::transcribing, Case::idle}));
+}
+
+TEST_F(DictationTest, ChangesAreReportedFromTheMainQueueOnly) {
+    dictation.beginRecord();
+    EXPECT_TRUE(changes.empty());
+    EXPECT_EQ(takeChanges(), std::vector{Case::recording});
+}
+
+TEST_F(DictationTest, ASecondPressWhileRecordingIsIgnored) {
+    speak();
+    dictation.beginRecord();
+    EXPECT_EQ(takeChanges(), std::vector{Case::recording});
+    stopSpeaking();
+    network.runAnswers();
+    EXPECT_GT(network.requests().back().body.size(), 44);
+}
+
+TEST_F(DictationTest, PressesAndReleasesWhileTranscribingAreIgnored) {
+    speak();
+    stopSpeaking();
+    takeChanges();
+    dictation.beginRecord();
+    dictation.endRecord();
+    EXPECT_EQ(dictation.state().kind, Case::transcribing);
+    EXPECT_TRUE(takeChanges().empty());
+}
+
+TEST_F(DictationTest, AReleaseWithoutARecordingIsIgnored) {
+    dictation.endRecord();
+    EXPECT_EQ(dictation.state().kind, Case::idle);
+    EXPECT_TRUE(network.requests().empty());
+}
+
+TEST_F(DictationTest, APressInErrorStartsANewRecordingAtOnce) {
+    serverAnswers("boom", 500);
+    dictate();
+    ASSERT_EQ(dictation.state().kind, Case::error);
+    dictation.beginRecord();
+    EXPECT_EQ(dictation.state().kind, Case::recording);
+    scheduler.advance(1min);
+    EXPECT_EQ(dictation.state().kind, Case::recording);
+}
+
+TEST_F(DictationTest, AMicrophoneThatDoesNotStartIsAnErrorForTwoSeconds) {
+    microphone.format = {};
+    dictation.beginRecord();
+    EXPECT_EQ(dictation.state(),
+              DictationState::error(QStringLiteral(
+                  "No input audio format available — microphone permission may be denied.")));
+    scheduler.advance(1999ms);
+    EXPECT_EQ(dictation.state().kind, Case::error);
+    scheduler.advance(1ms);
+    EXPECT_EQ(dictation.state().kind, Case::idle);
+}
+
+TEST_F(DictationTest, NothingHeardIsAnErrorForTwoSeconds) {
+    dictation.beginRecord();
+    stopSpeaking();
+    EXPECT_EQ(dictation.state(), DictationState::error(QStringLiteral("No audio captured")));
+    scheduler.advance(2s);
+    EXPECT_EQ(dictation.state().kind, Case::idle);
+    EXPECT_TRUE(network.requests().empty());
+}
+
+TEST_F(DictationTest, WithoutAChosenServerItIsUnreachableForFiveSeconds) {
+    config.serverMode = Unconfigured{};
+    speak();
+    stopSpeaking();
+    EXPECT_EQ(dictation.state(),
+              DictationState::unreachable(QStringLiteral("No server configured")));
+    scheduler.advance(4999ms);
+    EXPECT_EQ(dictation.state().kind, Case::unreachable);
+    scheduler.advance(1ms);
+    EXPECT_EQ(dictation.state().kind, Case::idle);
+}
+
+TEST_F(DictationTest, ALocalServerThatHasNotPublishedItsAddressCountsAsNone) {
+    config.serverMode = Local{};
+    speak();
+    stopSpeaking();
+    EXPECT_EQ(dictation.state(),
+              DictationState::unreachable(QStringLiteral("No server configured")));
+}
+
+TEST_F(DictationTest, TheMessageForAnUnreachableServerNamesItsAddress) {
+    config.serverMode = ManualRemote{QStringLiteral("gone"), 1, QStringLiteral("https")};
+    dictate();
+    EXPECT_EQ(dictation.state(), DictationState::unreachable(
+                                     QStringLiteral("Couldn't reach server at https://gone:1")));
+    EXPECT_TRUE(pasteboard.contents().empty());
+}
+
+TEST_F(DictationTest, ARefusedUploadIsAnErrorAndKeepsTheServer) {
+    serverAnswers("boom", 500);
+    dictate();
+    EXPECT_EQ(dictation.state().kind, Case::error);
+    EXPECT_FALSE(dictation.state().message.isEmpty());
+    const auto before = network.requests().size();
+    serverAnswers("again");
+    dictate();
+    EXPECT_EQ(network.requests().size(), before + 1);
+    EXPECT_EQ(pasteboard.text(), QStringLiteral("again"));
+}
+
+TEST_F(DictationTest, TheSecondDictationSendsOneRequestAndNoProbe) {
+    dictate();
+    const auto before = network.requests().size();
+    dictate();
+    ASSERT_EQ(network.requests().size(), before + 1);
+    EXPECT_EQ(network.requests().back().url.toString(), QString::fromLatin1(upload));
+}
+
+TEST_F(DictationTest, AnotherAddressIsResolvedAfresh) {
+    dictate();
+    config.serverMode = ManualRemote{QStringLiteral("other"), 9, QStringLiteral("http")};
+    dictate();
+    EXPECT_EQ(dictation.state().message, QStringLiteral("Couldn't reach server at http://other:9"));
+}
+
+TEST_F(DictationTest, AFailedResolutionIsTriedAgainNextTime) {
+    network.respondTo(QStringLiteral("http://box:8080/"), 503);
+    dictate();
+    ASSERT_EQ(dictation.state().kind, Case::unreachable);
+    serverIsUp();
+    dictate();
+    EXPECT_EQ(pasteboard.text(), QStringLiteral("Hello world"));
+}
+
+TEST_F(DictationTest, InvalidatingTheCacheResolvesAfresh) {
+    dictate();
+    const auto before = network.requests().size();
+    dictation.invalidateCache();
+    dictate();
+    EXPECT_GT(network.requests().size(), before + 1);
+}
+
+TEST_F(DictationTest, InvalidatingTheCacheEndsAnUnreachableStateAtOnce) {
+    config.serverMode = Unconfigured{};
+    dictate();
+    ASSERT_EQ(dictation.state().kind, Case::unreachable);
+    dictation.invalidateCache();
+    EXPECT_EQ(dictation.state().kind, Case::idle);
+}
+
+TEST_F(DictationTest, InvalidatingTheCacheDoesNotDisturbARecording) {
+    speak();
+    dictation.invalidateCache();
+    EXPECT_EQ(dictation.state().kind, Case::recording);
+}
+
+TEST_F(DictationTest, TheFirstOfTwoErrorsMayClearTheSecond) {
+    dictation.beginRecord();
+    stopSpeaking();
+    scheduler.advance(1500ms);
+    dictation.beginRecord();
+    stopSpeaking();
+    scheduler.advance(500ms);
+    EXPECT_EQ(dictation.state().kind, Case::idle);
+}
+
+TEST_F(DictationTest, AnErrorsTimerLeavesAnUnreachableStateAlone) {
+    dictation.beginRecord();
+    stopSpeaking();
+    config.serverMode = Unconfigured{};
+    speak();
+    stopSpeaking();
+    scheduler.advance(2s);
+    EXPECT_EQ(dictation.state().kind, Case::unreachable);
+}
+
+TEST_F(DictationTest, AnEmptyTextPastesNothingAndIsNoError) {
+    serverAnswers(R"({"text": " [BLANK_AUDIO] "})");
+    pasteboard.userCopies(QStringLiteral("mine"));
+    dictate();
+    EXPECT_EQ(dictation.state().kind, Case::idle);
+    EXPECT_EQ(pasteboard.text(), QStringLiteral("mine"));
+    EXPECT_TRUE(keys.posted().empty());
+}
+
+TEST_F(DictationTest, WhenNothingCanBeTypedItSaysSoAndLeavesTheTextOnThePasteboard) {
+    keys.makeUnavailable(QStringLiteral("No keys here."));
+    dictate();
+    EXPECT_EQ(dictation.state(), DictationState::error(QStringLiteral("No keys here.")));
+    scheduler.advance(1min);
+    EXPECT_EQ(pasteboard.text(), QStringLiteral("Hello world"));
+}
+
+TEST_F(DictationTest, TheConfiguredLanguageIsSent) {
+    config.language = QStringLiteral("de");
+    dictate();
+    EXPECT_TRUE(network.requests().back().body.contains("name=\"language\"\r\n\r\nde\r\n"));
+}
+
+}  // namespace
+}  // namespace quietlark
