@@ -1,5 +1,6 @@
 #include <functional>
 #include <memory>
+#include <ostream>
 
 #include <gtest/gtest.h>
 
@@ -53,6 +54,10 @@ private:
 struct StudioKind {
     const char* name;
     std::function<std::unique_ptr<Studio>()> make;
+
+    friend std::ostream& operator<<(std::ostream& out, const StudioKind& kind) {
+        return out << kind.name;
+    }
 };
 
 class AudioInputContract : public ::testing::TestWithParam<StudioKind> {
