@@ -17,6 +17,8 @@ struct KeyEvent {
     Kind kind = Kind::KeyDown;
     KeyCode keyCode = 0;              ///< the key that moved; a modifier's own code in FlagsChanged
     ModifierFlags modifierFlags = 0;  ///< what is held after the event
+
+    bool operator==(const KeyEvent&) const = default;
 };
 
 /// Which kinds of event a monitor wants, one bit each.

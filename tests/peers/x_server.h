@@ -27,6 +27,9 @@ public:
     [[nodiscard]] std::unique_ptr<ChildProcess> start(const QString& program,
                                                       const QStringList& arguments) const;
 
+    /// Ends the server; its clients lose their connection.
+    void end() { m_server.end(); }
+
 private:
     ChildProcess m_server;
     QByteArray m_display;
