@@ -1,81 +1,10 @@
-#include "dictation/dictation.h"
-
-#include <QTemporaryDir>
-#include <gtest/gtest.h>
-
-#include "fakes/fake_audio_input.h"
-#include "fakes/fake_http_client.h"
-#include "fakes/fake_key_synthesizer.h"
-#include "fakes/fake_log.h"
-#include "fakes/fake_pasteboard.h"
-#include "fakes/fake_scheduler.h"
-#include "transcription/endpoint_file.h"
+#include "dictation/dictation_fixture.h"
 
 namespace quietlark {
 namespace {
 
 using namespace std::chrono_literals;
-using Case = DictationState::Case;
-
-constexpr auto upload = "http://box:8080/inference";
-
-class DictationTest : public ::testing::Test {
-protected:
-    DictationTest() {
-        config.serverMode = ManualRemote{QStringLiteral("box"), 8080, QStringLiteral("http")};
-        QObject::connect(&dictation, &Dictation::onStateChange, &dictation,
-                         [this](const DictationState& state) { changes.push_back(state.kind); });
-        serverIsUp();
-    }
-
-    void serverIsUp() {
-        network.respondTo(QStringLiteral("http://box:8080/"), 200, "whisper.cpp: POST /inference");
-        serverAnswers("Hello world");
-    }
-
-    void serverAnswers(const char* text, int status = 200) {
-        network.respondTo(QString::fromLatin1(upload), status, text);
-    }
-
-    void speak() {
-        dictation.beginRecord();
-        microphone.hearTone(4096);
-    }
-
-    void stopSpeaking() {
-        dictation.endRecord();
-        scheduler.runPosted();
-    }
-
-    /// A whole dictation, with every answer of the network; time passes only for the paste.
-    void dictate() {
-        speak();
-        stopSpeaking();
-        network.runAnswers();
-        scheduler.advance(Paster::visibilityDelay);
-    }
-
-    std::vector<Case> takeChanges() {
-        scheduler.runPosted();
-        return std::exchange(changes, {});
-    }
-
-    Config config;
-    FakeScheduler scheduler;
-    FakeLog log;
-    FakeHttpClient network;
-    FakeAudioInput microphone;
-    FakePasteboard pasteboard{scheduler};
-    FakeKeySynthesizer keys;
-    QTemporaryDir directory;
-    EndpointFile endpointFile{directory.filePath(QStringLiteral("endpoint"))};
-    TranscriptionService transcription{ServerEndpoint(endpointFile), ServerResolver(network),
-                                       TranscriptionClient(network, scheduler, log)};
-    Recorder recorder{Dictation::sampleRateHz, microphone};
-    Paster paster{pasteboard, keys, scheduler};
-    Dictation dictation{[this] { return config; }, recorder, transcription, paster, scheduler};
-    std::vector<Case> changes;
-};
+using DictationTest = DictationFixture;
 
 TEST_F(DictationTest, AGestureBecomesPastedText) {
     dictate();
@@ -191,7 +120,7 @@ TEST_F(DictationTest, TheSecondDictationSendsOneRequestAndNoProbe) {
     const auto before = network.requests().size();
     dictate();
     ASSERT_EQ(network.requests().size(), before + 1);
-    EXPECT_EQ(network.requests().back().url.toString(), QString::fromLatin1(upload));
+    EXPECT_EQ(network.requests().back().url.toString(), QString::fromLatin1(uploadAddress));
 }
 
 TEST_F(DictationTest, AnotherAddressIsResolvedAfresh) {
