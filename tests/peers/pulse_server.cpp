@@ -9,7 +9,7 @@ namespace quietlark {
 
 QStringList PulseServer::loopback() {
     return {QStringLiteral("module-null-sink sink_name=speaker rate=48000 format=float32le "
-                           "channels=2"),
+                           "channels=2 norewinds=1"),
             QStringLiteral("module-remap-source source_name=microphone master=speaker.monitor")};
 }
 
@@ -48,9 +48,10 @@ QByteArray PulseServer::pactl(const QStringList& arguments) const {
 }
 
 qsizetype PulseServer::recordStreams() const {
-    return pactl(
-               {QStringLiteral("list"), QStringLiteral("short"), QStringLiteral("source-outputs")})
-        .count('\n');
+    const QByteArray streams =
+        pactl({QStringLiteral("list"), QStringLiteral("short"), QStringLiteral("source-outputs")});
+    // Modules record too, by other means.
+    return streams.count("protocol-native");
 }
 
 void PulseServer::start() {

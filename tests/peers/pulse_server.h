@@ -13,7 +13,8 @@ namespace quietlark {
 /// A real PulseAudio server of its own, without hardware.
 class PulseServer {
 public:
-    /// A loudspeaker "speaker" and a microphone "microphone" that hears what it plays.
+    /// A loudspeaker "speaker" that plays at once and a microphone "microphone" that hears what it
+    /// plays.
     static QStringList loopback();
 
     /// A microphone that hears what is written to the pipe of its name, 32-bit floats of one
@@ -33,7 +34,7 @@ public:
     /// Runs `pactl` to its end; answers its standard output.
     QByteArray pactl(const QStringList& arguments) const;
 
-    /// How many streams are recording at this moment.
+    /// How many streams of clients are recording at this moment.
     [[nodiscard]] qsizetype recordStreams() const;
 
     /// Starts the server if it does not run, and waits until it answers.

@@ -7,8 +7,14 @@
 namespace quietlark {
 namespace {
 
-// How much sound the server gathers before it sends it: the longest that finish() usually waits.
+// How much sound the server gathers before it sends it.
 constexpr pa_usec_t fragmentMicroseconds = 10000;
+
+// PipeWire's account of what was heard is as old as its last cycle. So finish() asks for a little
+// more sound than was owed; what is too much helps to push the rest out of a rate converter. A
+// microphone that sends nothing more is not waited for.
+constexpr pa_usec_t surplusMicroseconds = 10000;
+constexpr pa_usec_t longestSurplusWait = 3 * fragmentMicroseconds;
 
 constexpr auto streamFlags =
     static_cast<pa_stream_flags_t>(PA_STREAM_ADJUST_LATENCY | PA_STREAM_NO_REMAP_CHANNELS);
@@ -90,13 +96,22 @@ void PulseCapture::finish(std::chrono::milliseconds limit) {
 }
 
 void PulseCapture::awaitWhatWasHeard(std::chrono::milliseconds limit) {
-    const auto due = pa_rtclock_now() + std::chrono::microseconds(limit).count();
-    pa_time_event* timer =
-        pa_context_rttime_new(pa_stream_get_context(m_stream.get()), due, &onLimit, this);
-    PulseOperation question(pa_stream_update_timing_info(m_stream.get(), &onTiming, this));
-    const auto isComplete = [this] { return m_awaitedBytes && m_receivedBytes >= *m_awaitedBytes; };
-    while (isOpen() && !isComplete() && !m_limitReached)
-        m_mainloop.wait();
+    pa_context* context = pa_stream_get_context(m_stream.get());
+    const pa_usec_t due = pa_rtclock_now() + std::chrono::microseconds(limit).count();
+    pa_time_event* timer = pa_context_rttime_new(context, due, &onLimit, this);
+    const auto waitWhile = [this](auto condition) {
+        while (isOpen() && !m_limitReached && condition())
+            m_mainloop.wait();
+    };
+    const PulseOperation question(pa_stream_update_timing_info(m_stream.get(), &onTiming, this));
+    waitWhile([this] { return !m_awaitedBytes || m_receivedBytes < *m_awaitedBytes; });
+
+    const pa_usec_t sufficient = pa_rtclock_now() + longestSurplusWait;
+    pa_context_rttime_restart(context, timer, std::min(due, sufficient));
+    const auto surplus =
+        static_cast<std::int64_t>(pa_usec_to_bytes(surplusMicroseconds, &m_sampleSpec));
+    waitWhile([&] { return m_receivedBytes < *m_awaitedBytes + surplus; });
+
     if (question) pa_operation_cancel(question.get());
     m_mainloop.api()->time_free(timer);
 }

@@ -28,8 +28,8 @@ public:
     PulseCapture(const PulseCapture&) = delete;
     PulseCapture& operator=(const PulseCapture&) = delete;
 
-    /// Waits until what the microphone has heard by now has come in, no longer than `limit`, and
-    /// hands over what the tap has not had yet.
+    /// Waits until what the microphone has heard by now has come in, and some 10 ms more, no longer
+    /// than `limit`; hands over what the tap has not had yet.
     void finish(std::chrono::milliseconds limit);
 
 private:
