@@ -45,6 +45,7 @@ public:
 
     /// Answers the oldest open request; false when there is none.
     bool respond(int status, QByteArray body = {}) {
+        if (body.size() > maxBodyBytes) return fail(answerTooLong());
         return answer(HttpResponse{status, std::move(body)});
     }
     bool fail(TransportError error = connectionRefused()) { return answer(tl::unexpected(error)); }
@@ -62,13 +63,17 @@ public:
             if (scripted == m_script.end()) {
                 fail();
             } else {
-                answer(scripted.value());
+                respond(scripted->status, scripted->body);
             }
         }
     }
 
     [[nodiscard]] static TransportError connectionRefused() {
         return {QStringLiteral("FakeHttpClient"), 1, QStringLiteral("The server refused."), {}};
+    }
+
+    [[nodiscard]] static TransportError answerTooLong() {
+        return {QStringLiteral("FakeHttpClient"), 2, QStringLiteral("The answer is too long."), {}};
     }
 
 private:

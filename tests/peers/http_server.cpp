@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <QTcpSocket>
 #include <QTimer>
+#include <sys/socket.h>
 
 namespace quietlark {
 
@@ -17,9 +18,9 @@ QByteArray statusLine(int status) {
     return "HTTP/1.1 " + QByteArray::number(status) + " Scripted\r\n";
 }
 
-QByteArray wholeAnswer(int status, const QByteArray& body, const QByteArray& headers) {
-    return statusLine(status) + headers + "Content-Length: " + QByteArray::number(body.size()) +
-           "\r\n\r\n" + body;
+QByteArray head(int status, qsizetype bodyLength, const QByteArray& headers) {
+    return statusLine(status) + headers + "Content-Length: " + QByteArray::number(bodyLength) +
+           "\r\n\r\n";
 }
 
 }  // namespace
@@ -117,7 +118,7 @@ void HttpServer::meet(QTcpSocket& socket, Request request) {
 namespace http_reply {
 
 HttpServer::Reply answer(int status, const QByteArray& body, const QByteArray& headers) {
-    return bytesAndSilence(wholeAnswer(status, body, headers));
+    return bytesAndSilence(head(status, body.size(), headers) + body);
 }
 
 HttpServer::Reply json(const QByteArray& body) {
@@ -141,8 +142,9 @@ HttpServer::Reply bytesAndSilence(const QByteArray& bytes) {
 
 HttpServer::Reply reset() {
     return [](QTcpSocket& socket) {
-        // Closing with no time to linger sends a reset.
-        socket.setSocketOption(QAbstractSocket::SendBufferSizeSocketOption, 0);
+        const linger atOnce{1, 0};
+        ::setsockopt(static_cast<int>(socket.socketDescriptor()), SOL_SOCKET, SO_LINGER, &atOnce,
+                     sizeof atOnce);
         socket.abort();
     };
 }
@@ -157,16 +159,24 @@ HttpServer::Reply endless() {
     };
 }
 
-HttpServer::Reply drip(const QByteArray& body, int pauseMs) {
-    return [body, pauseMs](QTcpSocket& socket) {
-        const auto rest = std::make_shared<QByteArray>(wholeAnswer(200, body, {}));
+HttpServer::Reply drip(const QByteArray& body, std::chrono::milliseconds pause) {
+    return [body, pause](QTcpSocket& socket) {
+        socket.write(head(200, body.size(), {}));
+        const auto rest = std::make_shared<QByteArray>(body);
         auto* timer = new QTimer(&socket);
         QObject::connect(timer, &QTimer::timeout, &socket, [&socket, rest, timer] {
             socket.write(rest->first(1));
             rest->remove(0, 1);
             if (rest->isEmpty()) timer->stop();
         });
-        timer->start(pauseMs);
+        timer->start(pause);
+    };
+}
+
+HttpServer::Reply first(HttpServer::Reply once, HttpServer::Reply then) {
+    const auto isFirst = std::make_shared<bool>(true);
+    return [isFirst, once = std::move(once), then = std::move(then)](QTcpSocket& socket) {
+        (std::exchange(*isFirst, false) ? once : then)(socket);
     };
 }
 

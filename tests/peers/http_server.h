@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <vector>
 
@@ -87,8 +88,10 @@ namespace http_reply {
 [[nodiscard]] HttpServer::Reply reset();
 /// A 200 answer whose body goes on for as long as the client listens.
 [[nodiscard]] HttpServer::Reply endless();
-/// A proper 200 answer that comes byte by byte, one every `pauseMs` milliseconds.
-[[nodiscard]] HttpServer::Reply drip(const QByteArray& body, int pauseMs);
+/// A proper 200 answer whose body comes byte by byte, one after every `pause`.
+[[nodiscard]] HttpServer::Reply drip(const QByteArray& body, std::chrono::milliseconds pause);
+/// `once` for the first request that it meets, `then` for all others.
+[[nodiscard]] HttpServer::Reply first(HttpServer::Reply once, HttpServer::Reply then);
 
 }  // namespace http_reply
 

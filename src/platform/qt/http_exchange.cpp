@@ -1,21 +1,53 @@
 #include "platform/qt/http_exchange.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
+#include <QNetworkAccessManager>
 #include <QNetworkReply>
+#include <QNetworkRequest>
 
 #include "platform/qt/transport_failure.h"
 #include "platform/qt/upload_body.h"
 
 namespace quietlark {
 
-HttpExchange::HttpExchange(QNetworkReply* reply, UploadBody* upload,
-                           HttpClient::AnswerHandler onAnswer, QObject* parent)
-    : QObject(parent), m_reply(reply), m_onAnswer(std::move(onAnswer)) {
-    if (upload) watch(*upload);
-    connect(reply, &QNetworkReply::readyRead, this, &HttpExchange::takeBody);
-    connect(reply, &QNetworkReply::finished, this, &HttpExchange::onFinished);
+namespace {
+
+int timeoutMilliseconds(std::chrono::milliseconds timeout) {
+    const auto longest = std::chrono::milliseconds(std::numeric_limits<int>::max());
+    return static_cast<int>(std::min(timeout, longest).count());
+}
+
+QNetworkRequest networkRequest(const HttpRequest& request) {
+    QNetworkRequest result(request.url);
+    result.setTransferTimeout(timeoutMilliseconds(request.idleTimeout));
+    // Over plain HTTP this would be an offer to switch protocols with every request, which small
+    // servers do not understand.
+    result.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
+    result.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
+    result.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
+    result.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
+    return result;
+}
+
+bool isSameOrigin(const QUrl& one, const QUrl& other) {
+    const auto port = [](const QUrl& url) {
+        return url.port(url.scheme() == QLatin1String("https") ? 443 : 80);
+    };
+    return one.scheme() == other.scheme() && one.host() == other.host() && port(one) == port(other);
+}
+
+}  // namespace
+
+HttpExchange::HttpExchange(QNetworkAccessManager& manager, HttpRequest request,
+                           HttpClient::AnswerHandler onAnswer)
+    : QObject(&manager),
+      m_manager(manager),
+      m_request(std::move(request)),
+      m_onAnswer(std::move(onAnswer)) {
+    start();
 }
 
 HttpExchange::~HttpExchange() {
@@ -28,15 +60,27 @@ void HttpExchange::withdraw() {
     deleteLater();
 }
 
-void HttpExchange::watch(UploadBody& upload) {
-    upload.setParent(m_reply);
+void HttpExchange::start() {
+    const bool isUpload = m_request.method == HttpRequest::Method::Post;
+    m_reply = isUpload ? startUpload() : m_manager.get(networkRequest(m_request));
+    connect(m_reply, &QNetworkReply::readyRead, this, &HttpExchange::takeBody);
+    connect(m_reply, &QNetworkReply::finished, this, &HttpExchange::onFinished);
+}
+
+QNetworkReply* HttpExchange::startUpload() {
+    QNetworkRequest request = networkRequest(m_request);
+    request.setHeader(QNetworkRequest::ContentTypeHeader, m_request.contentType);
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
+                         QNetworkRequest::ManualRedirectPolicy);
+    auto* body = new UploadBody(m_request.body);
+    QNetworkReply* reply = m_manager.post(request, body);
+    body->setParent(reply);
     // A connection kept from an earlier request may have died unnoticed while the computer slept:
-    // that request has reached nobody and is sent again, once. On a connection of its own it is
+    // that upload has reached nobody and is sent again, once. Over a connection of its own it is
     // not: there, silence means that the server has had it.
-    upload.allowRestart();
-    connect(m_reply, &QNetworkReply::socketStartedConnecting, &upload, &UploadBody::forbidRestart);
-    // Following a redirect is not a retry.
-    connect(m_reply, &QNetworkReply::redirected, &upload, &UploadBody::allowRestart);
+    body->allowRestart();
+    connect(reply, &QNetworkReply::socketStartedConnecting, body, &UploadBody::forbidRestart);
+    return reply;
 }
 
 void HttpExchange::takeBody() {
@@ -45,8 +89,8 @@ void HttpExchange::takeBody() {
     while (m_reply && m_reply->isOpen()) {
         const QByteArray piece = m_reply->read(pieceBytes);
         if (piece.isEmpty()) return;
-        m_body += piece;
-        if (m_body.size() > HttpClient::maxBodyBytes) {
+        m_answerBody += piece;
+        if (m_answerBody.size() > HttpClient::maxBodyBytes) {
             return finish(tl::unexpected(answerTooLong(m_reply->url())));
         }
     }
@@ -55,9 +99,29 @@ void HttpExchange::takeBody() {
 void HttpExchange::onFinished() {
     takeBody();
     if (!m_onAnswer) return;
+    if (const auto target = redirectTarget()) {
+        m_request.url = *target;
+        m_answerBody.clear();
+        dropReply();
+        return start();
+    }
     if (!hasWholeAnswer(*m_reply)) return finish(tl::unexpected(transportFailure(*m_reply)));
-    const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    finish(HttpResponse{status, std::move(m_body)});
+    finish(HttpResponse{statusOf(*m_reply), std::move(m_answerBody)});
+}
+
+std::optional<QUrl> HttpExchange::redirectTarget() {
+    const int status = statusOf(*m_reply);
+    // The other redirects ask for a page instead of sending the body on.
+    if (m_request.method != HttpRequest::Method::Post || (status != 307 && status != 308)) {
+        return std::nullopt;
+    }
+    const QUrl target = m_reply->attribute(QNetworkRequest::RedirectionTargetAttribute).toUrl();
+    const QUrl resolved = m_request.url.resolved(target);
+    // A recording goes to the server that was chosen and to no other.
+    if (!target.isValid() || !isSameOrigin(m_request.url, resolved)) return std::nullopt;
+    if (m_redirectsLeft == 0) return std::nullopt;
+    --m_redirectsLeft;
+    return resolved;
 }
 
 void HttpExchange::finish(HttpClient::Answer answer) {

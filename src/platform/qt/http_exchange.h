@@ -1,38 +1,46 @@
 #pragma once
 
+#include <optional>
+
 #include <QByteArray>
 #include <QObject>
 #include <QPointer>
 
 #include "platform/http_client.h"
 
+class QNetworkAccessManager;
 class QNetworkReply;
 
 namespace quietlark {
 
-class UploadBody;
-
-/// One request of QtHttpClient under way. Deletes itself once it has answered or was withdrawn.
+/// One request of QtHttpClient, from its sending to its answer. Deletes itself once it has answered
+/// or was withdrawn.
 class HttpExchange final : public QObject {
 public:
-    /// `reply` and, for an upload, `upload` become its own.
-    HttpExchange(QNetworkReply* reply, UploadBody* upload, HttpClient::AnswerHandler onAnswer,
-                 QObject* parent);
+    /// Sends `request` over `manager`, whose child the exchange becomes.
+    HttpExchange(QNetworkAccessManager& manager, HttpRequest request,
+                 HttpClient::AnswerHandler onAnswer);
     ~HttpExchange() override;
 
     /// Gives the request up; the handler does not run any more.
     void withdraw();
 
 private:
-    void watch(UploadBody& upload);
+    void start();
+    [[nodiscard]] QNetworkReply* startUpload();
     void takeBody();
     void onFinished();
+    /// Where the upload is sent on to, if it may be.
+    [[nodiscard]] std::optional<QUrl> redirectTarget();
     void finish(HttpClient::Answer answer);
     void dropReply();
 
-    QPointer<QNetworkReply> m_reply;
+    QNetworkAccessManager& m_manager;
+    HttpRequest m_request;
     HttpClient::AnswerHandler m_onAnswer;  ///< empty once it has run or was withdrawn
-    QByteArray m_body;
+    QPointer<QNetworkReply> m_reply;
+    int m_redirectsLeft = 5;
+    QByteArray m_answerBody;
 };
 
 }  // namespace quietlark

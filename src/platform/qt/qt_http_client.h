@@ -8,13 +8,15 @@ namespace quietlark {
 
 /// HTTP by Qt Network: one session, whose connections stay open between requests for two minutes.
 ///
-/// - An upload is sent once. Only if the connection is one kept from earlier and ends without an
-///   answer, which is how a connection that has died meanwhile shows, it is sent once more over a
-///   new one. A Get may be sent up to four times by Qt when connections end without an answer.
-/// - The idle time-out runs while connecting, sending and waiting; an answer's head counts as one
-///   step, its body by every piece.
-/// - Cookies and credentials are neither kept nor sent. The system's proxy is used, but never
-///   towards this computer.
+/// - An upload is sent once. Only over a connection kept from an earlier request, which may have
+///   died meanwhile, it is sent once more when that ends without an answer. A Get may be sent up
+///   to four times by Qt when connections end without an answer.
+/// - An upload is redirected only by 307 and 308 and only within its server; any other redirect is
+///   its answer. A Get follows redirects, but not from HTTPS to HTTP.
+/// - The idle time-out runs while connecting, sending and waiting. The head of an answer counts as
+///   one step, its body by every piece.
+/// - Cookies and credentials are neither kept nor sent. The proxy that is set for programs is used,
+///   but never towards this computer.
 class QtHttpClient final : public HttpClient {
 public:
     QtHttpClient();

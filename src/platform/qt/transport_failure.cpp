@@ -9,10 +9,6 @@ namespace {
 
 using Error = QNetworkReply::NetworkError;
 
-int statusOf(const QNetworkReply& reply) {
-    return reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-}
-
 /// Whether the error is about the connection, rather than about what a server answered over it.
 bool isConnectionError(Error error) {
     switch (error) {
@@ -26,6 +22,20 @@ bool isConnectionError(Error error) {
         default:
             return error < QNetworkReply::ContentAccessDenied;
     }
+}
+
+/// A body without a length lasts as long as its connection (RFC 9112, section 6.3). Qt takes its
+/// end for a failure when the answer has come before Qt began to wait for it.
+bool endedWithItsConnection(const QNetworkReply& reply) {
+    const bool isClosed = reply.error() == QNetworkReply::RemoteHostClosedError ||
+                          reply.error() == QNetworkReply::ContentReSendError;
+    return isClosed && statusOf(reply) > 0 && !reply.hasRawHeader("Content-Length") &&
+           !reply.hasRawHeader("Transfer-Encoding") && !reply.hasRawHeader("Content-Encoding");
+}
+
+/// Qt fails an upload that is redirected and may not be sent again, though it need not be.
+bool isRedirect(const QNetworkReply& reply) {
+    return reply.error() == QNetworkReply::ContentReSendError && statusOf(reply) / 100 == 3;
 }
 
 QString serverName(const QUrl& url) {
@@ -69,8 +79,13 @@ TransportError failure(const QUrl& url, Error error, const QString& sentence,
 
 }  // namespace
 
+int statusOf(const QNetworkReply& reply) {
+    return reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+}
+
 bool hasWholeAnswer(const QNetworkReply& reply) {
     if (reply.error() == QNetworkReply::NoError) return true;
+    if (endedWithItsConnection(reply) || isRedirect(reply)) return true;
     // A good status with an error means that the body was cut short.
     return statusOf(reply) >= 300 && !isConnectionError(reply.error());
 }

@@ -6,6 +6,9 @@ class QNetworkReply;
 
 namespace quietlark {
 
+/// The status of the answer; 0 when none came.
+[[nodiscard]] int statusOf(const QNetworkReply& reply);
+
 /// Whether a finished reply brought a whole answer, be its status good or bad.
 [[nodiscard]] bool hasWholeAnswer(const QNetworkReply& reply);
 
