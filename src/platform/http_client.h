@@ -26,7 +26,7 @@ struct HttpRequest {
 
 /// Any answer with a status, whatever the status is.
 struct HttpResponse {
-    int status = 0;
+    int status = 0;  ///< 0 when what answered did not speak HTTP
     QByteArray body;
 };
 
