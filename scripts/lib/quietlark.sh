@@ -1,0 +1,77 @@
+# shellcheck shell=bash
+# Quietlark's two programs, and the hands that dictate with them. $bin holds the programs, $logs
+# their output.
+
+control=37 alt=64 space=65
+default_hotkey="$control $alt $space"
+
+# write_configuration [HOTKEY [TOGGLE_HOTKEY]]: for the local server, into $XDG_CONFIG_HOME.
+write_configuration() {
+    local folder="$XDG_CONFIG_HOME/Quietlark"
+    mkdir -p "$folder"
+    cat >"$folder/config.json" <<JSON
+{
+    "hotkey": "${1:-ctrl+alt+space}",
+    "language": "",
+    "launchAtLogin": false,
+    "onboardingComplete": true,
+    "onboardingStep": 0,
+    "serverMode": { "local": {} },
+    "toggleHotkey": "${2:-}"
+}
+JSON
+}
+
+start_server() {
+    start server "$bin/quietlark-server"
+    server_id=$started_id
+    wait_for_line 120 "$server_id" "$logs/server.out" '^listening on ' ||
+        fail "The speech server did not start."
+}
+
+start_quietlark() {
+    start quietlark "$bin/quietlark"
+    quietlark_id=$started_id
+    wait_for_line 60 "$quietlark_id" "$logs/quietlark.out" '^ready' ||
+        fail "Quietlark did not start."
+}
+
+# The end of what both programs said, for whoever has to find out why nothing was pasted.
+show_logs() {
+    local name
+    for name in server quietlark; do
+        [ -e "$logs/$name.out" ] || continue
+        printf -- '---- %s\n' "$name" >&2
+        tail -n 20 "$logs/$name.out" "$logs/$name.err" >&2
+    done
+}
+
+# Keys are key codes: names would make xdotool press other keys along with them.
+press_keys() {
+    local key
+    for key in "$@"; do xdotool keydown "$key"; done
+}
+
+release_keys() {
+    local index
+    for ((index = $#; index > 0; index--)); do xdotool keyup "${!index}"; done
+}
+
+wait_until_recording() {
+    wait_until 30 microphone_is_recorded_by 2 || fail "Quietlark did not start to record."
+}
+
+# dictate FILE.wav [KEYS]: holds the hotkey for as long as the file is spoken.
+dictate() {
+    local keys
+    read -ra keys <<<"${2:-$default_hotkey}"
+    press_keys "${keys[@]}"
+    wait_until_recording
+    say_into_microphone "$1"
+    release_keys "${keys[@]}"
+}
+
+# What the server was asked since it started, a line each: method, path, status.
+requests_of_server() {
+    grep -oE '(GET|POST) /[^ ]* [0-9]{3}' "$logs/server.err" || true
+}

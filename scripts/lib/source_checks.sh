@@ -1,0 +1,21 @@
+# shellcheck shell=bash
+# Checks of the source itself.
+
+tracked_files() {
+    git -C "$root" ls-files -- "$@" | sed "s|^|$root/|"
+}
+
+code_is_formatted() {
+    tracked_files '*.h' '*.cpp' | xargs -r clang-format --dry-run -Werror
+}
+
+scripts_are_sound() {
+    tracked_files 'scripts/*' '*.sh' '.ci/*' | grep -v '\.txt$' | sort -u |
+        (cd "$root" && xargs -r shellcheck -x)
+}
+
+# The rules in .clang-tidy, over the programs' sources as the release build compiles them.
+code_is_tidy() {
+    run-clang-tidy-14 -quiet -p "$root/build/release" "^$root/(src|server)/" 2>/dev/null |
+        { ! grep -E -A 5 'error:'; }
+}
