@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+
+#include <tl/expected.hpp>
+
+namespace quietlark {
+
+/// What the file tells the application.
+struct EndpointDescription {
+    std::string local;    ///< "host:port", without a scheme
+    std::string display;  ///< the address as a person would write it
+    double rtf = 0;       ///< seconds of sound transcribed per second
+};
+
+/// The file in which the application finds this server. It appears all at once with publish() and
+/// goes with this object, unless another server has put its own there by then.
+class EndpointFileWriter {
+public:
+    explicit EndpointFileWriter(std::string path);
+    ~EndpointFileWriter();
+    EndpointFileWriter(const EndpointFileWriter&) = delete;
+    EndpointFileWriter& operator=(const EndpointFileWriter&) = delete;
+
+    /// Puts the file there, in place of what was there before, readable by everyone. Never follows
+    /// or writes to what somebody else has put into the folder. The error is a sentence for the
+    /// user. Call it once.
+    [[nodiscard]] tl::expected<void, std::string> publish(const EndpointDescription& description);
+
+    /// Takes the file away again, if it is this one.
+    void withdraw();
+
+private:
+    const std::string m_path;
+    // The published file, kept open so that no other file can have its inode number.
+    int m_file = -1;
+};
+
+}  // namespace quietlark

@@ -1,0 +1,125 @@
+#include "server/http_connection.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include <netdb.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace quietlark {
+namespace {
+
+constexpr std::uint64_t maximumHeadBytes = 32768;
+/// How long a client may stop in the middle of a request or of reading its answer.
+constexpr std::chrono::seconds stallTime{10};
+/// How long and how much of a refused upload is still read, so that the client, which is busy
+/// sending it, gets to see the answer.
+constexpr std::chrono::seconds discardTime{2};
+constexpr std::uint64_t maximumDiscardedBytes = std::uint64_t{256} << 20U;
+
+using Name = int (*)(int, sockaddr*, socklen_t*);
+
+void getAddress(Name name, int socket, std::string& ip, int& port) {
+    sockaddr_storage address{};
+    socklen_t length = sizeof address;
+    auto* const generic = reinterpret_cast<sockaddr*>(&address);
+    std::array<char, NI_MAXHOST> host{};
+    std::array<char, NI_MAXSERV> service{};
+    if (name(socket, generic, &length) != 0 ||
+        getnameinfo(generic, length, host.data(), host.size(), service.data(), service.size(),
+                    NI_NUMERICHOST | NI_NUMERICSERV) != 0)
+        return;
+    ip = host.data();
+    port = std::atoi(service.data());
+}
+
+}  // namespace
+
+HttpConnection::HttpConnection(int socket, int stopEvent)
+    : m_socket(socket), m_stopEvent(stopEvent) {}
+
+HttpConnection::~HttpConnection() {
+    shutdown(m_socket, SHUT_WR);
+    if (m_progress != Progress::Idle && !isRequestComplete()) discardInput();
+    close(m_socket);
+}
+
+bool HttpConnection::waitForRequest() {
+    m_progress = Progress::Idle;
+    if (m_bufferBegin == m_bufferEnd && !(waitFor(POLLIN, idleTime) && fillBuffer())) return false;
+    m_progress = Progress::Head;
+    m_readable = maximumHeadBytes;
+    return true;
+}
+
+void HttpConnection::expectBody(std::uint64_t bytes) {
+    m_progress = Progress::Body;
+    m_readable = bytes;
+}
+
+bool HttpConnection::isRequestComplete() const {
+    return m_progress == Progress::Body && m_readable == 0;
+}
+
+bool HttpConnection::is_readable() const {
+    return m_bufferBegin < m_bufferEnd || waitFor(POLLIN, stallTime);
+}
+
+bool HttpConnection::is_writable() const {
+    return waitFor(POLLOUT, stallTime);
+}
+
+ssize_t HttpConnection::read(char* bytes, std::size_t size) {
+    if (m_readable == 0) return -1;
+    if (m_bufferBegin == m_bufferEnd && !(waitFor(POLLIN, stallTime) && fillBuffer())) return -1;
+    const std::size_t count = std::min<std::uint64_t>(
+        {std::uint64_t{size}, std::uint64_t{m_bufferEnd - m_bufferBegin}, m_readable});
+    std::memcpy(bytes, &m_buffer[m_bufferBegin], count);
+    m_bufferBegin += count;
+    m_readable -= count;
+    return static_cast<ssize_t>(count);
+}
+
+ssize_t HttpConnection::write(const char* bytes, std::size_t size) {
+    if (!is_writable()) return -1;
+    return send(m_socket, bytes, size, MSG_NOSIGNAL | MSG_DONTWAIT);
+}
+
+void HttpConnection::get_remote_ip_and_port(std::string& ip, int& port) const {
+    getAddress(&getpeername, m_socket, ip, port);
+}
+
+void HttpConnection::get_local_ip_and_port(std::string& ip, int& port) const {
+    getAddress(&getsockname, m_socket, ip, port);
+}
+
+bool HttpConnection::waitFor(short event, std::chrono::milliseconds limit) const {
+    std::array<pollfd, 2> descriptors{{{m_socket, event, 0}, {m_stopEvent, POLLIN, 0}}};
+    const int ready = poll(descriptors.data(), descriptors.size(), static_cast<int>(limit.count()));
+    return ready > 0 && (descriptors[0].revents & event) != 0;
+}
+
+bool HttpConnection::fillBuffer() {
+    const ssize_t count = recv(m_socket, m_buffer.data(), m_buffer.size(), MSG_DONTWAIT);
+    m_bufferBegin = 0;
+    m_bufferEnd = static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+    return count > 0;
+}
+
+void HttpConnection::discardInput() const {
+    std::array<char, 65536> bytes{};
+    const auto deadline = std::chrono::steady_clock::now() + discardTime;
+    for (std::uint64_t discarded = 0; discarded < maximumDiscardedBytes;) {
+        const auto rest = std::chrono::duration_cast<std::chrono::milliseconds>(
+            deadline - std::chrono::steady_clock::now());
+        if (rest.count() <= 0 || !waitFor(POLLIN, rest)) return;
+        const ssize_t count = recv(m_socket, bytes.data(), bytes.size(), MSG_DONTWAIT);
+        if (count <= 0) return;
+        discarded += static_cast<std::uint64_t>(count);
+    }
+}
+
+}  // namespace quietlark

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <array>
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+#include <httplib.h>
+
+namespace quietlark {
+
+/// One client's connection, as the stream that cpp-httplib reads requests from and writes answers
+/// to. It adds the bounds that the library lacks: on the size of a request's head, on the body
+/// (what the head announced and no more), on the time that a silent client may take, and on the
+/// time that the program takes to stop.
+class HttpConnection final : public httplib::Stream {
+public:
+    /// How long a client may keep the connection without asking anything.
+    static constexpr std::chrono::seconds idleTime{15};
+
+    /// Takes over the socket. `stopEvent` is a descriptor that becomes readable when the program
+    /// stops, which ends every wait.
+    HttpConnection(int socket, int stopEvent);
+    ~HttpConnection() override;
+    HttpConnection(const HttpConnection&) = delete;
+    HttpConnection& operator=(const HttpConnection&) = delete;
+
+    /// Waits for the first byte of a request; false when none comes.
+    [[nodiscard]] bool waitForRequest();
+
+    /// Lets `bytes` more of this request be read: what its head said.
+    void expectBody(std::uint64_t bytes);
+
+    /// Whether the request has been read to its end, so that another can follow it.
+    [[nodiscard]] bool isRequestComplete() const;
+
+    [[nodiscard]] bool is_readable() const override;
+    [[nodiscard]] bool is_writable() const override;
+    ssize_t read(char* bytes, std::size_t size) override;
+    ssize_t write(const char* bytes, std::size_t size) override;
+    void get_remote_ip_and_port(std::string& ip, int& port) const override;
+    void get_local_ip_and_port(std::string& ip, int& port) const override;
+    [[nodiscard]] socket_t socket() const override { return m_socket; }
+
+private:
+    enum class Progress { Idle, Head, Body };
+
+    [[nodiscard]] bool waitFor(short event, std::chrono::milliseconds limit) const;
+    bool fillBuffer();
+    void discardInput() const;
+
+    const int m_socket;
+    const int m_stopEvent;
+    Progress m_progress = Progress::Idle;
+    std::uint64_t m_readable = 0;  // bytes of this request that may still be read
+    std::array<char, 16384> m_buffer{};
+    std::size_t m_bufferBegin = 0;
+    std::size_t m_bufferEnd = 0;
+};
+
+}  // namespace quietlark

@@ -1,0 +1,209 @@
+#include "server/http_server.h"
+
+#include <atomic>
+#include <cstdio>
+
+#include <httplib.h>
+#include <sys/eventfd.h>
+
+#include "server/http_connection.h"
+
+namespace quietlark {
+namespace {
+
+/// Each connection keeps one, mostly asleep.
+constexpr std::size_t threadCount = 32;
+constexpr int waitingConnections = 128;
+constexpr std::size_t requestsPerConnection = 1000;
+constexpr std::size_t longestLoggedPath = 128;
+
+HttpHead headOf(const httplib::Request& request) {
+    HttpHead head{.method = request.method,
+                  .path = request.path,
+                  .contentType = request.get_header_value("Content-Type"),
+                  .contentEncoding = request.get_header_value("Content-Encoding"),
+                  .contentLength = std::nullopt};
+    // The library would follow a chunked body to wherever it leads.
+    if (request.has_header("Content-Length") && !request.has_header("Transfer-Encoding"))
+        head.contentLength = request.get_header_value<std::uint64_t>("Content-Length");
+    return head;
+}
+
+HttpRequest contentOf(const httplib::Request& request) {
+    HttpRequest content{.method = request.method, .path = request.path, .form = {}};
+    for (const auto& [name, field] : request.files)
+        content.form.emplace(name, field.content);
+    return content;
+}
+
+void fill(httplib::Response& out, const HttpResponse& response) {
+    out.status = response.status;
+    out.set_content(response.body, response.contentType);
+    if (!response.allowedMethod.empty()) out.set_header("Allow", response.allowedMethod);
+}
+
+/// What is said of requests that the library itself turns down.
+std::string_view messageFor(int status) {
+    switch (status) {
+        case 413:
+            return "The upload is too large.";
+        case 414:
+            return "The address is too long.";
+        case 416:
+            return "The requested range makes no sense.";
+        case 500:
+            return "The server has a fault.";
+        default:
+            return "The request cannot be understood.";
+    }
+}
+
+}  // namespace
+
+/// cpp-httplib's server with connections, limits and answers of our own.
+class HttpServer::Listener final : public httplib::Server {
+public:
+    Listener(HttpApi& api, Log& log);
+    ~Listener() override { close(m_stopEvent); }
+    Listener(const Listener&) = delete;
+    Listener& operator=(const Listener&) = delete;
+
+    /// Lets more clients wait than the library does.
+    void lengthenQueue() const { ::listen(m_socket, waitingConnections); }
+    void requestStop();
+    [[nodiscard]] bool isStopping() const { return m_isStopping; }
+
+private:
+    bool process_and_close_socket(socket_t socket) override;
+    void prepare(HttpConnection& connection, httplib::Request& request) const;
+    bool refuse(const httplib::Request& request, httplib::Response& out) const;
+    void answer(const httplib::Request& request, httplib::Response& out);
+    void describeError(const httplib::Request& request, httplib::Response& out);
+    void logRequest(const httplib::Request& request, const httplib::Response& out,
+                    const char* times) const;
+
+    HttpApi& m_api;
+    Log& m_log;
+    const int m_stopEvent = eventfd(0, EFD_CLOEXEC);
+    socket_t m_socket = INVALID_SOCKET;
+    std::atomic<bool> m_isStopping = false;
+};
+
+HttpServer::Listener::Listener(HttpApi& api, Log& log) : m_api(api), m_log(log) {
+    // The library's own choice would let a second server share the port unnoticed.
+    set_socket_options([this](socket_t socket) {
+        const int on = 1;
+        setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+        m_socket = socket;
+    });
+    set_tcp_nodelay(true);
+    set_keep_alive_timeout(HttpConnection::idleTime.count());
+    set_keep_alive_max_count(requestsPerConnection);
+    set_payload_max_length(HttpApi::maximumBodyBytes);
+    new_task_queue = [] { return new httplib::ThreadPool(threadCount); };
+
+    set_expect_100_continue_handler(
+        [this](const auto& request, auto& out) { return refuse(request, out) ? out.status : 100; });
+    set_pre_routing_handler([this](const auto& request, auto& out) {
+        return refuse(request, out) ? HandlerResponse::Handled : HandlerResponse::Unhandled;
+    });
+    const auto handler = [this](const auto& request, auto& out) { answer(request, out); };
+    Get(".*", handler);
+    Post(".*", handler);
+    set_exception_handler(
+        [](const auto&, httplib::Response& out, const std::exception_ptr&) { out.status = 500; });
+    set_error_handler(HandlerWithResponse([this](const auto& request, auto& out) {
+        describeError(request, out);
+        return HandlerResponse::Handled;
+    }));
+}
+
+void HttpServer::Listener::requestStop() {
+    if (m_isStopping.exchange(true)) return;
+    eventfd_write(m_stopEvent, 1);
+    // Ends the wait for the next connection, or the next such wait if there is none now.
+    shutdown(m_socket, SHUT_RDWR);
+}
+
+bool HttpServer::Listener::process_and_close_socket(socket_t socket) {
+    HttpConnection connection(socket, m_stopEvent);
+    for (auto left = requestsPerConnection; left > 0 && connection.waitForRequest(); --left) {
+        bool isClosed = false;
+        const bool hasAnswered =
+            process_request(connection, left == 1 || m_isStopping, isClosed,
+                            [&](httplib::Request& request) { prepare(connection, request); });
+        if (!hasAnswered || isClosed || m_isStopping || !connection.isRequestComplete()) break;
+    }
+    return true;
+}
+
+void HttpServer::Listener::prepare(HttpConnection& connection, httplib::Request& request) const {
+    const HttpHead head = headOf(request);
+    const bool isChunked = request.has_header("Transfer-Encoding");
+    const std::uint64_t bodyBytes = isChunked ? 1 : head.contentLength.value_or(0);
+    connection.expectBody(bodyBytes);
+    // A refused body is left unread, so that no other request can follow it.
+    if (bodyBytes > 0 && HttpApi::refusal(head)) request.set_header("Connection", "close");
+    // Answers are short: whole and uncompressed is quickest.
+    request.headers.erase("Accept-Encoding");
+    request.ranges.clear();
+}
+
+bool HttpServer::Listener::refuse(const httplib::Request& request, httplib::Response& out) const {
+    const auto refusal = HttpApi::refusal(headOf(request));
+    if (!refusal) return false;
+    fill(out, *refusal);
+    logRequest(request, out, "");
+    return true;
+}
+
+void HttpServer::Listener::answer(const httplib::Request& request, httplib::Response& out) {
+    const auto start = std::chrono::steady_clock::now();
+    const HttpResponse response = m_api.answer(contentOf(request));
+    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+    fill(out, response);
+    std::array<char, 64> times{};
+    std::snprintf(times.data(), times.size(), " audio=%.2fs elapsed=%.2fs", response.audioSeconds,
+                  elapsed.count());
+    logRequest(request, out, times.data());
+}
+
+void HttpServer::Listener::describeError(const httplib::Request& request, httplib::Response& out) {
+    if (!out.body.empty()) return;
+    fill(out, errorResponse(out.status, messageFor(out.status)));
+    logRequest(request, out, "");
+}
+
+void HttpServer::Listener::logRequest(const httplib::Request& request, const httplib::Response& out,
+                                      const char* times) const {
+    m_log.write(out.status < 500 ? LogLevel::Info : LogLevel::Error,
+                (request.method.empty() ? "-" : request.method) + " " +
+                    request.path.substr(0, longestLoggedPath) + " " + std::to_string(out.status) +
+                    times);
+}
+
+HttpServer::HttpServer(HttpApi& api, Log& log) : m_listener(std::make_unique<Listener>(api, log)) {}
+
+HttpServer::~HttpServer() = default;
+
+bool HttpServer::bind(const std::string& host, int port) {
+    if (port == 0) {
+        m_port = m_listener->bind_to_any_port(host);
+    } else {
+        m_port = m_listener->bind_to_port(host, port) ? port : -1;
+    }
+    if (m_port < 0) return false;
+    m_listener->lengthenQueue();
+    return true;
+}
+
+bool HttpServer::run() {
+    m_listener->listen_after_bind();
+    return m_listener->isStopping();
+}
+
+void HttpServer::stop() {
+    m_listener->requestStop();
+}
+
+}  // namespace quietlark

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "platform/log.h"
+#include "server/http_api.h"
+
+namespace quietlark {
+
+/// Serves an HttpApi over HTTP/1.1, several connections at a time, each for as many requests as its
+/// client likes. Logs one line per request; never what was said.
+class HttpServer {
+public:
+    HttpServer(HttpApi& api, Log& log);
+    ~HttpServer();
+
+    /// Takes the address, so that clients can connect; port 0 takes a free one. False when the
+    /// address cannot be had.
+    [[nodiscard]] bool bind(const std::string& host, int port);
+
+    /// The port that bind() took.
+    [[nodiscard]] int port() const { return m_port; }
+
+    /// Answers requests until stop(); call it once, after bind(). False when it ended by itself.
+    bool run();
+
+    /// Ends run(), when the answers under way have been given. Any thread, also before run().
+    void stop();
+
+private:
+    class Listener;
+
+    std::unique_ptr<Listener> m_listener;
+    int m_port = 0;
+};
+
+}  // namespace quietlark

@@ -1,0 +1,104 @@
+#include "server/pocketsphinx_engine.h"
+
+#include <algorithm>
+#include <cctype>
+#include <utility>
+#include <vector>
+
+#include <pocketsphinx.h>
+#include <sphinxbase/err.h>
+
+#include "server/speech_segments.h"
+
+namespace quietlark {
+namespace {
+
+/// Silence before and after, so that speech cut off right at its beginning is understood.
+constexpr std::size_t paddingSamples = SpeechEngine::sampleRateHz / 10;
+
+std::vector<std::int16_t> padded(std::span<const std::int16_t> samples) {
+    std::vector<std::int16_t> result(samples.size() + 2 * paddingSamples);
+    std::ranges::copy(samples, result.begin() + paddingSamples);
+    return result;
+}
+
+}  // namespace
+
+void PocketSphinxEngine::Deleter::operator()(cmd_ln_s* settings) const {
+    cmd_ln_free_r(settings);
+}
+
+void PocketSphinxEngine::Deleter::operator()(ps_decoder_s* decoder) const {
+    ps_free(decoder);
+}
+
+std::string PocketSphinxEngine::defaultModelFolder() {
+    return QUIETLARK_POCKETSPHINX_MODELS "/en-us";
+}
+
+tl::expected<std::unique_ptr<PocketSphinxEngine>, std::string> PocketSphinxEngine::load(
+    const std::string& modelFolder) {
+    // The library reports every step of its work on standard error.
+    err_set_logfp(nullptr);
+    const std::string acousticModel = modelFolder + "/en-us";
+    const std::string languageModel = modelFolder + "/en-us.lm.bin";
+    const std::string dictionary = modelFolder + "/cmudict-en-us.dict";
+    Settings settings(cmd_ln_init(nullptr, ps_args(), TRUE, "-hmm", acousticModel.c_str(), "-lm",
+                                  languageModel.c_str(), "-dict", dictionary.c_str(), nullptr));
+    Decoder decoder(settings ? ps_init(settings.get()) : nullptr);
+    if (!decoder)
+        return tl::unexpected("The speech model in " + modelFolder +
+                              " is missing or broken. Install the package pocketsphinx-en-us.");
+    return std::unique_ptr<PocketSphinxEngine>(
+        new PocketSphinxEngine(std::move(settings), std::move(decoder)));
+}
+
+PocketSphinxEngine::PocketSphinxEngine(Settings settings, Decoder decoder)
+    : m_settings(std::move(settings)), m_decoder(std::move(decoder)) {}
+
+std::string PocketSphinxEngine::modelId() const {
+    return "pocketsphinx-en-us";
+}
+
+bool PocketSphinxEngine::understands(std::string_view language) const {
+    std::string name(language);
+    std::ranges::transform(name, name.begin(), [](unsigned char character) {
+        return static_cast<char>(std::tolower(character));
+    });
+    return name.empty() || name == "auto" || name == "en" || name == "english" ||
+           name.starts_with("en-") || name.starts_with("en_");
+}
+
+tl::expected<std::string, EngineError> PocketSphinxEngine::transcribe(
+    std::span<const std::int16_t> samples) {
+    std::string text;
+    for (const auto segment : speechSegments(samples, sampleRateHz)) {
+        if (m_isStopping) return tl::unexpected(EngineError::Stopping);
+        const auto segmentText = transcribeSegment(segment);
+        if (!segmentText) return segmentText;
+        if (!text.empty() && !segmentText->empty()) text += ' ';
+        text += *segmentText;
+    }
+    return text;
+}
+
+tl::expected<std::string, EngineError> PocketSphinxEngine::transcribeSegment(
+    std::span<const std::int16_t> samples) {
+    const auto whole = padded(samples);
+    // A new stream forgets the noise of the one before; a whole utterance at once is normalised by
+    // itself alone. So no recording can change another's text.
+    if (ps_start_stream(m_decoder.get()) != 0 || ps_start_utt(m_decoder.get()) != 0)
+        return tl::unexpected(EngineError::Failed);
+    const bool isProcessed =
+        ps_process_raw(m_decoder.get(), whole.data(), whole.size(), FALSE, TRUE) >= 0;
+    const bool isEnded = ps_end_utt(m_decoder.get()) == 0;
+    if (!isProcessed || !isEnded) return tl::unexpected(EngineError::Failed);
+    const char* text = ps_get_hyp(m_decoder.get(), nullptr);
+    return text ? text : std::string();
+}
+
+void PocketSphinxEngine::stop() {
+    m_isStopping = true;
+}
+
+}  // namespace quietlark

@@ -1,0 +1,24 @@
+#include "server/self_test.h"
+
+#include <chrono>
+#include <span>
+
+#include "audio/wav_file.h"
+#include "server/self_test_sample.h"
+
+namespace quietlark {
+
+tl::expected<double, std::string> measureSpeed(SpeechEngine& engine) {
+    const auto wav = WavFile::parse(selfTestSample());
+    if (!wav) return tl::unexpected(wav.error().description);
+    const auto samples = wav->convertedTo(SpeechEngine::sampleRateHz);
+    const auto start = std::chrono::steady_clock::now();
+    const auto text = engine.transcribe(samples);
+    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+    if (!text || text->empty())
+        return tl::unexpected(
+            std::string("The speech engine does not understand the sample sentence."));
+    return static_cast<double>(wav->frames()) / wav->sampleRateHz() / elapsed.count();
+}
+
+}  // namespace quietlark
