@@ -50,30 +50,6 @@ void DeviceKeyboard::grab() {
                                 nullptr));
 }
 
-xcb_window_t DeviceKeyboard::openFocusedWindow() {
-    const auto* screen = xcb_setup_roots_iterator(xcb_get_setup(xcb())).data;
-    const xcb_window_t window = xcb_generate_id(xcb());
-    const std::uint32_t events = XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_KEY_RELEASE;
-    xcb_create_window(xcb(), XCB_COPY_FROM_PARENT, window, screen->root, 0, 0, 100, 100, 0,
-                      XCB_WINDOW_CLASS_INPUT_OUTPUT, screen->root_visual, XCB_CW_EVENT_MASK,
-                      &events);
-    xcb_map_window(xcb(), window);
-    xcb_set_input_focus(xcb(), XCB_INPUT_FOCUS_NONE, window, XCB_CURRENT_TIME);
-    finish();
-    return window;
-}
-
-int DeviceKeyboard::keysReceived(xcb_window_t window) {
-    finish();
-    int count = 0;
-    while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(xcb())}) {
-        const int type = event->response_type;
-        if (type != XCB_KEY_PRESS && type != XCB_KEY_RELEASE) continue;
-        if (reinterpret_cast<const xcb_key_press_event_t&>(*event).event == window) ++count;
-    }
-    return count;
-}
-
 void DeviceKeyboard::move(std::uint8_t xKeycode, bool pressed) {
     const int type =
         m_firstEvent + (pressed ? XCB_INPUT_DEVICE_KEY_PRESS : XCB_INPUT_DEVICE_KEY_RELEASE);

@@ -28,12 +28,6 @@ public:
     /// Takes all keys for this program alone, as a menu or a screen locker does.
     void grab();
 
-    /// Opens a window of this program that gets the keys.
-    xcb_window_t openFocusedWindow();
-
-    /// How many key events the window has got since it was last asked.
-    [[nodiscard]] int keysReceived(xcb_window_t window);
-
     [[nodiscard]] xcb_connection_t* xcb() const { return m_connection.get(); }
 
 private:

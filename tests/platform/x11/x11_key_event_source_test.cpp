@@ -6,8 +6,10 @@
 #include <gtest/gtest.h>
 #include <linux/input-event-codes.h>
 
+#include "peers/x_proxy.h"
 #include "peers/x_server.h"
 #include "platform/x11/device_keyboard.h"
+#include "platform/x11/key_window.h"
 #include "platform/x11/print_key_event.h"
 #include "support/wait.h"
 
@@ -34,8 +36,10 @@ protected:
             Scope::Global, all, [this](const KeyEvent& event) { m_events.push_back(event); });
     }
 
-    void press(int evdev) { m_keyboard.press(static_cast<XKeycode>(evdev + 8)); }
-    void release(int evdev) { m_keyboard.release(static_cast<XKeycode>(evdev + 8)); }
+    static XKeycode x(int evdev) { return static_cast<XKeycode>(evdev + 8); }
+
+    void press(int evdev) { m_keyboard.press(x(evdev)); }
+    void release(int evdev) { m_keyboard.release(x(evdev)); }
     void type(int evdev) {
         press(evdev);
         release(evdev);
@@ -87,10 +91,11 @@ TEST_F(X11KeyEventSourceTest, SeesKeysWhileAnotherProgramHoldsAGrab) {
 }
 
 TEST_F(X11KeyEventSourceTest, SeesKeysBoundForAnotherProgramsWindow) {
-    const auto window = m_keyboard.openFocusedWindow();
+    KeyWindow window(m_server.display());
+    window.takeFocus();
     watch();
     type(KEY_SPACE);
-    EXPECT_EQ(m_keyboard.keysReceived(window), 2);
+    EXPECT_EQ(window.typed(), (std::vector<KeyWindow::Key>{{x(KEY_SPACE), 0}}));
     EXPECT_EQ(events(), (Events{{Kind::KeyDown, space, 0}, {Kind::KeyUp, space, 0}}));
 }
 
@@ -203,4 +208,13 @@ TEST(X11KeyEventSourceWithoutServer, SaysThatThereIsNoDisplay) {
     X11KeyEventSource source(connection, [] { return false; });
     ASSERT_TRUE(source.unavailable());
     EXPECT_TRUE(source.unavailable()->reason.contains(QStringLiteral("X11 display")));
+}
+
+TEST(X11KeyEventSourceOnAPoorServer, SaysWhichServerIsNeededWithoutXInput) {
+    XServer server;
+    XProxy proxy(server.display(), XProxy::withoutExtension("XInputExtension"));
+    X11KeyConnection connection(proxy.display());
+    X11KeyEventSource source(connection, [] { return false; });
+    ASSERT_TRUE(source.unavailable());
+    EXPECT_TRUE(source.unavailable()->reason.contains(QStringLiteral("XInput 2.1")));
 }

@@ -4,18 +4,11 @@
 #include <linux/input-event-codes.h>
 #include <xcb/xcb.h>
 
+#include "platform/x11/named_keymap.h"
+
 using namespace quietlark;
 
 namespace {
-
-X11Keymap keymap(const char* layouts, const char* options = "") {
-    const std::unique_ptr<xkb_context, decltype(&xkb_context_unref)> context(
-        xkb_context_new(XKB_CONTEXT_NO_ENVIRONMENT_NAMES), &xkb_context_unref);
-    const xkb_rule_names names{"evdev", "pc105", layouts, "", options};
-    return X11Keymap(X11Keymap::Keymap(
-        xkb_keymap_new_from_names(context.get(), &names, XKB_KEYMAP_COMPILE_NO_FLAGS),
-        &xkb_keymap_unref));
-}
 
 XKeycode x(int evdev) {
     return static_cast<XKeycode>(evdev + 8);
@@ -35,7 +28,7 @@ const RealModifiers controlShift = XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_SHIFT;
 }  // namespace
 
 TEST(X11Keymap, ModifierKeysHoldTheirFlagsOnBothSides) {
-    const auto us = keymap("us");
+    const auto us = namedKeymap("us");
     for (const int key : {KEY_LEFTSHIFT, KEY_RIGHTSHIFT})
         EXPECT_EQ(flags(us, key), modifier::shift);
     for (const int key : {KEY_LEFTCTRL, KEY_RIGHTCTRL})
@@ -47,89 +40,90 @@ TEST(X11Keymap, ModifierKeysHoldTheirFlagsOnBothSides) {
 }
 
 TEST(X11Keymap, OrdinaryKeysAndCapsLockHoldNoFlag) {
-    const auto us = keymap("us");
+    const auto us = namedKeymap("us");
     for (const int key : {KEY_A, KEY_SPACE, KEY_CAPSLOCK, KEY_NUMLOCK})
         EXPECT_EQ(flags(us, key), 0u);
 }
 
 TEST(X11Keymap, TheFnKeyHoldsFunction) {
-    EXPECT_EQ(flags(keymap("us"), KEY_WAKEUP), modifier::function);
+    EXPECT_EQ(flags(namedKeymap("us"), KEY_WAKEUP), modifier::function);
 }
 
 TEST(X11Keymap, AltGrTypesCharactersAndIsNoOption) {
-    const auto german = keymap("de");
+    const auto german = namedKeymap("de");
     EXPECT_EQ(flags(german, KEY_RIGHTALT), 0u);
     EXPECT_EQ(flags(german, KEY_LEFTALT), modifier::option);
     EXPECT_NE(german.effectOf(x(KEY_RIGHTALT), 0).modifiers, 0);
 }
 
 TEST(X11Keymap, RightAltIsOptionOnlyInTheLayoutWhereItIsAlt) {
-    const auto both = keymap("us,de");
+    const auto both = namedKeymap("us,de");
     EXPECT_EQ(flags(both, KEY_RIGHTALT, 0), modifier::option);
     EXPECT_EQ(flags(both, KEY_RIGHTALT, 1), 0u);
 }
 
 TEST(X11Keymap, CapsLockAsControlHoldsControl) {
-    EXPECT_EQ(flags(keymap("us", "ctrl:nocaps"), KEY_CAPSLOCK), modifier::control);
-    EXPECT_EQ(flags(keymap("us", "caps:ctrl_modifier"), KEY_CAPSLOCK), modifier::control);
+    EXPECT_EQ(flags(namedKeymap("us", "ctrl:nocaps"), KEY_CAPSLOCK), modifier::control);
+    EXPECT_EQ(flags(namedKeymap("us", "caps:ctrl_modifier"), KEY_CAPSLOCK), modifier::control);
 }
 
 TEST(X11Keymap, SwappedControlAndCapsLockAreSwapped) {
-    const auto swapped = keymap("us", "ctrl:swapcaps");
+    const auto swapped = namedKeymap("us", "ctrl:swapcaps");
     EXPECT_EQ(flags(swapped, KEY_CAPSLOCK), modifier::control);
     EXPECT_EQ(flags(swapped, KEY_LEFTCTRL), 0u);
 }
 
 TEST(X11Keymap, SwappedAltAndWinAreSwapped) {
-    const auto swapped = keymap("us", "altwin:swap_alt_win");
+    const auto swapped = namedKeymap("us", "altwin:swap_alt_win");
     EXPECT_EQ(flags(swapped, KEY_LEFTMETA), modifier::option);
     EXPECT_EQ(flags(swapped, KEY_LEFTALT), modifier::command);
 }
 
 TEST(X11Keymap, WinKeysThatAreMetaHoldCommand) {
-    EXPECT_EQ(flags(keymap("us", "altwin:meta_win"), KEY_LEFTMETA), modifier::command);
+    EXPECT_EQ(flags(namedKeymap("us", "altwin:meta_win"), KEY_LEFTMETA), modifier::command);
 }
 
 TEST(X11Keymap, CapsLockLocksAndControlDoesNot) {
-    const auto us = keymap("us");
+    const auto us = namedKeymap("us");
     EXPECT_TRUE(us.effectOf(x(KEY_CAPSLOCK), 0).locks);
     EXPECT_FALSE(us.effectOf(x(KEY_LEFTCTRL), 0).locks);
 }
 
 TEST(X11Keymap, AKeyMayShiftTheLayoutWhileItIsDown) {
-    const auto both = keymap("us,ru", "grp:switch");
+    const auto both = namedKeymap("us,ru", "grp:switch");
     EXPECT_TRUE(both.effectOf(x(KEY_RIGHTALT), 0).shiftsLayout);
     EXPECT_FALSE(both.effectOf(x(KEY_RIGHTALT), 0).locks);
 }
 
 TEST(X11Keymap, TheLetterVIsWhereTheLayoutHasIt) {
-    EXPECT_EQ(keymap("us").keyTyping('v', 0, x(KEY_V)), x(KEY_V));
-    EXPECT_EQ(keymap("us(dvorak)").keyTyping('v', 0, x(KEY_V)), x(KEY_DOT));
-    EXPECT_EQ(keymap("de(neo)").keyTyping('v', 0, x(KEY_V)), x(KEY_W));
-    EXPECT_EQ(keymap("ru,us").keyTyping('v', 0, x(KEY_V)), std::nullopt);
-    EXPECT_EQ(keymap("ru,us").keyTyping('v', 1, x(KEY_V)), x(KEY_V));
+    EXPECT_EQ(namedKeymap("us").keyTyping('v', 0, x(KEY_V)), x(KEY_V));
+    EXPECT_EQ(namedKeymap("us(dvorak)").keyTyping('v', 0, x(KEY_V)), x(KEY_DOT));
+    EXPECT_EQ(namedKeymap("de(neo)").keyTyping('v', 0, x(KEY_V)), x(KEY_W));
+    EXPECT_EQ(namedKeymap("ru,us").keyTyping('v', 0, x(KEY_V)), std::nullopt);
+    EXPECT_EQ(namedKeymap("ru,us").keyTyping('v', 1, x(KEY_V)), x(KEY_V));
 }
 
 TEST(X11Keymap, ControlIsHeldByAFreeControlKey) {
-    const auto us = keymap("us");
+    const auto us = namedKeymap("us");
     EXPECT_EQ(us.keysHolding(control, 0, anyKey), std::vector{x(KEY_LEFTCTRL)});
     const auto leftIsHeld = [](XKeycode key) { return key != x(KEY_LEFTCTRL); };
     EXPECT_EQ(us.keysHolding(control, 0, leftIsHeld), std::vector{x(KEY_RIGHTCTRL)});
 }
 
 TEST(X11Keymap, NothingHoldsControlWhereThereIsNoFreeKeyForIt) {
-    EXPECT_EQ(keymap("us").keysHolding(control, 0, [](XKeycode) { return false; }), std::nullopt);
+    EXPECT_EQ(namedKeymap("us").keysHolding(control, 0, [](XKeycode) { return false; }),
+              std::nullopt);
 }
 
 TEST(X11Keymap, NoModifierNeedsNoKey) {
-    EXPECT_EQ(keymap("us").keysHolding(0, 0, anyKey), std::vector<XKeycode>{});
+    EXPECT_EQ(namedKeymap("us").keysHolding(0, 0, anyKey), std::vector<XKeycode>{});
 }
 
 TEST(X11Keymap, ControlAndShiftAreHeldWithoutSwitchingTheLayout) {
-    const auto free = keymap("us,ru").keysHolding(controlShift, 0, anyKey);
+    const auto free = namedKeymap("us,ru").keysHolding(controlShift, 0, anyKey);
     EXPECT_EQ(free, (std::vector{x(KEY_LEFTCTRL), x(KEY_LEFTSHIFT)}));
     const auto left =
-        keymap("us,ru", "grp:lctrl_lshift_toggle").keysHolding(controlShift, 0, anyKey);
+        namedKeymap("us,ru", "grp:lctrl_lshift_toggle").keysHolding(controlShift, 0, anyKey);
     ASSERT_TRUE(left);
     EXPECT_NE(*left, (std::vector{x(KEY_LEFTCTRL), x(KEY_LEFTSHIFT)}));
 }

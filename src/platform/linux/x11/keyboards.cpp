@@ -1,8 +1,11 @@
 #include "platform/linux/x11/keyboards.h"
 
+#include <array>
 #include <string_view>
 #include <utility>
 
+#include <sys/uio.h>
+#include <xcb/xcbext.h>
 #include <xcb/xinput.h>
 
 #include "platform/linux/x11/xcb_reply.h"
@@ -65,7 +68,31 @@ std::optional<KeyboardState> queryKeyboardState(xcb_connection_t* connection) {
     const XcbReply<xcb_xkb_get_state_reply_t> state(xcb_xkb_get_state_reply(
         connection, xcb_xkb_get_state(connection, XCB_XKB_ID_USE_CORE_KBD), nullptr));
     if (!state) return std::nullopt;
-    return KeyboardState{state->group, state->lockedGroup, state->latchedMods, state->lockedMods};
+    return KeyboardState{state->group, state->lockedGroup, state->latchedGroup, state->latchedMods,
+                         state->lockedMods};
+}
+
+void setLatchesAndLocks(xcb_connection_t* connection, const KeyboardState& state,
+                        std::uint8_t mask) {
+    // The library's own function for the request takes no latched modifiers: it believes their
+    // byte to be padding.
+    xcb_xkb_latch_lock_state_request_t request{};
+    request.deviceSpec = XCB_XKB_ID_USE_CORE_KBD;
+    request.affectModLocks = mask;
+    request.modLocks = state.locked;
+    request.affectModLatches = 0xff;
+    request.pad0 = state.latched;
+    request.latchGroup = 1;
+    request.groupLatch = static_cast<std::uint16_t>(state.latchedLayout);
+    xcb_protocol_request_t protocol{};
+    protocol.count = 1;
+    protocol.ext = &xcb_xkb_id;
+    protocol.opcode = XCB_XKB_LATCH_LOCK_STATE;
+    protocol.isvoid = 1;
+    // The library wants two spare entries in front of what it sends.
+    std::array<iovec, 3> parts{};
+    parts[2] = {&request, sizeof request};
+    xcb_send_request(connection, 0, &parts[2], &protocol);
 }
 
 }  // namespace quietlark

@@ -29,6 +29,7 @@ struct Keyboards {
 struct KeyboardState {
     std::uint32_t layout = 0;        ///< in effect now
     std::uint32_t lockedLayout = 0;  ///< in effect when no key is held
+    std::int16_t latchedLayout = 0;  ///< how many further, for the next key
     std::uint8_t latched = 0;        ///< real modifiers that the next key will have
     std::uint8_t locked = 0;         ///< real modifiers that all keys have
 };
@@ -38,5 +39,10 @@ struct KeyboardState {
 
 /// Asks the server, in one round trip; absent when it does not answer.
 [[nodiscard]] std::optional<KeyboardState> queryKeyboardState(xcb_connection_t* connection);
+
+/// Makes the latches what they are in `state`, and of the locked modifiers those that are in
+/// `mask`.
+void setLatchesAndLocks(xcb_connection_t* connection, const KeyboardState& state,
+                        std::uint8_t mask);
 
 }  // namespace quietlark

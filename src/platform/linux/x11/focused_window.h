@@ -1,0 +1,25 @@
+#pragma once
+
+#include <optional>
+
+#include <QByteArray>
+#include <xcb/xcb.h>
+
+namespace quietlark {
+
+/// The WM_CLASS of a window, by which users and window managers know programs.
+struct WindowClass {
+    QByteArray instance;
+    QByteArray className;
+};
+
+/// The class of the window that gets the keys, with empty names for one that has none; absent when
+/// no window gets them. A few round trips.
+[[nodiscard]] std::optional<WindowClass> focusedWindow(xcb_connection_t* connection,
+                                                       xcb_window_t root);
+
+/// Whether such a window is a terminal emulator, where Control with a letter is for the program
+/// inside and the terminal's own shortcuts have Shift as well.
+[[nodiscard]] bool isTerminal(const WindowClass& window);
+
+}  // namespace quietlark
