@@ -30,6 +30,11 @@ QByteArray ChildProcess::readLine(std::chrono::milliseconds limit) {
     return m_process.readLine().trimmed();
 }
 
+void ChildProcess::writeLine(const QByteArray& line) {
+    m_process.write(line + '\n');
+    m_process.waitForBytesWritten();
+}
+
 QByteArray ChildProcess::readAll(std::chrono::milliseconds limit) {
     if (!waitUntil([this] { return !isRunning(); }, limit)) return {};
     return m_process.readAllStandardOutput();

@@ -22,6 +22,9 @@ public:
     /// Waits for the next whole line on standard output; null when none came in time.
     [[nodiscard]] QByteArray readLine(std::chrono::milliseconds limit = std::chrono::seconds(20));
 
+    /// Writes a line to standard input.
+    void writeLine(const QByteArray& line);
+
     /// Everything on standard output until the program ended; null when it did not end in time.
     [[nodiscard]] QByteArray readAll(std::chrono::milliseconds limit = std::chrono::seconds(20));
 

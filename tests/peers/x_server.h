@@ -30,6 +30,8 @@ public:
     /// Ends the server; its clients lose their connection.
     void end() { m_server.end(); }
 
+    [[nodiscard]] qint64 processId() const { return m_server.processId(); }
+
 private:
     ChildProcess m_server;
     QByteArray m_display;

@@ -1,0 +1,113 @@
+#include "platform/linux/x11/x11_pasteboard_thread.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <utility>
+
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace quietlark {
+
+namespace {
+
+// Beyond the limits for other programs: what the X server itself may take to answer.
+constexpr std::chrono::seconds serverPatience{2};
+
+int millisecondsUntil(std::optional<X11PasteboardSession::Clock::time_point> time) {
+    if (!time) return -1;
+    const auto left =
+        std::chrono::ceil<std::chrono::milliseconds>(*time - X11PasteboardSession::Clock::now());
+    return static_cast<int>(std::clamp<std::int64_t>(left.count(), 0, 60'000));
+}
+
+}  // namespace
+
+X11PasteboardThread::X11PasteboardThread(QByteArray display, X11PasteboardLimits limits)
+    : m_limits(limits),
+      m_wakeFileDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
+      m_thread([this, display = std::move(display)] { run(display); }) {}
+
+X11PasteboardThread::~X11PasteboardThread() {
+    {
+        std::unique_lock lock(m_mutex);
+        m_isQuitting = true;
+        wake();
+        const auto patience = m_limits.snapshot + m_limits.handover + serverPatience;
+        const bool hasEnded = m_ended.wait_for(lock, patience, [this] { return m_hasEnded; });
+        // A server that hangs keeps the thread in a call; without a connection the call returns.
+        if (!hasEnded) shutdown(m_serverFileDescriptor, SHUT_RDWR);
+    }
+    m_thread.join();
+    close(m_wakeFileDescriptor);
+}
+
+void X11PasteboardThread::order(Command command) {
+    const std::lock_guard lock(m_mutex);
+    m_orders.push_back(std::move(command));
+    wake();
+}
+
+void X11PasteboardThread::run(const QByteArray& display) {
+    {
+        X11PasteboardSession session(display, m_limits);
+        {
+            const std::lock_guard lock(m_mutex);
+            m_serverFileDescriptor = session.fileDescriptor();
+        }
+        serve(session);
+        const std::lock_guard lock(m_mutex);
+        m_serverFileDescriptor = -1;
+        m_hasEnded = true;
+    }
+    m_ended.notify_one();
+}
+
+void X11PasteboardThread::serve(X11PasteboardSession& session) {
+    for (;;) {
+        const auto next = session.processTime(X11PasteboardSession::Clock::now());
+        if (session.hasQuit()) break;
+        const bool hasBegun = carryOutNext(session);
+        // Events last: whatever was sent may have brought some in, and then none would wake us.
+        const bool hasReceived = session.processEvents();
+        if (!hasBegun && !hasReceived) wait(session, next);
+    }
+    session.waitForServer();
+}
+
+bool X11PasteboardThread::carryOutNext(X11PasteboardSession& session) {
+    Command order;
+    {
+        const std::lock_guard lock(m_mutex);
+        if (m_isQuitting) session.stopReading();
+        if (session.isBusy() || session.isQuitting()) return false;
+        if (m_orders.empty()) {
+            if (m_isQuitting) session.quit();
+            return m_isQuitting;
+        }
+        order = std::move(m_orders.front());
+        m_orders.pop_front();
+    }
+    order(session);
+    return true;
+}
+
+void X11PasteboardThread::wait(const X11PasteboardSession& session,
+                               std::optional<X11PasteboardSession::Clock::time_point> until) {
+    std::array<pollfd, 2> sources{
+        {{m_wakeFileDescriptor, POLLIN, 0},
+         {session.isConnected() ? session.fileDescriptor() : -1, POLLIN, 0}}};
+    poll(sources.data(), sources.size(), millisecondsUntil(until));
+    std::uint64_t wakes = 0;
+    if (sources[0].revents != 0) (void)!read(m_wakeFileDescriptor, &wakes, sizeof wakes);
+}
+
+void X11PasteboardThread::wake() {
+    const std::uint64_t once = 1;
+    (void)!write(m_wakeFileDescriptor, &once, sizeof once);
+}
+
+}  // namespace quietlark
