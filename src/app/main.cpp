@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 
+#include "app/application.h"
 #include "app/command_line.h"
 #include "app/console.h"
 #include "app/probe_command.h"
@@ -58,7 +59,8 @@ public:
     int operator()(const UsageError& error) { return wrongUsage(error.sentence); }
 
     int operator()(const StartApplication&) {
-        return wrongUsage(QStringLiteral("A command is missing; see quietlark --help."));
+        Application application;
+        return application.run();
     }
 
 private:

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <iterator>
 
 namespace quietlark {
@@ -74,9 +73,9 @@ bool X11SelectionServer::convertMultiple(const Question& question, Answer answer
     const auto pairs = m_connection.takeProperty(question.requestor, question.property,
                                                  longestMultiple * sizeof(xcb_atom_t));
     if (!pairs || !pairs->isWhole || pairs->format != 32) return false;
-    std::vector<xcb_atom_t> atoms(static_cast<std::size_t>(pairs->data.size()) /
-                                  sizeof(xcb_atom_t));
-    std::memcpy(atoms.data(), pairs->data.constData(), atoms.size() * sizeof(xcb_atom_t));
+    const auto* const first = reinterpret_cast<const xcb_atom_t*>(pairs->data.constData());
+    std::vector<xcb_atom_t> atoms(
+        first, first + static_cast<std::size_t>(pairs->data.size()) / sizeof(xcb_atom_t));
 
     for (std::size_t index = 0; index + 1 < atoms.size(); index += 2) {
         const Question part{question.requestor, atoms[index], atoms[index + 1]};
