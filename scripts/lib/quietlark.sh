@@ -71,7 +71,11 @@ dictate() {
     release_keys "${keys[@]}"
 }
 
-# What the server was asked since it started, a line each: method, path, status.
+# What the server was asked since it started, a line each: method, path, status and more. Its log
+# goes to the journal where there is one, else to standard error.
 requests_of_server() {
-    grep -oE '(GET|POST) /[^ ]* [0-9]{3}' "$logs/server.err" || true
+    {
+        cat "$logs/server.err"
+        journalctl --quiet --output=cat "_PID=$server_id" 2>/dev/null
+    } | grep -oE '(GET|POST) /[^ ]* [0-9]{3}' || true
 }
