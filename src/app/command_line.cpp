@@ -15,7 +15,7 @@ public:
     static QString help() {
         return tr(
             "Usage: quietlark [COMMAND]\n"
-            "Push-to-talk dictation. Without a command it starts in the notification area.\n"
+            "Push-to-talk dictation. Without a command it waits for the hotkey.\n"
             "\n"
             "Commands:\n"
             "  transcribe FILE.wav  Prints what is said in a recording.\n"
