@@ -8,11 +8,11 @@
 #include "platform/linux/journal/journal_log.h"
 #include "server/endpoint_file_writer.h"
 #include "server/http_api.h"
-#include "server/http_server.h"
 #include "server/pocketsphinx_engine.h"
 #include "server/self_test.h"
 #include "server/serial_engine.h"
 #include "server/server_options.h"
+#include "server/speech_server.h"
 
 namespace quietlark {
 namespace {
@@ -42,7 +42,7 @@ std::string localAddress(const std::string& host, int port) {
 }
 
 /// Runs the server until a signal ends it.
-ExitCode serve(HttpServer& server, SpeechEngine& engine, EndpointFileWriter& endpointFile) {
+ExitCode serve(SpeechServer& server, SpeechEngine& engine, EndpointFileWriter& endpointFile) {
     std::thread signalThread([&] {
         int signal = 0;
         const sigset_t signals = endingSignals();
@@ -67,7 +67,7 @@ ExitCode run(const ServerOptions& options) {
     SerialEngine engine(**pocketSphinx);
     JournalLog log("net.quietlark.server", "requests");
     HttpApi api(engine);
-    HttpServer server(api, log);
+    SpeechServer server(api, log);
     if (!server.bind(options.host, options.port))
         return fail("Cannot listen on " + localAddress(options.host, options.port) +
                     ". Another program may be using it.");

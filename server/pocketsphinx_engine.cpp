@@ -16,6 +16,11 @@ namespace {
 /// Silence before and after, so that speech cut off right at its beginning is understood.
 constexpr std::size_t paddingSamples = SpeechEngine::sampleRateHz / 10;
 
+/// How many of its guesses the recogniser follows at a time. With a tenth of its own choice it
+/// is 1.6 times as fast, and understood 31 synthesised sentences no worse; with 1500, five of them
+/// were.
+constexpr const char* mostStatesPerFrame = "3000";
+
 std::vector<std::int16_t> padded(std::span<const std::int16_t> samples) {
     std::vector<std::int16_t> result(samples.size() + 2 * paddingSamples);
     std::ranges::copy(samples, result.begin() + paddingSamples);
@@ -44,7 +49,8 @@ tl::expected<std::unique_ptr<PocketSphinxEngine>, std::string> PocketSphinxEngin
     const std::string languageModel = modelFolder + "/en-us.lm.bin";
     const std::string dictionary = modelFolder + "/cmudict-en-us.dict";
     Settings settings(cmd_ln_init(nullptr, ps_args(), TRUE, "-hmm", acousticModel.c_str(), "-lm",
-                                  languageModel.c_str(), "-dict", dictionary.c_str(), nullptr));
+                                  languageModel.c_str(), "-dict", dictionary.c_str(), "-maxhmmpf",
+                                  mostStatesPerFrame, nullptr));
     Decoder decoder(settings ? ps_init(settings.get()) : nullptr);
     if (!decoder)
         return tl::unexpected("The speech model in " + modelFolder +

@@ -46,4 +46,10 @@ void SerialEngine::stop() {
     m_engine.stop();
 }
 
+std::uint64_t SerialEngine::waiting() {
+    const std::lock_guard lock(m_mutex);
+    const std::uint64_t present = m_nextTicket - m_servedTicket;
+    return present > 0 ? present - 1 : 0;
+}
+
 }  // namespace quietlark

@@ -19,6 +19,9 @@ public:
         std::span<const std::int16_t> samples) override;
     void stop() override;
 
+    /// How many callers wait for their turn.
+    [[nodiscard]] std::uint64_t waiting();
+
 private:
     class Turn;
 

@@ -1,4 +1,4 @@
-#include "server/http_server.h"
+#include "server/speech_server.h"
 
 #include <atomic>
 #include <cstdio>
@@ -61,7 +61,7 @@ std::string_view messageFor(int status) {
 }  // namespace
 
 /// cpp-httplib's server with connections, limits and answers of our own.
-class HttpServer::Listener final : public httplib::Server {
+class SpeechServer::Listener final : public httplib::Server {
 public:
     Listener(HttpApi& api, Log& log);
     ~Listener() override { close(m_stopEvent); }
@@ -89,7 +89,7 @@ private:
     std::atomic<bool> m_isStopping = false;
 };
 
-HttpServer::Listener::Listener(HttpApi& api, Log& log) : m_api(api), m_log(log) {
+SpeechServer::Listener::Listener(HttpApi& api, Log& log) : m_api(api), m_log(log) {
     // The library's own choice would let a second server share the port unnoticed.
     set_socket_options([this](socket_t socket) {
         const int on = 1;
@@ -118,14 +118,14 @@ HttpServer::Listener::Listener(HttpApi& api, Log& log) : m_api(api), m_log(log) 
     }));
 }
 
-void HttpServer::Listener::requestStop() {
+void SpeechServer::Listener::requestStop() {
     if (m_isStopping.exchange(true)) return;
     eventfd_write(m_stopEvent, 1);
     // Ends the wait for the next connection, or the next such wait if there is none now.
     shutdown(m_socket, SHUT_RDWR);
 }
 
-bool HttpServer::Listener::process_and_close_socket(socket_t socket) {
+bool SpeechServer::Listener::process_and_close_socket(socket_t socket) {
     HttpConnection connection(socket, m_stopEvent);
     for (auto left = requestsPerConnection; left > 0 && connection.waitForRequest(); --left) {
         bool isClosed = false;
@@ -137,7 +137,7 @@ bool HttpServer::Listener::process_and_close_socket(socket_t socket) {
     return true;
 }
 
-void HttpServer::Listener::prepare(HttpConnection& connection, httplib::Request& request) const {
+void SpeechServer::Listener::prepare(HttpConnection& connection, httplib::Request& request) const {
     const HttpHead head = headOf(request);
     const bool isChunked = request.has_header("Transfer-Encoding");
     const std::uint64_t bodyBytes = isChunked ? 1 : head.contentLength.value_or(0);
@@ -149,7 +149,7 @@ void HttpServer::Listener::prepare(HttpConnection& connection, httplib::Request&
     request.ranges.clear();
 }
 
-bool HttpServer::Listener::refuse(const httplib::Request& request, httplib::Response& out) const {
+bool SpeechServer::Listener::refuse(const httplib::Request& request, httplib::Response& out) const {
     const auto refusal = HttpApi::refusal(headOf(request));
     if (!refusal) return false;
     fill(out, *refusal);
@@ -157,7 +157,7 @@ bool HttpServer::Listener::refuse(const httplib::Request& request, httplib::Resp
     return true;
 }
 
-void HttpServer::Listener::answer(const httplib::Request& request, httplib::Response& out) {
+void SpeechServer::Listener::answer(const httplib::Request& request, httplib::Response& out) {
     const auto start = std::chrono::steady_clock::now();
     const HttpResponse response = m_api.answer(contentOf(request));
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
@@ -168,25 +168,27 @@ void HttpServer::Listener::answer(const httplib::Request& request, httplib::Resp
     logRequest(request, out, times.data());
 }
 
-void HttpServer::Listener::describeError(const httplib::Request& request, httplib::Response& out) {
+void SpeechServer::Listener::describeError(const httplib::Request& request,
+                                           httplib::Response& out) {
     if (!out.body.empty()) return;
     fill(out, errorResponse(out.status, messageFor(out.status)));
     logRequest(request, out, "");
 }
 
-void HttpServer::Listener::logRequest(const httplib::Request& request, const httplib::Response& out,
-                                      const char* times) const {
+void SpeechServer::Listener::logRequest(const httplib::Request& request,
+                                        const httplib::Response& out, const char* times) const {
     m_log.write(out.status < 500 ? LogLevel::Info : LogLevel::Error,
                 (request.method.empty() ? "-" : request.method) + " " +
                     request.path.substr(0, longestLoggedPath) + " " + std::to_string(out.status) +
                     times);
 }
 
-HttpServer::HttpServer(HttpApi& api, Log& log) : m_listener(std::make_unique<Listener>(api, log)) {}
+SpeechServer::SpeechServer(HttpApi& api, Log& log)
+    : m_listener(std::make_unique<Listener>(api, log)) {}
 
-HttpServer::~HttpServer() = default;
+SpeechServer::~SpeechServer() = default;
 
-bool HttpServer::bind(const std::string& host, int port) {
+bool SpeechServer::bind(const std::string& host, int port) {
     if (port == 0) {
         m_port = m_listener->bind_to_any_port(host);
     } else {
@@ -197,12 +199,12 @@ bool HttpServer::bind(const std::string& host, int port) {
     return true;
 }
 
-bool HttpServer::run() {
+bool SpeechServer::run() {
     m_listener->listen_after_bind();
     return m_listener->isStopping();
 }
 
-void HttpServer::stop() {
+void SpeechServer::stop() {
     m_listener->requestStop();
 }
 

@@ -10,10 +10,10 @@ namespace quietlark {
 
 /// Serves an HttpApi over HTTP/1.1, several connections at a time, each for as many requests as its
 /// client likes. Logs one line per request; never what was said.
-class HttpServer {
+class SpeechServer {
 public:
-    HttpServer(HttpApi& api, Log& log);
-    ~HttpServer();
+    SpeechServer(HttpApi& api, Log& log);
+    ~SpeechServer();
 
     /// Takes the address, so that clients can connect; port 0 takes a free one. False when the
     /// address cannot be had.

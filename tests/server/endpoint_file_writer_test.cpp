@@ -1,0 +1,121 @@
+#include "server/endpoint_file_writer.h"
+
+#include <fstream>
+#include <memory>
+#include <sstream>
+
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace quietlark {
+namespace {
+
+class EndpointFileWriterTest : public testing::Test {
+protected:
+    std::string pathOf(const char* name) const {
+        return m_folder.filePath(QLatin1String(name)).toStdString();
+    }
+
+    static std::string read(const std::string& path) {
+        std::stringstream content;
+        content << std::ifstream(path).rdbuf();
+        return content.str();
+    }
+
+    static void write(const std::string& path, const char* content) {
+        std::ofstream(path) << content;
+    }
+
+    std::size_t filesInFolder() const {
+        return static_cast<std::size_t>(
+            QDir(m_folder.path())
+                .entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::System)
+                .size());
+    }
+
+    bool exists() const { return access(m_path.c_str(), F_OK) == 0; }
+
+    QTemporaryDir m_folder;
+    const std::string m_path = pathOf("quietlark.endpoint");
+    std::unique_ptr<EndpointFileWriter> m_writer = std::make_unique<EndpointFileWriter>(m_path);
+    const EndpointDescription m_description{
+        .local = "127.0.0.1:8178", .display = "127.0.0.1:8178", .rtf = 4.3456};
+};
+
+}  // namespace
+
+TEST_F(EndpointFileWriterTest, TheFileAppearsWithPublish) {
+    EXPECT_FALSE(exists());
+    EXPECT_TRUE(m_writer->publish(m_description));
+    EXPECT_EQ(read(m_path), "local=127.0.0.1:8178\ndisplay=127.0.0.1:8178\nrtf=4.35\n");
+    EXPECT_EQ(filesInFolder(), 1U);
+}
+
+TEST_F(EndpointFileWriterTest, EveryoneMayReadAndOnlyTheOwnerWrite) {
+    EXPECT_TRUE(m_writer->publish(m_description));
+    struct stat file {};
+    ASSERT_EQ(lstat(m_path.c_str(), &file), 0);
+    EXPECT_TRUE(S_ISREG(file.st_mode));
+    EXPECT_EQ(file.st_mode & 07777U, 0644U);
+}
+
+TEST_F(EndpointFileWriterTest, TheFileGoesWithTheWriter) {
+    EXPECT_TRUE(m_writer->publish(m_description));
+    m_writer.reset();
+    EXPECT_FALSE(exists());
+}
+
+TEST_F(EndpointFileWriterTest, AFileLeftBehindIsReplaced) {
+    write(m_path, "local=127.0.0.1:1\n");
+    EXPECT_TRUE(m_writer->publish(m_description));
+    EXPECT_NE(read(m_path).find("127.0.0.1:8178"), std::string::npos);
+}
+
+TEST_F(EndpointFileWriterTest, AnotherServersFileStays) {
+    EXPECT_TRUE(m_writer->publish(m_description));
+    EndpointFileWriter other(m_path);
+    EXPECT_TRUE(other.publish(m_description));
+    m_writer->withdraw();
+    EXPECT_TRUE(exists());
+    other.withdraw();
+    EXPECT_FALSE(exists());
+}
+
+TEST_F(EndpointFileWriterTest, AFileWithTheSameContentInItsPlaceStays) {
+    EXPECT_TRUE(m_writer->publish(m_description));
+    const std::string content = read(m_path);
+    unlink(m_path.c_str());
+    write(m_path, content.c_str());
+    m_writer->withdraw();
+    EXPECT_TRUE(exists());
+}
+
+TEST_F(EndpointFileWriterTest, ALinkInItsPlaceIsReplacedAndNotFollowed) {
+    const std::string victim = pathOf("victim");
+    write(victim, "precious");
+    ASSERT_EQ(symlink(victim.c_str(), m_path.c_str()), 0);
+    EXPECT_TRUE(m_writer->publish(m_description));
+    EXPECT_EQ(read(victim), "precious");
+    struct stat file {};
+    ASSERT_EQ(lstat(m_path.c_str(), &file), 0);
+    EXPECT_TRUE(S_ISREG(file.st_mode));
+}
+
+TEST_F(EndpointFileWriterTest, AFolderThatIsNotThereIsNamed) {
+    EndpointFileWriter writer("/nowhere/quietlark.endpoint");
+    EXPECT_EQ(writer.publish(m_description).error(),
+              "Cannot write /nowhere/quietlark.endpoint: No such file or directory.");
+}
+
+TEST_F(EndpointFileWriterTest, AFailureLeavesNothingBehind) {
+    ASSERT_TRUE(QDir(m_folder.path()).mkdir(QStringLiteral("quietlark.endpoint")));
+    EXPECT_EQ(m_writer->publish(m_description).error(),
+              "Cannot write " + m_path + ": Is a directory.");
+    EXPECT_EQ(filesInFolder(), 1U);
+    m_writer->withdraw();
+    EXPECT_TRUE(exists());
+}
+
+}  // namespace quietlark

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <atomic>
+#include <string>
+#include <vector>
+
+#include "server/speech_engine.h"
+
+namespace quietlark {
+
+/// Answers what a test told it to, at once.
+class FakeSpeechEngine final : public SpeechEngine {
+public:
+    tl::expected<std::string, EngineError> result = "hello world";
+
+    [[nodiscard]] std::string modelId() const override { return "fake-model"; }
+
+    [[nodiscard]] bool understands(std::string_view language) const override {
+        return language.empty() || language == "en";
+    }
+
+    [[nodiscard]] tl::expected<std::string, EngineError> transcribe(
+        std::span<const std::int16_t> samples) override {
+        m_sampleCount = samples.size();
+        ++m_transcriptions;
+        if (m_isStopped) return tl::unexpected(EngineError::Stopping);
+        return result;
+    }
+
+    void stop() override { m_isStopped = true; }
+
+    /// How long the last recording was.
+    [[nodiscard]] std::size_t sampleCount() const { return m_sampleCount; }
+    [[nodiscard]] int transcriptions() const { return m_transcriptions; }
+
+private:
+    std::atomic<std::size_t> m_sampleCount = 0;
+    std::atomic<int> m_transcriptions = 0;
+    std::atomic<bool> m_isStopped = false;
+};
+
+}  // namespace quietlark

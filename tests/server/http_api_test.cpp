@@ -1,0 +1,188 @@
+#include "server/http_api.h"
+
+#include <gtest/gtest.h>
+
+#include "audio/wav.h"
+#include "server/fake_speech_engine.h"
+
+namespace quietlark {
+namespace {
+
+std::string wavOf(std::size_t samples, std::uint32_t rateHz = 16000, std::uint16_t channels = 1) {
+    const auto wav = WAV::encode(std::vector<std::int16_t>(samples), rateHz, channels);
+    return {wav.begin(), wav.end()};
+}
+
+class HttpApiTest : public testing::Test {
+protected:
+    HttpResponse get(std::string_view path) {
+        return m_api.answer({.method = "GET", .path = path, .form = {}});
+    }
+
+    using Form = std::map<std::string_view, std::string_view>;
+
+    HttpResponse post(const Form& form, std::string_view path = "/inference") {
+        return m_api.answer({.method = "POST", .path = path, .form = form});
+    }
+
+    /// The status of the refusal, 0 for none.
+    static int refused(const HttpHead& head) {
+        const auto refusal = HttpApi::refusal(head);
+        return refusal ? refusal->status : 0;
+    }
+
+    static HttpHead upload() {
+        return {.method = "POST",
+                .path = "/inference",
+                .contentType = "multipart/form-data; boundary=B",
+                .contentEncoding = "",
+                .contentLength = 1000};
+    }
+
+    static HttpHead head(std::string method, std::string path) {
+        return {.method = std::move(method),
+                .path = std::move(path),
+                .contentType = "",
+                .contentEncoding = "",
+                .contentLength = std::nullopt};
+    }
+
+    FakeSpeechEngine m_engine;
+    HttpApi m_api{m_engine};
+    const std::string m_wav = wavOf(16000);
+};
+
+}  // namespace
+
+TEST_F(HttpApiTest, TheIndexNamesWhisperCppAndInference) {
+    const auto index = get("/");
+    EXPECT_EQ(index.status, 200);
+    EXPECT_NE(index.body.find("whisper.cpp"), std::string::npos);
+    EXPECT_NE(index.body.find("/inference"), std::string::npos);
+}
+
+TEST_F(HttpApiTest, TheListOfModelsHoldsTheEnginesModelLabelledForTranscription) {
+    const auto models = get("/v1/models");
+    EXPECT_EQ(models.status, 200);
+    EXPECT_EQ(models.contentType, "application/json");
+    EXPECT_EQ(models.body, R"({"object":"list","data":[{"id":"fake-model","object":"model",)"
+                           R"("owned_by":"quietlark","labels":["transcription"]}]})");
+}
+
+TEST_F(HttpApiTest, BothFlavoursAnswerWithTheText) {
+    const auto whisper = post({{"file", m_wav}, {"response_format", "json"}});
+    EXPECT_EQ(whisper.status, 200);
+    EXPECT_EQ(whisper.body, R"({"text":"hello world"})");
+    const auto openai = post({{"file", m_wav}, {"model", "whisper-1"}}, "/v1/audio/transcriptions");
+    EXPECT_EQ(openai.body, R"({"text":"hello world"})");
+}
+
+TEST_F(HttpApiTest, PlainTextIsAnsweredOnRequest) {
+    const auto response = post({{"file", m_wav}, {"response_format", "text"}});
+    EXPECT_EQ(response.contentType, "text/plain; charset=utf-8");
+    EXPECT_EQ(response.body, "hello world\n");
+}
+
+TEST_F(HttpApiTest, SilenceIsAnEmptyText) {
+    m_engine.result = "";
+    EXPECT_EQ(post({{"file", m_wav}}).body, R"({"text":""})");
+}
+
+TEST_F(HttpApiTest, ARecordingWithoutSamplesIsAnEmptyRecording) {
+    EXPECT_EQ(post({{"file", wavOf(0)}}).status, 200);
+    EXPECT_EQ(m_engine.sampleCount(), 0U);
+    EXPECT_EQ(post({{"file", wavOf(1)}}).status, 200);
+}
+
+TEST_F(HttpApiTest, TheEngineGetsOneChannelAtItsOwnRate) {
+    EXPECT_EQ(post({{"file", wavOf(2 * 48000, 48000, 2)}}).status, 200);
+    EXPECT_NEAR(static_cast<double>(m_engine.sampleCount()), 16000, 2);
+}
+
+TEST_F(HttpApiTest, TheLengthOfTheSoundIsReportedForTheLog) {
+    EXPECT_DOUBLE_EQ(post({{"file", wavOf(24000)}}).audioSeconds, 1.5);
+}
+
+TEST_F(HttpApiTest, AMissingFileIsNamed) {
+    const auto response = post({{"response_format", "json"}});
+    EXPECT_EQ(response.status, 400);
+    EXPECT_EQ(response.body, R"({"error":{"message":"The form has no field named file.",)"
+                             R"("type":"invalid_request_error"}})");
+}
+
+TEST_F(HttpApiTest, WhatIsNoWavFileIsRefused) {
+    EXPECT_EQ(post({{"file", "hello"}}).status, 400);
+    EXPECT_EQ(post({{"file", ""}}).status, 400);
+    EXPECT_EQ(post({{"file", m_wav.substr(0, 100)}}).status, 400);
+    EXPECT_EQ(m_engine.transcriptions(), 0);
+}
+
+TEST_F(HttpApiTest, MoreThanAnHourIsTooMuch) {
+    EXPECT_EQ(post({{"file", wavOf(8000 * 3601, 8000)}}).status, 413);
+    EXPECT_EQ(m_engine.transcriptions(), 0);
+}
+
+TEST_F(HttpApiTest, AResponseFormatThatThisServerDoesNotHaveIsRefused) {
+    EXPECT_EQ(post({{"file", m_wav}, {"response_format", "srt"}}).status, 400);
+}
+
+TEST_F(HttpApiTest, ALanguageThatTheModelWasNotMadeForIsRefused) {
+    EXPECT_EQ(post({{"file", m_wav}, {"language", "de"}}).status, 400);
+    EXPECT_EQ(post({{"file", m_wav}, {"language", "en"}}).status, 200);
+}
+
+TEST_F(HttpApiTest, AnEngineThatGivesUpIsTheServersFault) {
+    m_engine.result = tl::unexpected(EngineError::Failed);
+    const auto response = post({{"file", m_wav}});
+    EXPECT_EQ(response.status, 500);
+    EXPECT_NE(response.body.find("server_error"), std::string::npos);
+}
+
+TEST_F(HttpApiTest, AServerThatStopsSaysSo) {
+    m_engine.stop();
+    EXPECT_EQ(post({{"file", m_wav}}).status, 503);
+}
+
+TEST_F(HttpApiTest, WhatItServesIsNotRefused) {
+    EXPECT_EQ(refused(upload()), 0);
+    EXPECT_EQ(refused(head("GET", "/")), 0);
+    EXPECT_EQ(refused(head("HEAD", "/")), 0);
+    EXPECT_EQ(refused(head("GET", "/v1/models")), 0);
+}
+
+TEST_F(HttpApiTest, OtherAddressesAreNotFound) {
+    EXPECT_EQ(refused(head("GET", "/api/v1/models")), 404);
+    EXPECT_EQ(refused(head("GET", "/inference/")), 404);
+    EXPECT_EQ(refused(head("POST", "")), 404);
+}
+
+TEST_F(HttpApiTest, AnotherMethodIsNotAllowedAndTheRightOneIsNamed) {
+    EXPECT_EQ(HttpApi::refusal(head("GET", "/inference"))->status, 405);
+    EXPECT_EQ(HttpApi::refusal(head("GET", "/inference"))->allowedMethod, "POST");
+    EXPECT_EQ(HttpApi::refusal(head("DELETE", "/"))->allowedMethod, "GET");
+}
+
+TEST_F(HttpApiTest, AnUploadMustSayHowLongItIs) {
+    auto request = upload();
+    request.contentLength = std::nullopt;
+    EXPECT_EQ(refused(request), 411);
+}
+
+TEST_F(HttpApiTest, AnUploadOf64MiBIsTheLargest) {
+    auto request = upload();
+    request.contentLength = std::uint64_t{64} << 20U;
+    EXPECT_EQ(refused(request), 0);
+    ++*request.contentLength;
+    EXPECT_EQ(refused(request), 413);
+}
+
+TEST_F(HttpApiTest, OnlyPlainFormsAreRead) {
+    auto request = upload();
+    request.contentEncoding = "gzip";
+    EXPECT_EQ(refused(request), 415);
+    request = upload();
+    request.contentType = "audio/wav";
+    EXPECT_EQ(refused(request), 415);
+}
+
+}  // namespace quietlark

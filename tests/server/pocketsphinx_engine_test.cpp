@@ -1,0 +1,103 @@
+#include "server/pocketsphinx_engine.h"
+
+#include <gtest/gtest.h>
+
+#include "audio/wav_file.h"
+#include "server/self_test.h"
+#include "server/speech.h"
+
+namespace quietlark {
+namespace {
+
+class PocketSphinxEngineTest : public testing::Test {
+protected:
+    std::string textOf(const std::vector<std::int16_t>& samples) {
+        return m_engine->transcribe(samples).value();
+    }
+
+    std::string textOf(const WavBytes& file) {
+        return textOf(WavFile::parse(file)->convertedTo(SpeechEngine::sampleRateHz));
+    }
+
+    std::unique_ptr<PocketSphinxEngine> m_engine = PocketSphinxEngine::load().value();
+};
+
+const QString coffee = QStringLiteral("i would like to have a cup of coffee");
+const QString weather = QStringLiteral("the weather is nice today");
+const QString numbers = QStringLiteral("one two three four five");
+
+}  // namespace
+
+TEST_F(PocketSphinxEngineTest, SentencesAreUnderstoodWordForWord) {
+    for (const QString& sentence : {coffee, weather, numbers})
+        EXPECT_EQ(textOf(speech(sentence)), sentence.toStdString());
+}
+
+TEST_F(PocketSphinxEngineTest, EveryKindOfWavFileIsUnderstood) {
+    const auto samples = speech(weather);
+    EXPECT_EQ(textOf(resampled(samples, 44100, 1)), weather.toStdString());
+    EXPECT_EQ(textOf(resampled(samples, 48000, 2)), weather.toStdString());
+    EXPECT_EQ(textOf(asUnsigned8(samples)), weather.toStdString());
+    EXPECT_EQ(textOf(asFloat32(samples)), weather.toStdString());
+}
+
+TEST_F(PocketSphinxEngineTest, WhatWasHeardBeforeChangesNothing) {
+    const auto samples = speech(numbers);
+    EXPECT_EQ(textOf(samples), numbers.toStdString());
+    EXPECT_EQ(textOf(std::vector<std::int16_t>(16000, 12345)),
+              textOf(std::vector<std::int16_t>(16000, 12345)));
+    EXPECT_EQ(textOf(speech(coffee)), coffee.toStdString());
+    EXPECT_EQ(textOf(samples), numbers.toStdString());
+}
+
+TEST_F(PocketSphinxEngineTest, SpeechThatBeginsAtOnceIsUnderstood) {
+    auto samples = speech(weather);
+    const auto isLoud = [](std::int16_t sample) { return sample > 1000 || sample < -1000; };
+    samples.erase(samples.begin(), std::find_if(samples.begin(), samples.end(), isLoud));
+    EXPECT_EQ(textOf(samples), weather.toStdString());
+}
+
+TEST_F(PocketSphinxEngineTest, ARecordingLongerThanOnePieceIsUnderstood) {
+    constexpr std::size_t sentenceEvery = 5 * SpeechEngine::sampleRateHz;
+    std::vector<std::int16_t> samples;
+    for (int i = 1; i <= 5; ++i) {
+        const auto sentence = speech(numbers);
+        samples.insert(samples.end(), sentence.begin(), sentence.end());
+        samples.resize(i * sentenceEvery);
+    }
+    const std::string once = numbers.toStdString() + " ";
+    const std::string expected = once + once + once + once + numbers.toStdString();
+    EXPECT_EQ(textOf(samples), expected);
+}
+
+TEST_F(PocketSphinxEngineTest, NextToNothingAndSilenceAreEmptyTexts) {
+    for (const std::size_t count : {0, 1, 2, 100, 1600, 16000, 60 * 16000})
+        EXPECT_EQ(textOf(std::vector<std::int16_t>(count)), "") << count;
+}
+
+TEST_F(PocketSphinxEngineTest, EnglishIsUnderstoodAndNothingElse) {
+    for (const char* language : {"", "en", "EN", "en-US", "en_GB", "english", "auto"})
+        EXPECT_TRUE(m_engine->understands(language)) << language;
+    for (const char* language : {"de", "e", "enm", "fr"})
+        EXPECT_FALSE(m_engine->understands(language)) << language;
+}
+
+TEST_F(PocketSphinxEngineTest, AStoppedEngineTranscribesNoMore) {
+    m_engine->stop();
+    EXPECT_EQ(m_engine->transcribe(std::vector<std::int16_t>(16000)).error(),
+              EngineError::Stopping);
+}
+
+TEST_F(PocketSphinxEngineTest, TheSampleSentenceGivesASpeed) {
+    EXPECT_GT(measureSpeed(*m_engine).value(), 0);
+}
+
+TEST(PocketSphinxEngineLoadTest, AMissingModelIsNamed) {
+    const auto engine = PocketSphinxEngine::load("/nowhere");
+    ASSERT_FALSE(engine);
+    EXPECT_EQ(engine.error(),
+              "The speech model in /nowhere is missing or broken. "
+              "Install the package pocketsphinx-en-us.");
+}
+
+}  // namespace quietlark
