@@ -75,8 +75,8 @@ protected:
     }
 
     const AudioFormat expected{.sampleRateHz = 48000, .channels = 1};
-    const std::unique_ptr<Studio> studio = GetParam().make();
     Ear ear;
+    const std::unique_ptr<Studio> studio = GetParam().make();
 };
 
 TEST_P(AudioInputContract, BuffersHaveTheSizeAskedForAndTheFormat) {
@@ -134,13 +134,12 @@ TEST_P(AudioInputContract, ASecondStartChangesNothing) {
 TEST_P(AudioInputContract, AnotherTapReplacesTheFirst) {
     Ear first;
     listen(first);
-    Ear second;
-    studio->input().installTap(480, format(), second.tap());
+    studio->input().installTap(480, format(), ear.tap());
     studio->awaitOpen();
     const auto spoken = distinctSamples(480);
     studio->speak(spoken);
-    ASSERT_TRUE(waitUntil([&] { return second.buffers().size() == 1; }));
-    EXPECT_EQ(second.heard(), spoken);
+    ASSERT_TRUE(waitUntil([&] { return ear.buffers().size() == 1; }));
+    EXPECT_EQ(ear.heard(), spoken);
     EXPECT_TRUE(first.buffers().empty());
 }
 

@@ -45,9 +45,9 @@ std::int64_t endOfRecording(const std::vector<float>& recorded, const std::vecto
 
 /// Plays a noise, stops listening in its midst, and expects to have heard what had been played.
 void expectAllHeardUpToTheStop(const QByteArray& server) {
+    Ear ear;
     PulseAudioInput input(server, 20s);
     ASSERT_TRUE(waitUntil([&] { return input.inputFormat() == stereo48k; }));
-    Ear ear;
     input.installTap(4096, stereo48k, ear.tap());
     ASSERT_TRUE(input.start());
     ASSERT_TRUE(waitUntil([&] { return !ear.buffers().empty(); }));

@@ -43,8 +43,8 @@ public:
     }
 
     PulseServer server;
-    PulseAudioInput input;
     Ear ear;
+    PulseAudioInput input;
 };
 
 TEST(PulseAudioInput, WithoutAServerThereIsNoMicrophone) {
