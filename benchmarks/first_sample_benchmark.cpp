@@ -108,6 +108,7 @@ int measure() {
     printRow("start to first byte, parec --latency-msec=10", parec);
     printRow("release to finished recording, Recorder::stop", stop);
 
+    std::this_thread::sleep_for(1s);  // the server tells that the microphone has come to rest
     const Effort idle = effortDuring(5s);
     (void)recorder.start();
     const Effort recording = effortDuring(5s);

@@ -18,6 +18,10 @@ public:
             bytes.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
         return *this;
     }
+    FileWriter& zeros(std::size_t count) {
+        bytes.resize(bytes.size() + count);
+        return *this;
+    }
     FileWriter& text(std::string_view name) {
         bytes.insert(bytes.end(), name.begin(), name.end());
         return *this;
@@ -172,7 +176,7 @@ TEST(WavFile, OtherFilesAreNotWav) {
     EXPECT_EQ(errorOf(FileWriter().text("RIFF")), "This is not a WAV file.");
     EXPECT_EQ(errorOf(FileWriter().text("RIFF").number(4, 4).text("AVI ")),
               "This is not a WAV file.");
-    EXPECT_EQ(errorOf(FileWriter().text("ID3").number(0, 60)), "This is not a WAV file.");
+    EXPECT_EQ(errorOf(FileWriter().text("ID3").zeros(60)), "This is not a WAV file.");
 }
 
 TEST(WavFile, MoreSoundClaimedThanThereIsMeansCutShort) {
@@ -181,7 +185,7 @@ TEST(WavFile, MoreSoundClaimedThanThereIsMeansCutShort) {
 }
 
 TEST(WavFile, AHugeChunkMeansCutShort) {
-    EXPECT_EQ(errorOf(FileWriter().riff().text("LIST").number(0xFFFFFFFF, 4).number(0, 60)),
+    EXPECT_EQ(errorOf(FileWriter().riff().text("LIST").number(0xFFFFFFFF, 4).zeros(60)),
               "The WAV file is cut short.");
 }
 
