@@ -61,7 +61,7 @@ void PulseConnection::onState(pa_context* context, void* self) {
         connection->m_pause = shortestPause;
         constexpr auto mask = static_cast<pa_subscription_mask_t>(PA_SUBSCRIPTION_MASK_SERVER |
                                                                   PA_SUBSCRIPTION_MASK_SOURCE);
-        PulseOperation(pa_context_subscribe(context, mask, nullptr, nullptr));
+        const PulseOperation request(pa_context_subscribe(context, mask, nullptr, nullptr));
         connection->refresh();
     } else if (!PA_CONTEXT_IS_GOOD(state)) {
         connection->publish({});
@@ -95,8 +95,8 @@ void PulseConnection::refresh() {
     m_isReading = true;
     m_reading = {};
     // Answered in this order.
-    PulseOperation(pa_context_get_server_info(m_context.get(), &onServer, this));
-    PulseOperation(pa_context_get_source_info_list(m_context.get(), &onSource, this));
+    const PulseOperation first(pa_context_get_server_info(m_context.get(), &onServer, this));
+    const PulseOperation second(pa_context_get_source_info_list(m_context.get(), &onSource, this));
 }
 
 void PulseConnection::onServer(pa_context*, const pa_server_info* server, void* self) {
