@@ -77,12 +77,12 @@ public:
         while (m_base.endsWith(u'/'))
             m_base.chop(1);
         if (m_base.isEmpty()) {
-            finishLater(std::nullopt);
+            later([this] { finish(std::nullopt); });
         } else if (m_base.endsWith(openaiUploadPath)) {
             const QString root = m_base.chopped(openaiUploadPath.size());
             ask(root + modelsPath, &Resolution::onModelsOfGivenUpload);
         } else if (m_base.endsWith(whispercppUploadPath)) {
-            finishLater(serverAt(ServerFlavor::whispercpp, m_base));
+            later([this] { finish(serverAt(ServerFlavor::whispercpp, m_base)); });
         } else {
             askForModels();
         }
@@ -131,10 +131,7 @@ private:
     void ask(const QString& address, AnswerEvent onAnswer) {
         const auto url = validUrl(address);
         if (!url) {
-            const auto absent = [this, onAnswer] {
-                (this->*onAnswer)(tl::unexpected(TransportError{}));
-            };
-            QMetaObject::invokeMethod(this, absent, Qt::QueuedConnection);
+            later([this, onAnswer] { (this->*onAnswer)(tl::unexpected(TransportError{})); });
             return;
         }
         m_question = m_http.send(
@@ -148,9 +145,10 @@ private:
         onResolved(std::move(server));
     }
 
-    void finishLater(std::optional<ResolvedServer> server) {
-        QMetaObject::invokeMethod(
-            this, [this, server = std::move(server)] { finish(server); }, Qt::QueuedConnection);
+    /// For what needs no question: an answer must not come before resolveServer() has returned.
+    template <typename Event>
+    void later(Event event) {
+        QMetaObject::invokeMethod(this, event, Qt::QueuedConnection);
     }
 
     HttpClient& m_http;

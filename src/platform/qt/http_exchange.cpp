@@ -10,6 +10,7 @@
 
 #include "platform/qt/transport_failure.h"
 #include "platform/qt/upload_body.h"
+#include "platform/small_segments.h"
 
 namespace quietlark {
 
@@ -72,7 +73,9 @@ QNetworkReply* HttpExchange::startUpload() {
     request.setHeader(QNetworkRequest::ContentTypeHeader, m_request.contentType);
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
                          QNetworkRequest::ManualRedirectPolicy);
-    auto* body = new UploadBody(m_request.body);
+    // Qt gives no access to its socket. Left alone, it makes the end of an upload wait for an
+    // acknowledgement, which a server on a connection in use delays by 40 ms.
+    auto* body = new UploadBody(m_request.body, sendSmallSegmentsAtOnce);
     QNetworkReply* reply = m_manager.post(request, body);
     body->setParent(reply);
     // A connection kept from an earlier request may have died unnoticed while the computer slept:

@@ -6,7 +6,8 @@
 
 namespace quietlark {
 
-UploadBody::UploadBody(QByteArray body) : m_body(std::move(body)) {
+UploadBody::UploadBody(QByteArray body, std::function<void()> onConnected)
+    : m_body(std::move(body)), m_onConnected(std::move(onConnected)) {
     // Unbuffered, so that pos() is the position in the body.
     open(QIODevice::ReadOnly | QIODevice::Unbuffered);
 }
@@ -16,6 +17,7 @@ bool UploadBody::reset() {
 }
 
 qint64 UploadBody::readData(char* data, qint64 maxBytes) {
+    if (pos() == 0) m_onConnected();
     const qint64 count = std::min(maxBytes, m_body.size() - pos());
     if (count <= 0) return 0;
     std::memcpy(data, m_body.constData() + pos(), static_cast<std::size_t>(count));

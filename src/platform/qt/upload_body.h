@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include <QByteArray>
 #include <QIODevice>
 
@@ -12,7 +14,8 @@ namespace quietlark {
 /// it four times; a body that refuses ends that after the first.
 class UploadBody final : public QIODevice {
 public:
-    explicit UploadBody(QByteArray body);
+    /// `onConnected` runs whenever the body begins to be sent: there is a connection then.
+    UploadBody(QByteArray body, std::function<void()> onConnected);
 
     /// Lets the body be read from its beginning once more, or no more.
     void allowRestart() { m_restartIsAllowed = true; }
@@ -29,6 +32,7 @@ protected:
 
 private:
     QByteArray m_body;
+    std::function<void()> m_onConnected;
     bool m_restartIsAllowed = false;
 };
 

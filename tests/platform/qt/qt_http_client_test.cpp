@@ -1,4 +1,8 @@
+#include <QDir>
 #include <QNetworkProxyFactory>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
 
 #include "platform/qt/qt_http_client_fixture.h"
 
@@ -6,6 +10,19 @@ namespace quietlark {
 namespace {
 
 class QtHttpClientTest : public QtHttpClientFixture {};
+
+/// This process's own ends of connections to a port.
+std::vector<int> socketsConnectedTo(std::uint16_t port) {
+    std::vector<int> sockets;
+    for (const QString& name : QDir(QStringLiteral("/dev/fd")).entryList(QDir::AllEntries)) {
+        sockaddr_in peer{};
+        socklen_t length = sizeof peer;
+        const int socket = name.toInt();
+        if (::getpeername(socket, reinterpret_cast<sockaddr*>(&peer), &length) != 0) continue;
+        if (peer.sin_family == AF_INET && ntohs(peer.sin_port) == port) sockets.push_back(socket);
+    }
+    return sockets;
+}
 
 TEST_F(QtHttpClientTest, PostCarriesBodyTypeAndLength) {
     serverDoes(http_reply::json("{}"));
@@ -44,6 +61,17 @@ TEST_F(QtHttpClientTest, OneConnectionServesManyRequests) {
         ASSERT_TRUE(post(url()));
     ASSERT_TRUE(get(url()));
     EXPECT_EQ(m_server.connectionCount(), 1);
+}
+
+TEST_F(QtHttpClientTest, EndOfAnUploadIsNotHeldBack) {
+    serverDoes(http_reply::json("{}"));
+    ASSERT_TRUE(post(url()));
+    const auto sockets = socketsConnectedTo(m_server.port());
+    ASSERT_EQ(sockets.size(), 1U);
+    int sendsAtOnce = 0;
+    socklen_t length = sizeof sendsAtOnce;
+    ::getsockopt(sockets.front(), IPPROTO_TCP, TCP_NODELAY, &sendsAtOnce, &length);
+    EXPECT_NE(sendsAtOnce, 0);
 }
 
 TEST_F(QtHttpClientTest, WithdrawnRequestClosesItsConnection) {
