@@ -1,8 +1,8 @@
 #pragma once
 
-#include <compare>
 #include <cstdint>
 #include <optional>
+#include <tuple>
 #include <vector>
 
 #include "platform/linux/x11/evdev_key_codes.h"
@@ -16,7 +16,10 @@ struct DeviceKey {
     std::uint16_t device = 0;
     XKeycode keycode = 0;
 
-    auto operator<=>(const DeviceKey&) const = default;
+    bool operator==(const DeviceKey&) const = default;
+    friend bool operator<(const DeviceKey& one, const DeviceKey& other) {
+        return std::tie(one.device, one.keycode) < std::tie(other.device, other.keycode);
+    }
 };
 
 /// The keyboards of an X server at one moment.

@@ -90,7 +90,7 @@ void X11KeyConnection::fakeKey(std::uint16_t device, XKeycode key, bool pressed)
 }
 
 std::vector<X11KeyConnection::ObservedKey> X11KeyConnection::finishRequests() {
-    XcbReply<xcb_get_input_focus_reply_t>(
+    const XcbReply<xcb_get_input_focus_reply_t> done(
         xcb_get_input_focus_reply(xcb(), xcb_get_input_focus(xcb()), nullptr));
     readEvents();
     deliverSoon();
