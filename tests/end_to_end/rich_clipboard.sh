@@ -3,19 +3,22 @@
 # shellcheck source=support.sh
 . "$(dirname "$0")/support.sh"
 
-formats='text/plain;charset=utf-8 text/html application/x-picture'
+formats() {
+    timeout 30 xclip -selection clipboard -out -target TARGETS |
+        grep -vxE 'TARGETS|MULTIPLE|TIMESTAMP|SAVE_TARGETS'
+}
 
 # save_clipboard FOLDER: each format's bytes in a file of its own.
 save_clipboard() {
     local format
     mkdir "$1"
-    for format in $formats; do
-        timeout 30 xclip -selection clipboard -out -target "$format" >"$1/${format//[^a-z]/-}"
+    for format in $(formats); do
+        timeout 30 xclip -selection clipboard -out -target "$format" >"$1/${format//[^A-Za-z0-9]/-}"
     done
 }
 
 clipboard_is_back() {
-    timeout 30 xclip -selection clipboard -out -target TARGETS | grep -qx application/x-picture
+    formats | grep -qx application/x-picture
 }
 
 write_configuration
@@ -26,6 +29,7 @@ open_mousepad "$document"
 start clipboard_owner "$bin/end_to_end_clipboard_owner"
 wait_for_line 60 "$started_id" "$logs/clipboard_owner.out" copied || fail 'Nothing was copied.'
 save_clipboard "$desktop/before"
+expect 'the picture before' 700000 "$(stat -c %s "$desktop/before/application-x-picture")"
 
 say_holding_hotkey 'one two three four five'
 expect 'the text' 'one two three four five' "$(text_of_editor "$document")"
