@@ -24,9 +24,8 @@ synthesise() {
     flite -voice rms --setf duration_stretch=1.2 -t "$1" -o "$2"
 }
 
-# say_into_microphone FILE.wav: returns when the last word has been heard.
+# say_into_microphone FILE.wav: returns when the last word has been heard. The sound server gets all
+# of a sentence ahead of time, so that a busy machine leaves no gaps in it.
 say_into_microphone() {
-    paplay --latency-msec=50 --device=room "$1" || fail "The recording $1 could not be played."
-    # A person lets go a moment after the last word.
-    head -c 16000 /dev/zero | paplay --latency-msec=50 --device=room --raw --format=s16le --rate=16000 --channels=1
+    paplay --latency-msec=2000 --device=room "$1" || fail "The recording $1 could not be played."
 }
