@@ -7,10 +7,8 @@ add_link_options(-Wl,--as-needed)
 add_compile_definitions(QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII)
 
 if(QUIETLARK_SANITIZE)
-  add_compile_options(-fsanitize=${QUIETLARK_SANITIZE} -fno-omit-frame-pointer -O1)
+  add_compile_options(-fsanitize=${QUIETLARK_SANITIZE} -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${QUIETLARK_SANITIZE})
-  # The checks that are compiled in hide from gcc that an empty std::optional is not read.
-  add_compile_options(-Wno-maybe-uninitialized)
   if(QUIETLARK_SANITIZE MATCHES "undefined")
     add_compile_options(-fno-sanitize-recover=undefined)
   endif()
