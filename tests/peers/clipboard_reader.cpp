@@ -3,6 +3,7 @@
 // Another program that pastes. It does what the lines on standard input say, one after the other,
 // and prints a line for each:
 //   focus                   takes the keyboard focus: "focused"
+//   hover                   has its window under the pointer, without the focus: "hovering"
 //   get TARGET              reads: "TYPE FORMAT SIZE DATA" or "refused"
 //   targets                 the names that TARGETS lists
 //   multiple TARGET...      reads all at once: "TARGET: TYPE FORMAT SIZE DATA" for each, and "done"
@@ -27,7 +28,9 @@ public:
     void obey(const std::string& command, const std::vector<std::string>& arguments);
 
 private:
+    void showWindow(std::uint32_t size);
     void focus();
+    void hover();
     void targets();
     void multiple(const std::vector<std::string>& targets);
     void begin(const std::string& target);
@@ -45,6 +48,7 @@ private:
 void ClipboardReader::obey(const std::string& command, const std::vector<std::string>& arguments) {
     const std::string target = arguments.empty() ? std::string() : arguments.front();
     if (command == "focus") return focus();
+    if (command == "hover") return hover();
     if (command == "get") return print(describe(m_peer.read(target)));
     if (command == "targets") return targets();
     if (command == "multiple") return multiple(arguments);
@@ -57,13 +61,25 @@ void ClipboardReader::obey(const std::string& command, const std::vector<std::st
     print("unknown command");
 }
 
-void ClipboardReader::focus() {
+void ClipboardReader::showWindow(std::uint32_t size) {
     m_window = m_peer.createWindow(XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_FOCUS_CHANGE);
+    const std::uint32_t sizes[] = {size, size};
+    xcb_configure_window(m_peer.get(), m_window, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
+                         sizes);
     xcb_map_window(m_peer.get(), m_window);
     m_peer.waitFor([](const auto& event) { return event.response_type == XCB_EXPOSE; });
+}
+
+void ClipboardReader::focus() {
+    showWindow(10);
     xcb_set_input_focus(m_peer.get(), XCB_INPUT_FOCUS_PARENT, m_window, XCB_CURRENT_TIME);
     m_peer.waitFor([](const auto& event) { return event.response_type == XCB_FOCUS_IN; });
     print("focused");
+}
+
+void ClipboardReader::hover() {
+    showWindow(2000);
+    print("hovering");
 }
 
 void ClipboardReader::targets() {

@@ -120,6 +120,14 @@ TEST_F(X11PasteboardRestoreTest, ATargetThatIsLateStillGetsTheText) {
     EXPECT_EQ(target().text(), "copied");
 }
 
+TEST_F(X11PasteboardRestoreTest, WhereTheFocusFollowsThePointerItsWindowIsTheTarget) {
+    userCopies("copied");
+    ASSERT_EQ(target().ask("hover"), "hovering");
+    restore(dictate(QStringLiteral("dictated")));
+    EXPECT_EQ(target().text(), "dictated");
+    EXPECT_EQ(target().text(), "copied");
+}
+
 TEST_F(X11PasteboardRestoreTest, ATargetThatIsLateSeesTheTextsTargets) {
     copyDictateRestore();
     EXPECT_TRUE(target().ask("targets").contains("x-kde-passwordManagerHint"));

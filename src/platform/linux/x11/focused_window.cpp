@@ -101,17 +101,22 @@ std::optional<WindowClass> classOf(const xcb_get_property_reply_t* property) {
 
 }  // namespace
 
-std::optional<WindowClass> focusedWindow(xcb_connection_t* connection, xcb_window_t root) {
+std::optional<xcb_window_t> windowWithFocus(xcb_connection_t* connection, xcb_window_t root) {
     const XcbReply<xcb_get_input_focus_reply_t> focus(
         xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
     if (!focus || focus->focus == XCB_NONE) return std::nullopt;
-    xcb_window_t window = focus->focus;
-    if (window == XCB_INPUT_FOCUS_POINTER_ROOT || window == root) {
-        window = windowUnderPointer(connection, root);
-        if (window == root) return std::nullopt;
-    }
+    if (focus->focus != XCB_INPUT_FOCUS_POINTER_ROOT && focus->focus != root) return focus->focus;
+    const xcb_window_t window = windowUnderPointer(connection, root);
+    if (window == root) return std::nullopt;
+    return window;
+}
+
+std::optional<WindowClass> focusedWindow(xcb_connection_t* connection, xcb_window_t root) {
+    const auto focused = windowWithFocus(connection, root);
+    if (!focused) return std::nullopt;
 
     // The names are on the program's top-level window; the focus may be on one inside it.
+    xcb_window_t window = *focused;
     for (int depth = 0; depth < maxDepth && window != root && window != XCB_NONE; ++depth) {
         const auto property = xcb_get_property(connection, 0, window, XCB_ATOM_WM_CLASS,
                                                XCB_ATOM_STRING, 0, maxClassWords);

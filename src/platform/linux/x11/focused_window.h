@@ -13,6 +13,11 @@ struct WindowClass {
     QByteArray className;
 };
 
+/// The window that gets the keys, often one inside a program's top-level window; absent when none
+/// gets them. A few round trips.
+[[nodiscard]] std::optional<xcb_window_t> windowWithFocus(xcb_connection_t* connection,
+                                                          xcb_window_t root);
+
 /// The class of the window that gets the keys, with empty names for one that has none; absent when
 /// no window gets them. A few round trips.
 [[nodiscard]] std::optional<WindowClass> focusedWindow(xcb_connection_t* connection,

@@ -4,6 +4,7 @@
 #include <limits>
 #include <vector>
 
+#include "platform/linux/x11/focused_window.h"
 #include "platform/linux/x11/xcb_reply.h"
 
 namespace quietlark {
@@ -112,16 +113,19 @@ xcb_window_t X11PasteboardConnection::selectionOwner(xcb_atom_t selection) {
     return reply->owner;
 }
 
-xcb_window_t X11PasteboardConnection::focusedWindow() {
-    const auto cookie = xcb_get_input_focus(m_connection);
-    const XcbReply<xcb_get_input_focus_reply_t> reply(
-        xcb_get_input_focus_reply(m_connection, cookie, nullptr));
-    if (!reply || reply->focus == XCB_INPUT_FOCUS_POINTER_ROOT) return XCB_WINDOW_NONE;
-    return reply->focus;
-}
-
 std::uint32_t X11PasteboardConnection::clientOf(xcb_window_t window) const {
     return window & ~m_resourceIdMask;
+}
+
+std::optional<std::uint32_t> X11PasteboardConnection::focusedClient() {
+    const auto window = windowWithFocus(m_connection, m_root);
+    if (!window) return std::nullopt;
+    return clientOf(*window);
+}
+
+void X11PasteboardConnection::synchronize() {
+    const XcbReply<xcb_get_input_focus_reply_t> answered(
+        xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
 }
 
 }  // namespace quietlark

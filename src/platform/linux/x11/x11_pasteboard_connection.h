@@ -56,12 +56,14 @@ public:
     /// The window that owns a selection, or None.
     [[nodiscard]] xcb_window_t selectionOwner(xcb_atom_t selection);
 
-    /// What the keyboard writes to; None when that is not one window.
-    [[nodiscard]] xcb_window_t focusedWindow();
-
-    /// Stands for the client that made a window: the same for all of its windows, and zero for
-    /// those of the server itself.
+    /// Stands for the client that made a window: the same for all of its windows.
     [[nodiscard]] std::uint32_t clientOf(xcb_window_t window) const;
+
+    /// The client whose window gets the keys; absent when there is none.
+    [[nodiscard]] std::optional<std::uint32_t> focusedClient();
+
+    /// Returns when the server has done all that was asked of it.
+    void synchronize();
 
     /// The most bytes that one request can put into a property, without the extension for big
     /// requests, which the reader of the property may not have. Divisible by four.

@@ -46,9 +46,9 @@ public:
     [[nodiscard]] bool isQuitting() const { return m_quitDeadline.has_value(); }
     [[nodiscard]] bool hasQuit() const;
 
-    /// Returns when the server has done all that was asked of it. It may not read what a client
-    /// sent last when that client is gone already.
-    void waitForServer() { (void)m_connection.focusedWindow(); }
+    /// Returns when the server has done all that was asked of it. What a client sent last may be
+    /// lost if it is gone before that.
+    void synchronize() { m_connection.synchronize(); }
 
     /// Deals with deadlines that have passed. Tells when to come back at the latest.
     std::optional<Clock::time_point> processTime(Clock::time_point now);

@@ -75,7 +75,7 @@ void X11PasteboardThread::serve(X11PasteboardSession& session) {
         const bool hasReceived = session.processEvents();
         if (!hasBegun && !hasReceived) wait(session, next);
     }
-    session.waitForServer();
+    session.synchronize();
 }
 
 bool X11PasteboardThread::carryOutNext(X11PasteboardSession& session) {

@@ -31,7 +31,7 @@ void X11SelectionOwner::onPropertyNotify(const xcb_property_notify_event_t& even
     // Somebody may have been faster; ICCCM section 2.1 wants to see it confirmed.
     if (m_connection.selectionOwner(m_selection) != m_window) return letGo();
 
-    text.pasteTarget = m_connection.clientOf(m_connection.focusedWindow());
+    text.pasteTarget = m_connection.focusedClient();
     m_isOwner = true;
     m_ownedSince = event.time;
     m_text = std::move(text);
@@ -41,7 +41,7 @@ void X11SelectionOwner::onPropertyNotify(const xcb_property_notify_event_t& even
 void X11SelectionOwner::restore(PasteboardSnapshot snapshot, Clock::time_point now) {
     if (!awaitsRestore()) return;
     if (!snapshot.empty()) m_contents.emplace(std::move(snapshot), m_connection);
-    if (m_text->pasteTarget == 0 || m_text->isRead) return endText();
+    if (!m_text->pasteTarget || m_text->isRead) return endText();
     m_text->ends = now + m_grace;
     announce();
 }

@@ -63,9 +63,9 @@ private:
     struct Text {
         X11PasteboardContents contents;
         std::optional<PasteboardSnapshot> covered;
-        std::uint32_t pasteTarget = 0;  ///< a client; zero when there is none
-        bool isRead = false;            ///< by the paste target
-        bool isShown = false;           ///< to the paste target alone, after restore()
+        std::optional<std::uint32_t> pasteTarget = std::nullopt;  ///< a client
+        bool isRead = false;                                      ///< by the paste target
+        bool isShown = false;  ///< to the paste target alone, after restore()
         std::optional<Clock::time_point> ends = std::nullopt;  ///< set by restore()
     };
 
