@@ -34,9 +34,13 @@ public:
         }
     }
 
-    void copyAgain() {
+    /// Lets it copy anew; how many lines it has printed until then.
+    int linesBeforeCopyingAgain() {
         m_process->writeLine("again");
-        (void)prints("owning");
+        int lines = 0;
+        for (QByteArray line; (line = m_process->readLine()) != "owning" && !line.isNull();)
+            ++lines;
+        return lines;
     }
 
     [[nodiscard]] ChildProcess& process() { return *m_process; }

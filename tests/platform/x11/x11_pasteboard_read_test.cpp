@@ -97,6 +97,16 @@ TEST_F(X11PasteboardReadTest, ATargetThatHangsIsLeftOutAloneOfAll) {
     EXPECT_EQ(item(), (PasteboardItem{{"image/png", patternOf(5000)}, {"UTF8_STRING", "a"}}));
 }
 
+TEST_F(X11PasteboardReadTest, AnOwnerThatHangsIsAskedForAFewTargetsOnly) {
+    giveUpSoon();
+    QStringList offers;
+    for (int number = 0; number < 20; ++number)
+        offers << QStringLiteral("application/x-%1=hang").arg(number);
+    auto& owner = userCopies(offers);
+    EXPECT_EQ(snapshot(), PasteboardSnapshot());
+    EXPECT_EQ(owner.linesBeforeCopyingAgain(), 1 + 8);
+}
+
 TEST_F(X11PasteboardReadTest, ATransferThatStallsIsLeftOutAloneOfAll) {
     giveUpSoon();
     userCopies({QStringLiteral("image/png=stall"), QStringLiteral("UTF8_STRING=text:a")});

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include <poll.h>
+#include <signal.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -52,6 +53,10 @@ void X11PasteboardThread::order(Command command) {
 }
 
 void X11PasteboardThread::run(const QByteArray& display) {
+    // Signals are the main thread's, and SIGPIPE, when the X server has gone, is nobody's.
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_BLOCK, &all, nullptr);
     {
         X11PasteboardSession session(display, m_limits);
         {
@@ -79,20 +84,29 @@ void X11PasteboardThread::serve(X11PasteboardSession& session) {
 }
 
 bool X11PasteboardThread::carryOutNext(X11PasteboardSession& session) {
-    Command order;
-    {
-        const std::lock_guard lock(m_mutex);
-        if (m_isQuitting) session.stopReading();
-        if (session.isBusy() || session.isQuitting()) return false;
-        if (m_orders.empty()) {
-            if (m_isQuitting) session.quit();
-            return m_isQuitting;
-        }
-        order = std::move(m_orders.front());
+    if (session.isQuitting()) return false;
+    // Not under the lock: what the session does may wait for the X server.
+    if (isQuitting()) session.stopReading();
+    if (session.isBusy()) return false;
+    const auto order = nextOrder();
+    if (order) order(session);
+    return order != nullptr;
+}
+
+bool X11PasteboardThread::isQuitting() {
+    const std::lock_guard lock(m_mutex);
+    return m_isQuitting;
+}
+
+X11PasteboardThread::Command X11PasteboardThread::nextOrder() {
+    const std::lock_guard lock(m_mutex);
+    if (!m_orders.empty()) {
+        auto order = std::move(m_orders.front());
         m_orders.pop_front();
+        return order;
     }
-    order(session);
-    return true;
+    if (!m_isQuitting) return nullptr;
+    return [](X11PasteboardSession& session) { session.quit(); };
 }
 
 void X11PasteboardThread::wait(const X11PasteboardSession& session,

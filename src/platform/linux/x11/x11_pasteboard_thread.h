@@ -35,6 +35,8 @@ private:
     void run(const QByteArray& display);
     void serve(X11PasteboardSession& session);
     bool carryOutNext(X11PasteboardSession& session);
+    bool isQuitting();
+    Command nextOrder();
     void wait(const X11PasteboardSession& session,
               std::optional<X11PasteboardSession::Clock::time_point> until);
     void wake();

@@ -20,6 +20,10 @@ constexpr std::size_t mostTargets = 1024;
 constexpr std::array<std::string_view, 6> excludedTargets{
     "TARGETS", "MULTIPLE", "TIMESTAMP", "SAVE_TARGETS", "DELETE", "application/x-qt-image"};
 
+// An owner that is slow should not go on with questions that nobody waits for any more, and most
+// offer fewer targets than this.
+constexpr std::ptrdiff_t questionsAtATime = 8;
+
 // Their values name things that the owner will free.
 constexpr std::array<std::string_view, 5> resourceTypes{"PIXMAP", "BITMAP", "DRAWABLE", "COLORMAP",
                                                         "WINDOW"};
@@ -36,6 +40,15 @@ Urgency urgencyOf(const std::string& target) {
     return target == "image/png" ? Urgency::image : Urgency::other;
 }
 
+bool isPlainData(const std::string& target) {
+    return !target.empty() && !target.starts_with("INSERT_") &&
+           std::ranges::find(excludedTargets, target) == excludedTargets.end();
+}
+
+bool isPending(const std::unique_ptr<X11Conversion>& conversion) {
+    return conversion && conversion->isPending();
+}
+
 }  // namespace
 
 X11SelectionReader::X11SelectionReader(X11PasteboardConnection& connection,
@@ -48,6 +61,7 @@ X11SelectionReader::X11SelectionReader(X11PasteboardConnection& connection,
 void X11SelectionReader::start() {
     m_budget = m_byteLimit;
     m_conversions.clear();
+    m_unasked.clear();
     m_isListed = false;
     m_list = std::make_unique<X11Conversion>(m_connection, m_windows, m_selection,
                                              m_connection.atom("TARGETS"));
@@ -82,15 +96,32 @@ void X11SelectionReader::onProgress() {
         if (m_list->isPending()) return;
         onListed();
     }
-    m_isDone = std::ranges::none_of(m_conversions,
-                                    [](const auto& conversion) { return conversion->isPending(); });
+    askForMore();
+    m_isDone = std::ranges::none_of(m_conversions, isPending);
 }
 
 void X11SelectionReader::onListed() {
     m_isListed = m_list->state() == X11Conversion::State::delivered;
-    const auto targets = listedTargets();
+    m_targets = listedTargets();
     m_list.reset();
-    ask(targets);
+
+    std::vector<std::pair<Urgency, std::size_t>> order;
+    for (std::size_t index = 0; index < m_targets.size(); ++index)
+        order.emplace_back(urgencyOf(m_connection.name(m_targets[index])), index);
+    std::ranges::sort(order);
+    for (const auto& [urgency, index] : order)
+        m_unasked.push_back(index);
+    m_conversions.resize(m_targets.size());
+}
+
+void X11SelectionReader::askForMore() {
+    auto questions = std::ranges::count_if(m_conversions, isPending);
+    for (; questions < questionsAtATime && !m_unasked.empty(); ++questions) {
+        const std::size_t index = m_unasked.front();
+        m_unasked.pop_front();
+        m_conversions[index] =
+            std::make_unique<X11Conversion>(m_connection, m_windows, m_selection, m_targets[index]);
+    }
 }
 
 std::vector<xcb_atom_t> X11SelectionReader::listedTargets() {
@@ -110,28 +141,10 @@ std::vector<xcb_atom_t> X11SelectionReader::listedTargets() {
     return atoms;
 }
 
-bool X11SelectionReader::isPlainData(const std::string& target) const {
-    return !target.empty() && !target.starts_with("INSERT_") &&
-           std::ranges::find(excludedTargets, target) == excludedTargets.end();
-}
-
-void X11SelectionReader::ask(const std::vector<xcb_atom_t>& targets) {
-    std::vector<std::pair<Urgency, std::size_t>> order;
-    for (std::size_t index = 0; index < targets.size(); ++index)
-        order.emplace_back(urgencyOf(m_connection.name(targets[index])), index);
-    std::ranges::sort(order);
-
-    m_conversions.resize(targets.size());
-    for (const auto& [urgency, index] : order) {
-        m_conversions[index] =
-            std::make_unique<X11Conversion>(m_connection, m_windows, m_selection, targets[index]);
-    }
-}
-
 std::optional<PasteboardSnapshot> X11SelectionReader::result() {
     PasteboardItem item;
     for (const auto& conversion : m_conversions) {
-        if (conversion->state() != X11Conversion::State::delivered) continue;
+        if (!conversion || conversion->state() != X11Conversion::State::delivered) continue;
         const X11Property& value = conversion->value();
         const X11Representation representation{m_connection.name(conversion->target()),
                                                m_connection.name(value.type), value.format,
@@ -146,7 +159,7 @@ std::optional<PasteboardSnapshot> X11SelectionReader::result() {
 X11Conversion* X11SelectionReader::conversionFor(xcb_window_t requestor) {
     if (m_list && m_list->requestor() == requestor) return m_list.get();
     const auto found = std::ranges::find_if(m_conversions, [&](const auto& conversion) {
-        return conversion->requestor() == requestor;
+        return conversion && conversion->requestor() == requestor;
     });
     return found == m_conversions.end() ? nullptr : found->get();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <deque>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -13,10 +14,10 @@
 namespace quietlark {
 
 /// Reads everything that another program offers in a selection: first the list of its targets
-/// (TARGETS, ICCCM section 2.6.2), then all of them at once, so that one which hangs does not hold
-/// up the rest; text is asked for first. Targets that are about the transfer, that change something
-/// in the owner, or whose value names a resource of the owner's, are left out. Give it the events
-/// and take the result when it is done or when you have waited long enough. One thread.
+/// (TARGETS, ICCCM section 2.6.2), then several of them at a time, so that one which hangs does not
+/// hold up the rest; text is asked for first. Targets that are about the transfer, that change
+/// something in the owner, or whose value names a resource of the owner's, are left out. Give it
+/// the events and take the result when it is done or when you have waited long enough. One thread.
 class X11SelectionReader {
 public:
     /// Takes at most `byteLimit` bytes in all; representations beyond that are left out.
@@ -37,11 +38,10 @@ public:
 
 private:
     void start();
-    void ask(const std::vector<xcb_atom_t>& targets);
     void onListed();
     void onProgress();
+    void askForMore();
     std::vector<xcb_atom_t> listedTargets();
-    bool isPlainData(const std::string& target) const;
     X11Conversion* conversionFor(xcb_window_t requestor);
 
     X11PasteboardConnection& m_connection;
@@ -52,7 +52,9 @@ private:
     std::unique_ptr<X11Conversion> m_list;  ///< until it is answered
     bool m_isListed = false;
     bool m_isDone = false;
-    std::vector<std::unique_ptr<X11Conversion>> m_conversions;  ///< in the owner's order
+    std::vector<xcb_atom_t> m_targets;                          ///< in the owner's order
+    std::vector<std::unique_ptr<X11Conversion>> m_conversions;  ///< of those; null until asked
+    std::deque<std::size_t> m_unasked;                          ///< which of those, in turn
 };
 
 }  // namespace quietlark
