@@ -16,6 +16,9 @@ scripts_are_sound() {
 
 # The rules in .clang-tidy, over the programs' sources as the release build compiles them.
 code_is_tidy() {
-    run-clang-tidy-14 -quiet -p "$root/build/release" "^$root/(src|server)/" 2>/dev/null |
-        { ! grep -E -A 5 'error:'; }
+    local findings="$root/build/release/clang-tidy.txt"
+    run-clang-tidy-14 -quiet -p "$root/build/release" "^$root/(src|server)/" >"$findings" 2>&1 &&
+        return
+    sed 's/\x1b\[[0-9;]*m//g' "$findings" | grep -A 3 'error:'
+    return 1
 }

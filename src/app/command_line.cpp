@@ -75,7 +75,7 @@ std::optional<Invocation> CommandLine::parse(QCommandLineParser& parser, const Q
                                              const QStringList& arguments) {
     parser.addOption({{QStringLiteral("h"), helpOption}, tr("Shows this help.")});
     if (!parser.parse(arguments)) return UsageError{parser.errorText()};
-    const QString command = arguments.at(1);
+    const QString& command = arguments.at(1);
     if (parser.isSet(helpOption)) return ShowText{helpText(parser, command, operand)};
     // The first is the command's own name.
     const qsizetype count = parser.positionalArguments().size() - 1;
