@@ -25,7 +25,7 @@ missing_packages() {
     local wanted installed
     wanted=$(package_lines "$@" | awk '{ print $1 }' | sort -u)
     # shellcheck disable=SC2086 # one word for each package
-    installed=$(dpkg-query -W -f '${Package} ${db:Status-Status}\n' $wanted 2>/dev/null |
+    installed=$({ dpkg-query -W -f '${Package} ${db:Status-Status}\n' $wanted 2>/dev/null || true; } |
         awk '$2 == "installed" { print $1 }' | sort -u)
     comm -23 <(printf '%s\n' "$wanted") <(printf '%s\n' "$installed")
 }
