@@ -12,11 +12,14 @@ package_lines() {
     done
 }
 
+# What says which distribution this is; another path lets a test pretend.
+os_release=${QUIETLARK_OS_RELEASE:-/etc/os-release}
+
 is_debian_12() {
-    [ -r /etc/os-release ] || return 1
+    [ -r "$os_release" ] || return 1
     (
         # shellcheck source=/dev/null
-        . /etc/os-release
+        . "$os_release"
         [ "${ID:-}" = debian ] && [ "${VERSION_ID:-}" = 12 ]
     )
 }
@@ -24,6 +27,7 @@ is_debian_12() {
 missing_packages() {
     local wanted installed
     wanted=$(package_lines "$@" | awk '{ print $1 }' | sort -u)
+    # It fails where one of them was never installed, and names the others all the same.
     # shellcheck disable=SC2086 # one word for each package
     installed=$({ dpkg-query -W -f '${Package} ${db:Status-Status}\n' $wanted 2>/dev/null || true; } |
         awk '$2 == "installed" { print $1 }' | sort -u)
@@ -40,13 +44,16 @@ is_present() {
     esac
 }
 
+require_root_for_packages() {
+    [ "$(id -u)" = 0 ] || command -v sudo >/dev/null || fail "Installing packages needs root," \
+        "and there is no sudo. As root, run: apt-get install --no-remove $*"
+}
+
 as_root() {
     if [ "$(id -u)" = 0 ]; then
         "$@"
-    elif command -v sudo >/dev/null; then
-        sudo "$@"
     else
-        fail "Installing packages needs root, and there is no sudo. As root, run: $*"
+        sudo "$@"
     fi
 }
 
@@ -55,6 +62,20 @@ apt() {
     as_root env DEBIAN_FRONTEND=noninteractive apt-get -q -y -o Acquire::Retries=3 \
         -o DPkg::Lock::Timeout=300 -o Dpkg::Use-Pty=0 "$@" |
         sed -u -E '/^(Selecting|Preparing|Unpacking|\(Reading)/d' >&2
+}
+
+# What apt would take away to make room for the named packages, one a line.
+removals_for() {
+    apt-get -s --no-install-recommends install "$@" 2>/dev/null | awk '$1 == "Remv" { print $2 }'
+}
+
+# install PACKAGE...: never at the cost of a package that is there.
+install() {
+    local removals
+    removals=$(removals_for "$@") || true
+    [ -z "$removals" ] || fail "Nothing was installed: to make room for $* apt would remove" \
+        "${removals//$'\n'/ }, which you may need. A container or a virtual machine has room for both."
+    apt install --no-install-recommends --no-remove "$@"
 }
 
 have_package_index() {
@@ -71,20 +92,32 @@ install_packages() {
     mapfile -t missing < <(missing_packages "$@")
     [ ${#missing[@]} -gt 0 ] || return 0
 
+    require_root_for_packages "${missing[@]}"
     say "Installing ${#missing[@]} packages: ${missing[*]}"
     have_package_index || apt update
-    if ! apt install --no-install-recommends "${missing[@]}"; then
+    if ! install "${missing[@]}"; then
         say "Trying once more with a fresh package index"
         apt update
-        apt install --no-install-recommends "${missing[@]}" ||
-            fail "These packages could not be installed: ${missing[*]}"
+        install "${missing[@]}" || fail "These packages could not be installed: ${missing[*]}"
     fi
 }
 
+# tool_for KIND: the program that recognises things of this kind.
+tool_for() {
+    case $1 in
+        library) echo pkg-config ;;
+        header) echo c++ ;;
+    esac
+}
+
 # Elsewhere the names of packages would be guesses: say which things are not there, and stop.
+# Without the tool that recognises it, whether a thing is there is not known: then the tool is named
+# alone.
 name_what_is_missing() {
-    local package thing missing=()
+    local package thing tool missing=()
     while read -r package thing; do
+        tool=$(tool_for "${thing%%:*}")
+        [ -z "$tool" ] || command -v "$tool" >/dev/null || continue
         is_present "$thing" || missing+=("${thing/:/ } (Debian: $package)")
     done < <(package_lines "$@")
     [ ${#missing[@]} -gt 0 ] || return 0

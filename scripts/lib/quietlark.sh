@@ -23,6 +23,7 @@ JSON
 }
 
 start_server() {
+    server_since=$EPOCHSECONDS
     start server "$bin/quietlark-server"
     server_id=$started_id
     wait_for_line 120 "$server_id" "$logs/server.out" '^listening on ' ||
@@ -72,10 +73,12 @@ dictate() {
 }
 
 # What the server was asked since it started, a line each: method, path, status and more. Its log
-# goes to the journal where there is one, else to standard error.
+# goes to the journal where there is one, else to standard error. The journal may also remember an
+# earlier process of the same number.
 requests_of_server() {
     {
         cat "$logs/server.err"
-        journalctl --quiet --output=cat "_PID=$server_id" 2>/dev/null
+        journalctl --quiet --output=cat --boot --since="@$server_since" \
+            --identifier=net.quietlark.server "_PID=$server_id" 2>/dev/null
     } | grep -oE '(GET|POST) /[^ ]* [0-9]{3}' || true
 }

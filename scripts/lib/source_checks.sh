@@ -14,11 +14,13 @@ scripts_are_sound() {
         (cd "$root" && xargs -r shellcheck -x)
 }
 
-# The rules in .clang-tidy, over the programs' sources as the release build compiles them.
+# The rules in .clang-tidy, over the programs' sources as the release build compiles them. Says
+# what it found; when it did not get as far as that, its last lines.
 code_is_tidy() {
     local findings="$root/build/release/clang-tidy.txt"
-    run-clang-tidy-14 -quiet -p "$root/build/release" "^$root/(src|server)/" >"$findings" 2>&1 &&
+    run-clang-tidy -quiet -p "$root/build/release" "^$root/(src|server)/" >"$findings" 2>&1 &&
         return
-    sed 's/\x1b\[[0-9;]*m//g' "$findings" | grep -A 3 'error:'
+    sed -i 's/\x1b\[[0-9;]*m//g' "$findings"
+    grep -A 5 'error:' "$findings" || tail -n 20 "$findings"
     return 1
 }

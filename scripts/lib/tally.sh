@@ -3,6 +3,7 @@
 
 passed=0
 skipped=0
+tests=0
 failures=()
 
 # check NAME COMMAND...: one check, passed when the command succeeds; false when it does not.
@@ -21,6 +22,7 @@ check() {
 count_tests() {
     local outcome name
     while read -r outcome name; do
+        tests=$((tests + 1))
         case $outcome in
             passed) passed=$((passed + 1)) ;;
             skipped) skipped=$((skipped + 1)) ;;
@@ -44,9 +46,12 @@ outcomes() {
         END { report() }'
 }
 
-# Prints the failed ones, then the summary as the very last line. False when anything failed.
+# Prints the failed ones, then the summary as the very last line. False when anything failed, and
+# when no test ran.
 print_summary() {
-    local line="quietlark: $passed passed, ${#failures[@]} failed"
+    local line
+    [ "$tests" -gt 0 ] || failures+=("finding a test to run")
+    line="quietlark: $passed passed, ${#failures[@]} failed"
     [ ${#failures[@]} -eq 0 ] || printf 'failed: %s\n' "${failures[@]}"
     [ "$skipped" -eq 0 ] || line+=", $skipped skipped"
     printf '%s\n' "$line"
