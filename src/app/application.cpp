@@ -37,6 +37,8 @@ Application::Application()
       m_dictation([this] { return m_config; }, m_recorder, m_transcription, m_paster, m_scheduler),
       m_hotkeys(m_dictation, m_keyboard, m_scheduler) {
     connect(&m_dictation, &Dictation::onStateChange, this, &Application::report);
+    connect(&m_keyConnection, &X11KeyConnection::displayLost, this,
+            &Application::endWithoutDisplay);
     connect(&m_quitSignals, &QuitSignals::quitRequested, qApp, &QCoreApplication::quit);
 }
 
@@ -57,6 +59,11 @@ int Application::run() {
 
 void Application::report(const DictationState& state) {
     if (!state.message.isEmpty()) complain(state.message);
+}
+
+void Application::endWithoutDisplay() {
+    complain(tr("The connection to the X server was lost, so no hotkey can work any more."));
+    QCoreApplication::exit(EXIT_FAILURE);
 }
 
 }  // namespace quietlark

@@ -31,11 +31,12 @@ public:
     Application();
 
     /// Installs the hotkeys and runs until asked to quit. Answers the exit status: 0, or 1 with a
-    /// sentence on standard error when no hotkey can work here.
+    /// sentence on standard error when no hotkey can work here, or none can any more.
     int run();
 
 private:
     void report(const DictationState& state);
+    void endWithoutDisplay();
 
     QuitSignals m_quitSignals;
 

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 #include <linux/input-event-codes.h>
+#include <signal.h>
 
 #include "peers/x_proxy.h"
 #include "peers/x_server.h"
@@ -201,6 +202,32 @@ TEST_F(X11KeyEventSourceTest, SaysSoAndReportsNothingMoreWhenTheServerIsGone) {
     m_server.end();
     EXPECT_TRUE(waitUntil([this] { return m_source->unavailable().has_value(); }));
     EXPECT_TRUE(m_source->unavailable()->reason.contains(QStringLiteral("Start Quietlark again")));
+}
+
+TEST_F(X11KeyEventSourceTest, TheLossOfTheServerIsAnnouncedOnce) {
+    watch();
+    int losses = 0;
+    QObject::connect(&*m_connection, &X11KeyConnection::displayLost, [&losses] { ++losses; });
+    m_server.end();
+    ASSERT_TRUE(waitUntil([&losses] { return losses > 0; }));
+    static_cast<void>(m_connection->finishRequests());
+    // What is posted after the delivery that this has asked for is dealt with after it.
+    bool isDelivered = false;
+    QMetaObject::invokeMethod(
+        &*m_connection, [&isDelivered] { isDelivered = true; }, Qt::QueuedConnection);
+    ASSERT_TRUE(waitUntil([&isDelivered] { return isDelivered; }));
+    EXPECT_EQ(losses, 1);
+}
+
+TEST_F(X11KeyEventSourceTest, ALossThatIsNoticedWhileWaitingIsAnnouncedFromTheEventLoop) {
+    watch();
+    int losses = 0;
+    QObject::connect(&*m_connection, &X11KeyConnection::displayLost, [&losses] { ++losses; });
+    const auto server = static_cast<pid_t>(m_server.processId());
+    ASSERT_EQ(::kill(server, SIGKILL), 0);
+    static_cast<void>(m_connection->finishRequests());
+    EXPECT_EQ(losses, 0);
+    EXPECT_TRUE(waitUntil([&losses] { return losses == 1; }));
 }
 
 TEST(X11KeyEventSourceWithoutServer, SaysThatThereIsNoDisplay) {

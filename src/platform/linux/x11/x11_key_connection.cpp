@@ -143,7 +143,10 @@ void X11KeyConnection::deliver() {
         if (!key.ours) Q_EMIT rawKey(key.event, key.layout);
         readEvents();
     }
-    if (m_notifier && xcb_connection_has_error(xcb()) != 0) m_notifier->setEnabled(false);
+    const bool isWatching = m_notifier && m_notifier->isEnabled();
+    if (!isWatching || xcb_connection_has_error(xcb()) == 0) return;
+    m_notifier->setEnabled(false);
+    Q_EMIT displayLost();
 }
 
 void X11KeyConnection::readEvents() {

@@ -59,6 +59,10 @@ Q_SIGNALS:
     /// The keymap is another one from now on; emitted before the rawKey() of the next key.
     void keymapChanged();
 
+    /// The server has gone away: nothing is seen or faked any more. Emitted once, from the event
+    /// loop, and only where there was a server to begin with.
+    void displayLost();
+
 private:
     void observeKeys();
     void observeKeymap();
