@@ -4,7 +4,7 @@
 
 # Sets $desktop (a folder that close_virtual_desktop removes) and $logs, and exports the session.
 open_virtual_desktop() {
-    desktop=$(mktemp -d /tmp/quietlark.XXXXXX)
+    desktop=$(mktemp -d -t quietlark.XXXXXX)
     logs="$desktop/logs"
     mkdir "$logs" "$desktop/home"
     mkdir -m 700 "$desktop/run"
