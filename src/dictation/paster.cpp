@@ -8,7 +8,7 @@ Paster::Paster(Pasteboard& pasteboard, KeySynthesizer& keys, Scheduler& schedule
     : m_pasteboard(pasteboard), m_keys(keys), m_scheduler(scheduler) {}
 
 Paster::~Paster() {
-    restorePasteboard();
+    settlePasteboard();
 }
 
 void Paster::paste(const QString& text, PostedHandler onPosted) {
@@ -39,13 +39,19 @@ void Paster::postCommandV(const PostedHandler& onPosted) {
     if (!posted) m_saved.reset();
     if (m_saved) {
         m_nextStep = std::make_unique<QObject>();
-        m_scheduler.after(restoreDelay, m_nextStep.get(), [this] { restorePasteboard(); });
+        m_scheduler.after(restoreDelay, m_nextStep.get(), [this] { settlePasteboard(); });
+    } else {
+        settlePasteboard();
     }
     onPosted(posted);
 }
 
-void Paster::restorePasteboard() {
-    if (auto saved = std::exchange(m_saved, std::nullopt)) m_pasteboard.restore(*std::move(saved));
+void Paster::settlePasteboard() {
+    if (auto saved = std::exchange(m_saved, std::nullopt)) {
+        m_pasteboard.restore(*std::move(saved));
+    } else {
+        m_pasteboard.keepString();
+    }
 }
 
 }  // namespace quietlark

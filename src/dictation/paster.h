@@ -26,23 +26,24 @@ public:
     /// From the keystroke to the old contents being put back.
     static constexpr std::chrono::milliseconds restoreDelay{200};
 
-    /// Runs once, on the main thread and never before paste() returns: the keystroke is on its way,
-    /// or it could not be typed and the text has been left on the pasteboard.
+    /// Runs at most once, on the main thread and never before paste() returns: the keystroke is on
+    /// its way, or it could not be typed and the text has been left on the pasteboard for good.
     using PostedHandler = std::function<void(const tl::expected<void, Unavailable>&)>;
 
     Paster(Pasteboard& pasteboard, KeySynthesizer& keys, Scheduler& scheduler);
 
-    /// A restore that is still due takes place at once.
+    /// A restore that is still due takes place at once; a text that replaced nothing known stays.
     ~Paster() override;
 
     /// Pastes `text`; does nothing but report when it is empty. A second call before the first has
-    /// reported replaces it. When the pasteboard could not be read the text stays on it.
+    /// reported replaces it, and the first is never reported. When the pasteboard could not be read
+    /// the text stays on it for good.
     void paste(const QString& text, PostedHandler onPosted);
 
 private:
     void write(const QString& text, const PostedHandler& onPosted);
     void postCommandV(const PostedHandler& onPosted);
-    void restorePasteboard();
+    void settlePasteboard();
 
     Pasteboard& m_pasteboard;
     KeySynthesizer& m_keys;

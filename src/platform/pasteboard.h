@@ -46,6 +46,10 @@ public:
     /// Puts a snapshot back in place of setString()'s text; an empty one leaves the pasteboard
     /// empty. What somebody else has copied since setString() stays.
     virtual void restore(PasteboardSnapshot snapshot) = 0;
+
+    /// Gives up what setString()'s text covers: the text stays as if the user had copied it, no
+    /// longer marked, and restore() does nothing any more. Nor does this when no text awaits it.
+    virtual void keepString() = 0;
 };
 
 }  // namespace quietlark

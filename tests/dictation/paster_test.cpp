@@ -90,6 +90,18 @@ TEST_F(PasterTest, ARepresentationThatCannotBeReadIsLeftOutAndItsItemRestored) {
               (PasteboardSnapshot{{{"image/png", "\x89PNG"}, {"text/plain", "cat"}}}));
 }
 
+TEST_F(PasterTest, AnItemWithAnUnreadableRepresentationIsRestoredWithTheOthers) {
+    pasteboard.userCopies({{{"text/plain", "one"}},
+                           {{"image/png", "\x89PNG"}, {"text/plain", "two"}},
+                           {{"text/html", "<b>three</b>"}}});
+    pasteboard.cannotBeRead("image/png");
+    pasteUpToTheKeystroke("hello");
+    scheduler.advance(200ms);
+    EXPECT_EQ(pasteboard.contents(), (PasteboardSnapshot{{{"text/plain", "one"}},
+                                                         {{"text/plain", "two"}},
+                                                         {{"text/html", "<b>three</b>"}}}));
+}
+
 TEST_F(PasterTest, TheTextStaysWhenThePasteboardCouldNotBeListed) {
     pasteboard.userCopies(imageAndText);
     pasteboard.cannotBeListed();
@@ -107,6 +119,29 @@ TEST_F(PasterTest, TheTextStaysWhenNothingCanBeTyped) {
     EXPECT_FALSE(couldPost);
     scheduler.advance(1s);
     EXPECT_EQ(pasteboard.text(), QStringLiteral("hello"));
+}
+
+TEST_F(PasterTest, ATextThatCouldNotBeTypedIsWhatTheNextPasteBringsBack) {
+    pasteboard.userCopies(imageAndText);
+    keys.makeUnavailable(QStringLiteral("No keys here."));
+    pasteUpToTheKeystroke("lost");
+    EXPECT_FALSE(pasteboard.awaitsRestore());
+    keys = FakeKeySynthesizer();
+    pasteUpToTheKeystroke("typed");
+    EXPECT_TRUE(couldPost);
+    scheduler.advance(200ms);
+    EXPECT_EQ(pasteboard.text(), QStringLiteral("lost"));
+}
+
+TEST_F(PasterTest, ATextOverWhatCouldNotBeListedIsTheUsersOwnAfterTheKeystroke) {
+    pasteboard.userCopies(imageAndText);
+    pasteboard.cannotBeListed();
+    paste("hello");
+    scheduler.advance(49ms);
+    EXPECT_TRUE(pasteboard.awaitsRestore());
+    scheduler.advance(1ms);
+    EXPECT_EQ(reports, 1);
+    EXPECT_FALSE(pasteboard.awaitsRestore());
 }
 
 TEST_F(PasterTest, WhatTheUserCopiesMeanwhileStays) {
@@ -128,6 +163,29 @@ TEST_F(PasterTest, ASecondPasteBeforeTheRestoreStillBringsBackTheUsersContents) 
     EXPECT_EQ(keys.posted().size(), 2u);
 }
 
+TEST_F(PasterTest, ASecondPasteBeforeTheFirstIsWrittenReplacesIt) {
+    pasteboard.userCopies(imageAndText);
+    paste("one");
+    pasteUpToTheKeystroke("two");
+    EXPECT_EQ(pasteboard.text(), QStringLiteral("two"));
+    scheduler.advance(1s);
+    EXPECT_EQ(reports, 1);
+    EXPECT_EQ(keys.posted().size(), 1u);
+    EXPECT_EQ(pasteboard.contents(), imageAndText);
+}
+
+TEST_F(PasterTest, ASecondPasteBeforeTheFirstIsTypedReplacesIt) {
+    pasteboard.userCopies(imageAndText);
+    paste("one");
+    scheduler.advance(49ms);
+    pasteUpToTheKeystroke("two");
+    EXPECT_EQ(pasteboard.text(), QStringLiteral("two"));
+    scheduler.advance(1s);
+    EXPECT_EQ(reports, 1);
+    EXPECT_EQ(keys.posted().size(), 1u);
+    EXPECT_EQ(pasteboard.contents(), imageAndText);
+}
+
 TEST_F(PasterTest, ASlowPasteboardDelaysTheKeystrokeAndBlocksNobody) {
     pasteboard.answersAfter(400ms);
     paste("hello");
@@ -142,6 +200,16 @@ TEST_F(PasterTest, GoingAwayRestoresAtOnce) {
     pasteUpToTheKeystroke("hello");
     paster.reset();
     EXPECT_EQ(pasteboard.contents(), imageAndText);
+}
+
+TEST_F(PasterTest, GoingAwayBeforeTheKeystrokeKeepsATextThatReplacedNothingKnown) {
+    pasteboard.userCopies(imageAndText);
+    pasteboard.cannotBeListed();
+    paste("hello");
+    scheduler.advance(49ms);
+    paster.reset();
+    EXPECT_FALSE(pasteboard.awaitsRestore());
+    EXPECT_EQ(pasteboard.text(), QStringLiteral("hello"));
 }
 
 }  // namespace

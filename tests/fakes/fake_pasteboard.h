@@ -53,7 +53,8 @@ public:
         return {};
     }
 
-    /// True from setString() until restore(), or until somebody else copied something.
+    /// True from setString() until restore() or keepString(), or until somebody else copied
+    /// something.
     [[nodiscard]] bool awaitsRestore() const { return m_awaitsRestore; }
 
     // Pasteboard
@@ -81,6 +82,10 @@ public:
         if (!std::exchange(m_awaitsRestore, false)) return;
         m_contents = std::move(snapshot);
         m_lastSnapshot.reset();
+    }
+
+    void keepString() override {
+        if (std::exchange(m_awaitsRestore, false)) m_lastSnapshot.reset();
     }
 
     static constexpr auto textType = "text/plain;charset=utf-8";

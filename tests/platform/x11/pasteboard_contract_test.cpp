@@ -193,6 +193,39 @@ TYPED_TEST(PasteboardContract, ATextOverWhatCouldNotBeListedStays) {
     EXPECT_EQ(snapshot->front().front().data, "dictated");
 }
 
+TYPED_TEST(PasteboardContract, ATextThatIsKeptIsTheUsersOwn) {
+    this->desk.userCopies(QStringLiteral("copied"));
+    const auto before = this->snapshot();
+    ASSERT_TRUE(before);
+    this->pasteboard().setString(QStringLiteral("dictated"));
+    this->pasteboard().keepString();
+    const auto kept = this->snapshot();
+    ASSERT_TRUE(kept);
+    EXPECT_EQ(kept->front().front().data, "dictated");
+    this->pasteboard().restore(*before);
+    EXPECT_EQ(this->desk.pasted(), QStringLiteral("dictated"));
+}
+
+TYPED_TEST(PasteboardContract, ATextThatIsKeptIsRestoredLikeAnyOther) {
+    this->desk.userCopies(QStringLiteral("copied"));
+    (void)this->snapshot();
+    this->pasteboard().setString(QStringLiteral("kept"));
+    this->pasteboard().keepString();
+    const auto kept = this->snapshot();
+    this->dictateAndRestore(QStringLiteral("dictated"));
+    EXPECT_EQ(this->desk.pasted(), QStringLiteral("kept"));
+    EXPECT_EQ(this->snapshot(), kept);
+}
+
+TYPED_TEST(PasteboardContract, WithoutATextNothingIsKept) {
+    this->pasteboard().keepString();
+    EXPECT_EQ(this->snapshot(), PasteboardSnapshot());
+    this->desk.userCopies(QStringLiteral("copied"));
+    this->dictateAndRestore(QStringLiteral("dictated"));
+    this->pasteboard().keepString();
+    EXPECT_EQ(this->desk.pasted(), QStringLiteral("copied"));
+}
+
 TYPED_TEST(PasteboardContract, ANewerCopyIsNotOverwritten) {
     this->desk.userCopies(QStringLiteral("copied"));
     const auto before = this->snapshot();

@@ -68,6 +68,16 @@ TEST_F(X11PasteboardHandoverTest, TheTextIsNeverHandedOver) {
     EXPECT_EQ(ClipboardReader(server).ask("owner"), "free");
 }
 
+TEST_F(X11PasteboardHandoverTest, ATextThatWasKeptIsHandedOver) {
+    managerRuns();
+    userCopies("copied");
+    (void)dictate(QStringLiteral("dictated"));
+    pasteboard().keepString();
+    quit();
+    EXPECT_FALSE(manager().readLine().isEmpty());
+    EXPECT_EQ(pasted(), "dictated");
+}
+
 TEST_F(X11PasteboardHandoverTest, AnEmptyPasteboardIsNotHandedOver) {
     managerRuns();
     restore(dictate(QStringLiteral("dictated")));

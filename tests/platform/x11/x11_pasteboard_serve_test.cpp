@@ -49,6 +49,16 @@ TEST_F(X11PasteboardServeTest, TheTextIsMarkedAsNothingToKeep) {
     EXPECT_EQ(reader().text("x-kde-passwordManagerHint"), "secret");
 }
 
+TEST_F(X11PasteboardServeTest, ATextThatIsKeptIsNoLongerMarked) {
+    (void)dictate(QStringLiteral("a"));
+    pasteboard().keepString();
+    settle();
+    EXPECT_EQ(reader().text("x-kde-passwordManagerHint"), "refused");
+    EXPECT_EQ(reader().ask("targets"),
+              "TARGETS TIMESTAMP MULTIPLE UTF8_STRING text/plain;charset=utf-8 STRING TEXT "
+              "text/plain");
+}
+
 TEST_F(X11PasteboardServeTest, TargetsListsWhatIsServed) {
     (void)dictate(QStringLiteral("a"));
     EXPECT_EQ(reader().ask("targets"),

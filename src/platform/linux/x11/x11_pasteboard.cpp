@@ -39,4 +39,8 @@ void X11Pasteboard::restore(PasteboardSnapshot snapshot) {
     });
 }
 
+void X11Pasteboard::keepString() {
+    m_thread.order([](X11PasteboardSession& session) { session.keepString(); });
+}
+
 }  // namespace quietlark

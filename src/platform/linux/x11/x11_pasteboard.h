@@ -17,7 +17,8 @@ namespace quietlark {
 /// it is read and served without a window, and while the main thread does something else. There is
 /// one item in it at most. Without an X server no snapshot can be had and nothing is set.
 ///
-/// When it is destroyed, what it has restored is handed over to a clipboard manager, if one runs.
+/// When it is destroyed, what it has restored or kept is handed over to a clipboard manager, if one
+/// runs.
 class X11Pasteboard final : public Pasteboard {
 public:
     /// `display` such as ":0"; empty for the one that the environment names. The scheduler must
@@ -29,6 +30,7 @@ public:
     [[nodiscard]] Cancellable snapshot(SnapshotHandler onSnapshot) override;
     void setString(const QString& text) override;
     void restore(PasteboardSnapshot snapshot) override;
+    void keepString() override;
 
 private:
     using Questions = std::map<std::uint64_t, SnapshotHandler>;

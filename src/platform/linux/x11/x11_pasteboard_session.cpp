@@ -63,6 +63,10 @@ void X11PasteboardSession::restore(PasteboardSnapshot snapshot) {
     m_owner.restore(std::move(snapshot), Clock::now());
 }
 
+void X11PasteboardSession::keepString() {
+    m_owner.keep();
+}
+
 void X11PasteboardSession::stopReading() {
     m_reader.reset();
     m_answer = nullptr;

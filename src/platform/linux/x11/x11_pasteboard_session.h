@@ -37,6 +37,7 @@ public:
     void snapshot(Answer answer);
     void setString(const QString& text);
     void restore(PasteboardSnapshot snapshot);
+    void keepString();
 
     /// A snapshot that is under way ends unanswered.
     void stopReading();

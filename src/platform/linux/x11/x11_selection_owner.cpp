@@ -46,6 +46,17 @@ void X11SelectionOwner::restore(PasteboardSnapshot snapshot, Clock::time_point n
     announce();
 }
 
+void X11SelectionOwner::keep() {
+    if (!awaitsRestore()) return;
+    PasteboardSnapshot kept = m_text->contents.snapshot();
+    for (auto& item : kept) {
+        std::erase_if(
+            item, [](const CapturedType& captured) { return captured.type == secretHintTarget; });
+    }
+    m_contents.emplace(std::move(kept), m_connection);
+    endText();
+}
+
 void X11SelectionOwner::finish() {
     if (!m_text || (awaitsRestore() && !m_text->covered)) return;
     if (awaitsRestore() && !m_text->covered->empty())

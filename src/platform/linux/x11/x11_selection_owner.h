@@ -15,7 +15,7 @@
 namespace quietlark {
 
 /// Owns a selection for the time of one paste (ICCCM section 2.1): first with dictated text, then
-/// with what was there before. One thread.
+/// with what was there before, or with the text for good. One thread.
 ///
 /// It takes the selection with a timestamp of the server's and announces every later change with
 /// that same timestamp. The server ignores it once somebody has taken the selection at a later
@@ -42,6 +42,10 @@ public:
     /// Serves `snapshot` in place of the text, or gives the selection up if it is empty. Does
     /// nothing unless a text awaits it.
     void restore(PasteboardSnapshot snapshot, Clock::time_point now);
+
+    /// Makes the text, without its hint, contents of the user's own, and forgets what it covers.
+    /// Does nothing unless a text awaits restore().
+    void keep();
 
     /// Ends the paste now: the text gives way to what it covered.
     void finish();
@@ -86,7 +90,7 @@ private:
     xcb_timestamp_t m_ownedSince = XCB_CURRENT_TIME;
     std::optional<Text> m_taking;                     ///< until the server has told the time
     std::optional<Text> m_text;                       ///< what everyone, or the target, reads
-    std::optional<X11PasteboardContents> m_contents;  ///< what was restored
+    std::optional<X11PasteboardContents> m_contents;  ///< what was restored or kept
 };
 
 }  // namespace quietlark
