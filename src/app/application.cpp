@@ -47,9 +47,10 @@ int Application::run() {
         complain(unavailable->reason);
         return EXIT_FAILURE;
     }
-    m_hotkeys.reload(m_config);
+    for (const QString& complaint : m_hotkeys.reload(m_config))
+        complain(complaint);
     if (!m_hotkeys.hasHold() && !m_hotkeys.hasToggle()) {
-        complain(tr("No hotkey is set that can be understood: see \"hotkey\" in %1.")
+        complain(tr("There is no hotkey to dictate with: see \"hotkey\" in %1.")
                      .arg(Config::defaultFileURL()));
         return EXIT_FAILURE;
     }

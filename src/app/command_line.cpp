@@ -74,8 +74,10 @@ std::optional<QString> value(const QCommandLineParser& parser, const QString& op
 std::optional<Invocation> CommandLine::parse(QCommandLineParser& parser, const QString& operand,
                                              const QStringList& arguments) {
     parser.addOption({{QStringLiteral("h"), helpOption}, tr("Shows this help.")});
-    if (!parser.parse(arguments)) return UsageError{parser.errorText()};
     const QString& command = arguments.at(1);
+    if (!parser.parse(arguments)) {
+        return UsageError{tr("%1 See quietlark %2 --help.").arg(parser.errorText(), command)};
+    }
     if (parser.isSet(helpOption)) return ShowText{helpText(parser, command, operand)};
     // The first is the command's own name.
     const qsizetype count = parser.positionalArguments().size() - 1;

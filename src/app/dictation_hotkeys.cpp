@@ -1,40 +1,63 @@
 #include "app/dictation_hotkeys.h"
 
+#include <QPointer>
+
 namespace quietlark {
+
+namespace {
+
+void toggle(Dictation& dictation) {
+    switch (dictation.state().kind) {
+        case DictationState::Case::idle:
+        case DictationState::Case::error:
+        case DictationState::Case::unreachable:
+            return dictation.beginRecord();
+        case DictationState::Case::recording:
+            return dictation.endRecord();
+        case DictationState::Case::transcribing:
+            return;
+    }
+}
+
+/// Takes over the hotkey that was made, or notes why there is none.
+template <typename Hotkey>
+void adopt(tl::expected<std::unique_ptr<Hotkey>, HotkeyParse::ParseError> made,
+           std::unique_ptr<Hotkey>& hotkey, QStringList& complaints) {
+    if (!made) {
+        complaints << made.error().localizedDescription();
+        return;
+    }
+    hotkey = *std::move(made);
+    hotkey->start();
+}
+
+}  // namespace
 
 DictationHotkeys::DictationHotkeys(Dictation& dictation, KeyEventSource& keyboard,
                                    Scheduler& scheduler)
     : m_dictation(dictation), m_keyboard(keyboard), m_scheduler(scheduler) {}
 
-void DictationHotkeys::reload(const Config& config) {
+QStringList DictationHotkeys::reload(const Config& config) {
     m_hold.reset();
     m_toggle.reset();
+    // What a hotkey has put into the main queue may be run when this is gone.
+    const auto tell = [dictation = QPointer(&m_dictation)](auto action) {
+        return [dictation, action] {
+            if (dictation) action(*dictation);
+        };
+    };
+    QStringList complaints;
     if (!config.hotkey.isEmpty()) {
-        auto hold = HoldHotkey::create(
-            config.hotkey, m_keyboard, m_scheduler, [this] { m_dictation.beginRecord(); },
-            [this] { m_dictation.endRecord(); });
-        if (hold) m_hold = *std::move(hold);
+        adopt(HoldHotkey::create(config.hotkey, m_keyboard, m_scheduler,
+                                 tell([](Dictation& dictation) { dictation.beginRecord(); }),
+                                 tell([](Dictation& dictation) { dictation.endRecord(); })),
+              m_hold, complaints);
     }
     if (!config.toggleHotkey.isEmpty()) {
-        auto toggled = ToggleHotkey::create(config.toggleHotkey, m_keyboard, m_scheduler,
-                                            [this] { toggle(); });
-        if (toggled) m_toggle = *std::move(toggled);
+        adopt(ToggleHotkey::create(config.toggleHotkey, m_keyboard, m_scheduler, tell(toggle)),
+              m_toggle, complaints);
     }
-    if (m_hold) m_hold->start();
-    if (m_toggle) m_toggle->start();
-}
-
-void DictationHotkeys::toggle() {
-    switch (m_dictation.state().kind) {
-        case DictationState::Case::idle:
-        case DictationState::Case::error:
-        case DictationState::Case::unreachable:
-            return m_dictation.beginRecord();
-        case DictationState::Case::recording:
-            return m_dictation.endRecord();
-        case DictationState::Case::transcribing:
-            return;
-    }
+    return complaints;
 }
 
 }  // namespace quietlark

@@ -2,6 +2,8 @@
 
 #include <memory>
 
+#include <QStringList>
+
 #include "config/config.h"
 #include "dictation/dictation.h"
 #include "hotkeys/hold_hotkey.h"
@@ -15,15 +17,15 @@ public:
     DictationHotkeys(Dictation& dictation, KeyEventSource& keyboard, Scheduler& scheduler);
 
     /// Replaces both hotkeys by what the settings say. An empty spec means no hotkey, and so does
-    /// one that does not parse. A recording that a held hotkey had started ends.
-    void reload(const Config& config);
+    /// one that does not parse; why it does not is answered, a sentence each. A recording that a
+    /// held hotkey had started ends.
+    QStringList reload(const Config& config);
 
     [[nodiscard]] bool hasHold() const { return m_hold != nullptr; }
-    [[nodiscard]] bool hasToggle() const { return m_toggle != nullptr; }
+    /// A toggle hotkey of modifiers only does nothing, and does not count.
+    [[nodiscard]] bool hasToggle() const { return m_toggle && m_toggle->canFire(); }
 
 private:
-    void toggle();
-
     Dictation& m_dictation;
     KeyEventSource& m_keyboard;
     Scheduler& m_scheduler;

@@ -12,8 +12,6 @@ namespace quietlark {
 
 namespace {
 
-constexpr std::chrono::seconds probeTimeout{3};
-
 struct Sentences {
     Q_DECLARE_TR_FUNCTIONS(ProbeCommand)
 
@@ -32,7 +30,7 @@ ProbeCommand::ProbeCommand(ServerResolver& resolver, Console& console)
 void ProbeCommand::run(const ProbeArguments& arguments, DoneHandler onDone) {
     m_onDone = std::move(onDone);
     m_question = m_resolver.resolveServer(
-        arguments.server, probeTimeout,
+        arguments.server, ServerResolver::usualTimeout,
         [this, address = arguments.server](const std::optional<ResolvedServer>& server) {
             onResolved(address, server);
         });

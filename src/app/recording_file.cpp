@@ -11,8 +11,11 @@ namespace quietlark {
 
 namespace {
 
-// Over an hour at 48 kHz in stereo.
+// An hour at 48 kHz in stereo is 690 MB.
 constexpr qint64 maxFileBytes = qint64{1024} * 1024 * 1024;
+constexpr qint64 pieceBytes = qint64{1024} * 1024;
+// Low rates hold many hours in a file of that size, and grow when they are converted.
+constexpr std::size_t maxSeconds = 4 * 3600;
 constexpr std::uint32_t uploadRateHz = 16000;
 
 struct Sentences {
@@ -34,11 +37,17 @@ tl::expected<QByteArray, QString> readAll(const QString& path) {
     const bool isOpen = path == QLatin1String("-") ? file.open(stdin, QIODevice::ReadOnly)
                                                    : file.open(QIODevice::ReadOnly);
     if (!isOpen) return tl::unexpected(Sentences::unreadable(path, file.errorString()));
-    QByteArray bytes = file.read(maxFileBytes + 1);
+    QByteArray bytes;
+    // In pieces: a pipe does not tell its length, and memory is set aside for all that is asked
+    // for.
+    for (QByteArray piece = file.read(pieceBytes); !piece.isEmpty();
+         piece = file.read(pieceBytes)) {
+        bytes += piece;
+        if (bytes.size() > maxFileBytes) return tl::unexpected(Sentences::tooLong(path));
+    }
     if (file.error() != QFileDevice::NoError) {
         return tl::unexpected(Sentences::unreadable(path, file.errorString()));
     }
-    if (bytes.size() > maxFileBytes) return tl::unexpected(Sentences::tooLong(path));
     return bytes;
 }
 
@@ -52,6 +61,9 @@ tl::expected<WavBytes, QString> readRecording(const QString& path) {
         static_cast<std::size_t>(bytes->size()));
     const auto sound = WavFile::parse(view);
     if (!sound) return tl::unexpected(Sentences::unusable(path, sound.error().description));
+    if (sound->frames() / sound->sampleRateHz() > maxSeconds) {
+        return tl::unexpected(Sentences::tooLong(path));
+    }
     const std::vector<std::int16_t> samples = sound->convertedTo(uploadRateHz);
     if (samples.empty()) return tl::unexpected(Sentences::silent(path));
     return WAV::encode(samples, uploadRateHz, 1);

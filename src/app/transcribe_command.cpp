@@ -14,8 +14,6 @@ namespace quietlark {
 
 namespace {
 
-constexpr std::chrono::seconds probeTimeout{3};
-
 struct Sentences {
     Q_DECLARE_TR_FUNCTIONS(TranscribeCommand)
 
@@ -50,7 +48,7 @@ void TranscribeCommand::run(const TranscribeArguments& arguments, DoneHandler on
         arguments.server ? arguments.server : m_endpoint.baseURL(m_config.serverMode);
     if (!address) return fail(Sentences::noServer());
     m_question = m_resolver.resolveServer(
-        *address, probeTimeout,
+        *address, ServerResolver::usualTimeout,
         [this, address = *address](const std::optional<ResolvedServer>& server) {
             onResolved(address, server);
         });

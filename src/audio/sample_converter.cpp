@@ -90,6 +90,8 @@ std::uint32_t SampleConverter::outputCapacity(double inputRateHz, double outputR
 
 std::span<const std::int16_t> SampleConverter::convert(std::span<const float> interleaved) {
     const std::size_t frames = interleaved.size() / m_inputChannels;
+    // To the resampler, nothing would mean the end of the stream.
+    if (frames == 0) return {};
     m_mono.resize(frames);
     for (std::size_t i = 0; i < frames; ++i)
         m_mono[i] = average(interleaved.subspan(i * m_inputChannels, m_inputChannels));

@@ -51,7 +51,8 @@ void Dictation::transcribeAndPaste() {
     if (m_cached) return send();
 
     m_request = m_transcription.resolver.resolveServer(
-        *baseURL, resolveTimeout, [this, baseURL = *baseURL](std::optional<ResolvedServer> server) {
+        *baseURL, ServerResolver::usualTimeout,
+        [this, baseURL = *baseURL](std::optional<ResolvedServer> server) {
             onResolved(baseURL, std::move(server));
         });
 }
@@ -69,6 +70,7 @@ void Dictation::send() {
     m_request = m_transcription.client.transcribe(
         *m_cached, *m_wav, m_settings().language,
         [this](const tl::expected<QString, TranscriberError>& text) { onTranscribed(text); });
+    m_wav.reset();
 }
 
 void Dictation::onTranscribed(const tl::expected<QString, TranscriberError>& text) {
@@ -98,6 +100,7 @@ void Dictation::fail(const QString& message) {
 }
 
 void Dictation::failUnreachable(const QString& message) {
+    m_wav.reset();
     setState(DictationState::unreachable(message));
     flashToIdle(Case::unreachable, unreachableFlash);
 }

@@ -27,8 +27,6 @@ class Dictation final : public QObject {
 public:
     /// Rate of the recordings that are sent, in Hz.
     static constexpr double sampleRateHz = 16000;
-    /// Longest wait for the answer to one probe of the server.
-    static constexpr std::chrono::milliseconds resolveTimeout{3000};
     static constexpr std::chrono::milliseconds errorFlash{2000};
     static constexpr std::chrono::milliseconds unreachableFlash{5000};
 
@@ -73,7 +71,7 @@ private:
     std::optional<ResolvedServer> m_cached;
     std::optional<QString> m_cachedFor;  ///< base address that m_cached was obtained for
     DictationState m_state;
-    std::optional<WavBytes> m_wav;  ///< the recording being transcribed
+    std::optional<WavBytes> m_wav;  ///< the recording, until it is on its way
     Cancellable m_request;          ///< the question to the server under way
 };
 

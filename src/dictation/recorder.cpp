@@ -4,10 +4,16 @@
 #include <limits>
 #include <utility>
 
+#include <QCoreApplication>
+
 namespace quietlark {
 namespace {
 
 constexpr std::uint32_t tapBufferFrames = 4096;
+
+struct Sentences {
+    Q_DECLARE_TR_FUNCTIONS(Recorder)
+};
 
 tl::unexpected<RecorderError> failure(RecorderError::Code code, const QString& description) {
     return tl::unexpected(RecorderError{QStringLiteral("Recorder"), code, description});
@@ -44,17 +50,18 @@ tl::expected<void, RecorderError> Recorder::start() {
     }
     const AudioFormat inputFormat = m_input.inputFormat();
     if (!isUsable(inputFormat))
-        return failure(RecorderError::NoInputFormat,
-                       QStringLiteral("No input audio format available — microphone permission may "
-                                      "be denied."));
+        return failure(
+            RecorderError::NoInputFormat,
+            Sentences::tr(
+                "No input audio format available — microphone permission may be denied."));
     if (!isTargetRate(m_targetSampleRate))
         return failure(RecorderError::NoTargetFormat,
-                       QStringLiteral("Could not build target PCM16 format."));
+                       Sentences::tr("Could not build target PCM16 format."));
     auto converter =
         SampleConverter::create(inputFormat.sampleRateHz, inputFormat.channels, m_targetSampleRate);
     if (!converter)
         return failure(RecorderError::NoConverter,
-                       QStringLiteral("Could not build AVAudioConverter from %1 to %2")
+                       Sentences::tr("Could not build AVAudioConverter from %1 to %2")
                            .arg(inputFormat.description(),
                                 targetDescription(m_targetSampleRate, m_targetChannels)));
 

@@ -26,6 +26,7 @@ HoldHotkey::HoldHotkey(Hotkey hotkey, KeyEventSource& source, Scheduler& schedul
 
 void HoldHotkey::start() {
     stop();
+    m_pressReport = std::make_shared<const Callback>(m_onPress);
     const auto keyHandler = [this](const KeyEvent& event) { onKey(event); };
     m_monitors.addMonitors(key_event_mask::keyDown, keyHandler);
     m_monitors.addMonitors(key_event_mask::keyUp, keyHandler);
@@ -35,7 +36,7 @@ void HoldHotkey::start() {
 
 void HoldHotkey::stop() {
     m_monitors.removeAll();
-    m_pendingPress.reset();
+    m_pressReport.reset();
     if (std::exchange(m_active, false)) m_onRelease();
     reset();
 }
@@ -56,9 +57,8 @@ void HoldHotkey::check() {
     const bool held = m_keyDown && m_modsOK;
     if (held == std::exchange(m_active, held)) return;
     if (held) {
-        m_pendingPress = std::make_shared<Callback>(m_onPress);
-        m_scheduler.post([pending = std::weak_ptr<Callback>(m_pendingPress)] {
-            if (const auto onPress = pending.lock()) (*onPress)();
+        m_scheduler.post([report = std::weak_ptr(m_pressReport)] {
+            if (const auto onPress = report.lock()) (*onPress)();
         });
     } else {
         // A release always arrives: a recording that nothing ends would be the worse outcome.

@@ -50,8 +50,8 @@ private:
     bool m_modsOK = false;
     bool m_keyDown = false;
     HotkeyMonitors m_monitors;
-    /// Lives from a press to stop(): a press still in the main queue by then is not reported.
-    std::shared_ptr<Callback> m_pendingPress;
+    /// Lives from start() to stop(): a press still in the main queue by then is not reported.
+    std::shared_ptr<const Callback> m_pressReport;
 };
 
 }  // namespace quietlark

@@ -31,21 +31,22 @@ QHash<QString, Code> table(Tokens<Code> tokens) {
     return result;
 }
 
+struct Sentences {
+    Q_DECLARE_TR_FUNCTIONS(HotkeyParse)
+};
+
 }  // namespace
 
 QString ParseError::localizedDescription() const {
-    const auto translated = [](const char* source) {
-        return QCoreApplication::translate("HotkeyParse", source);
-    };
     switch (kind) {
         case Kind::multipleNonModifierKeys:
-            return translated("multiple non-modifier keys in hotkey: ") + text;
+            return Sentences::tr("multiple non-modifier keys in hotkey: ") + text;
         case Kind::unknownToken:
-            return translated("unknown key in hotkey: ") + text;
+            return Sentences::tr("unknown key in hotkey: ") + text;
         case Kind::empty:
             break;
     }
-    return translated("empty hotkey: ") + text;
+    return Sentences::tr("empty hotkey: ") + text;
 }
 
 tl::expected<Hotkey, ParseError> parse(const QString& spec) {

@@ -25,6 +25,9 @@ public:
 
     ToggleHotkey(Hotkey hotkey, KeyEventSource& source, Scheduler& scheduler, Callback onToggle);
 
+    /// Whether it has a key: a hotkey of modifiers only never toggles.
+    [[nodiscard]] bool canFire() const { return m_keyCode.has_value(); }
+
     /// Watches the keyboard afresh. The callback runs from the main queue.
     void start();
 

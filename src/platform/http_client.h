@@ -50,7 +50,8 @@ public:
     virtual ~HttpClient() = default;
 
     /// Sends the request and calls `onAnswer` at most once, on the main thread, never before the
-    /// call returns. A redirect is followed only within the same origin for Post. Main thread.
+    /// call returns; it must not destroy this client. A redirect is followed only within the same
+    /// origin for Post. Main thread.
     [[nodiscard]] virtual Cancellable send(HttpRequest request, AnswerHandler onAnswer) = 0;
 };
 

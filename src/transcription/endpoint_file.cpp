@@ -1,5 +1,6 @@
 #include "transcription/endpoint_file.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <utility>

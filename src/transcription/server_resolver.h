@@ -18,6 +18,9 @@ class ServerResolver {
 public:
     using ResolvedHandler = std::function<void(std::optional<ResolvedServer>)>;
 
+    /// Longest wait for the answer to one question that a user should have to sit through.
+    static constexpr std::chrono::milliseconds usualTimeout{3000};
+
     explicit ServerResolver(HttpClient& http);
 
     /// Probes `address`, a base address or a full upload address, with one request after another,

@@ -85,10 +85,17 @@ TEST_F(DictationHotkeysTest, ReloadingEndsTheRecordingOfAHeldHotkey) {
     EXPECT_EQ(dictation.state().kind, Case::transcribing);
 }
 
+TEST_F(DictationHotkeysTest, AToggleOfModifiersOnlyDoesNotCount) {
+    config.toggleHotkey = QStringLiteral("fn");
+    EXPECT_TRUE(hotkeys.reload(config).isEmpty());
+    EXPECT_FALSE(hotkeys.hasToggle());
+}
+
 TEST_F(DictationHotkeysTest, AnEmptyOrBadSpecMeansNoHotkey) {
     config.hotkey = QStringLiteral("ctrl+nonsense");
     config.toggleHotkey.clear();
-    hotkeys.reload(config);
+    EXPECT_EQ(hotkeys.reload(config),
+              QStringList{QStringLiteral("unknown key in hotkey: nonsense")});
     EXPECT_FALSE(hotkeys.hasHold());
     EXPECT_FALSE(hotkeys.hasToggle());
     EXPECT_EQ(keyboard.monitorCount(), 0u);

@@ -67,6 +67,17 @@ TEST_F(RecordingFileTest, RecordingCutAnywhereIsASentence) {
     }
 }
 
+TEST_F(RecordingFileTest, RecordingOfManyHoursIsASentence) {
+    const std::vector<std::int16_t> aSecond(8000);
+    WavBytes head = WAV::encode(aSecond, 8000, 1);
+    head.resize(44);
+    // "To the end", of a file that takes up no room on the disk.
+    std::fill(head.begin() + 40, head.end(), std::uint8_t{0xff});
+    readingOf(QByteArray(reinterpret_cast<const char*>(head.data()), 44));
+    ASSERT_TRUE(QFile::resize(m_path, qint64{8000} * 2 * 3600 * 5));
+    expectSentence(readRecording(m_path));
+}
+
 TEST_F(RecordingFileTest, RecordingWithoutSoundIsASentence) {
     const WavBytes silent = WAV::encode({}, 16000, 1);
     expectSentence(readingOf(QByteArray(reinterpret_cast<const char*>(silent.data()),

@@ -140,5 +140,11 @@ TEST(SampleConverter, AnEmptyBufferYieldsNothing) {
     EXPECT_TRUE(converter.convert({}).empty());
 }
 
+TEST(SampleConverter, AnEmptyBufferDoesNotEndTheStream) {
+    auto converter = SampleConverter::create(48000, 1, 16000).value();
+    (void)converter.convert({});
+    EXPECT_FALSE(converter.convert(std::vector<float>(4096, 0.5F)).empty());
+}
+
 }  // namespace
 }  // namespace quietlark

@@ -181,6 +181,62 @@ TEST_F(DictationTest, AnErrorsTimerLeavesAnUnreachableStateAlone) {
     EXPECT_EQ(dictation.state().kind, Case::unreachable);
 }
 
+TEST_F(DictationTest, TheFirstOfTwoUnreachableStatesMayClearTheSecond) {
+    config.serverMode = Unconfigured{};
+    dictate();
+    scheduler.advance(3s);
+    dictate();
+    scheduler.advance(2s);
+    EXPECT_EQ(dictation.state().kind, Case::idle);
+}
+
+TEST_F(DictationTest, AnUnreachableStatesTimerLeavesAnErrorAlone) {
+    config.serverMode = Unconfigured{};
+    dictate();
+    scheduler.advance(4s);
+    dictation.beginRecord();
+    stopSpeaking();
+    scheduler.advance(1s);
+    EXPECT_EQ(dictation.state().kind, Case::error);
+}
+
+TEST_F(DictationTest, InvalidatingTheCacheEndsAnErrorAtOnce) {
+    dictation.beginRecord();
+    stopSpeaking();
+    ASSERT_EQ(dictation.state().kind, Case::error);
+    dictation.invalidateCache();
+    EXPECT_EQ(dictation.state().kind, Case::idle);
+}
+
+TEST_F(DictationTest, GoingAwayInTheMiddleIsSafe) {
+    auto other = std::make_unique<Dictation>([this] { return config; }, recorder, transcription,
+                                             paster, scheduler);
+    other->beginRecord();
+    microphone.hearTone(4096);
+    other->endRecord();
+    scheduler.runPosted();
+    other.reset();
+    network.runAnswers();
+    scheduler.advance(1min);
+    EXPECT_TRUE(keys.posted().empty());
+}
+
+TEST_F(DictationTest, TheSameErrorAgainNotifiesNobody) {
+    microphone.format = {};
+    dictation.beginRecord();
+    EXPECT_EQ(takeChanges(), std::vector{Case::error});
+    dictation.beginRecord();
+    EXPECT_TRUE(takeChanges().empty());
+}
+
+TEST_F(DictationTest, ABrokenConnectionIsAnErrorWithItsOwnSentence) {
+    dictate();
+    speak();
+    stopSpeaking();
+    network.fail({QStringLiteral("Wire"), 7, QStringLiteral("The wire broke."), {}});
+    EXPECT_EQ(dictation.state(), DictationState::error(QStringLiteral("The wire broke.")));
+}
+
 TEST_F(DictationTest, AnEmptyTextPastesNothingAndIsNoError) {
     serverAnswers(R"({"text": " [BLANK_AUDIO] "})");
     pasteboard.userCopies(QStringLiteral("mine"));

@@ -142,6 +142,15 @@ TEST_F(HoldHotkeyTest, APressStillQueuedWhenItStopsIsNotReportedAfterTheRelease)
     EXPECT_EQ(reported(), "release");
 }
 
+TEST_F(HoldHotkeyTest, NothingIsLostWhileTheMainQueueIsBusy) {
+    watch("fn");
+    keyboard.press(key_code::function);
+    keyboard.release(key_code::function);
+    keyboard.press(key_code::function);
+    scheduler.runPosted();
+    EXPECT_EQ(reported(), "press release press");
+}
+
 TEST_F(HoldHotkeyTest, AReleaseStillQueuedWhenItIsDroppedArrives) {
     watch("fn");
     press(key_code::function);

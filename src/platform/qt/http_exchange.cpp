@@ -131,7 +131,7 @@ void HttpExchange::finish(HttpClient::Answer answer) {
     const auto onAnswer = std::exchange(m_onAnswer, nullptr);
     dropReply();
     deleteLater();
-    // Last, as the handler may do anything.
+    // Last, as the handler may withdraw or ask again.
     onAnswer(std::move(answer));
 }
 
