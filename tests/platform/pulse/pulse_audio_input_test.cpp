@@ -42,6 +42,17 @@ public:
         return server.pactl(QString::fromLatin1(arguments).split(QLatin1Char(' ')));
     }
 
+    /// The server's numbers of the connections that this process has.
+    QByteArray client() {
+        QByteArray numbers;
+        for (const QByteArray& line : pactl("list short clients").split('\n')) {
+            // Number, protocol and program; pactl itself is a client as well.
+            if (!line.isEmpty() && !line.contains("pactl"))
+                numbers += line.split('\t').first() + ' ';
+        }
+        return numbers;
+    }
+
     PulseServer server;
     Ear ear;
     PulseAudioInput input;
@@ -114,6 +125,20 @@ TEST(PulseAudioInput, NoStreamIsOpenButWhileRecording) {
     desk.input.removeTap();
     desk.input.stop();
     EXPECT_TRUE(waitUntil([&] { return desk.server.recordStreams() == 0; }));
+}
+
+TEST(PulseAudioInput, TheConnectionIsTheSameForEveryRecording) {
+    Desk desk(pipeMicrophone());
+    ASSERT_TRUE(desk.formatBecomes(mono48k));
+    desk.listen();
+    const QByteArray first = desk.client();
+    EXPECT_FALSE(first.isEmpty());
+    desk.input.removeTap();
+    desk.input.stop();
+    ASSERT_TRUE(waitUntil([&] { return desk.server.recordStreams() == 0; }));
+    EXPECT_EQ(desk.client(), first);
+    desk.listen();
+    EXPECT_EQ(desk.client(), first);
 }
 
 TEST(PulseAudioInput, AStreamThatWasStoppedBeforeItOpenedDoesNotStayOpen) {
