@@ -1,0 +1,30 @@
+#include <gtest/gtest.h>
+
+#include "app/program_fixture.h"
+#include "peers/x_server.h"
+
+namespace quietlark {
+namespace {
+
+class DisplayLostProgramTest : public ProgramFixture {};
+
+TEST_F(DisplayLostProgramTest, ItSaysSoAndFails) {
+    XServer server;
+    auto environment = server.environment();
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), path("config"));
+    environment.insert(QStringLiteral("PULSE_SERVER"), QStringLiteral("unix:") + path("none"));
+    ChildProcess program(QStringLiteral("sh"),
+                         {QStringLiteral("-c"), QStringLiteral("exec \"$0\" 2>&1"),
+                          QStringLiteral(QUIETLARK_PROGRAM)},
+                         environment);
+    ASSERT_TRUE(program.readLine().startsWith("ready: "));
+
+    server.end();
+    EXPECT_EQ(program.readAll(),
+              "quietlark: The connection to the X server was lost, so no hotkey can work any "
+              "more.\n");
+    EXPECT_EQ(program.exitCode(), 1);
+}
+
+}  // namespace
+}  // namespace quietlark
