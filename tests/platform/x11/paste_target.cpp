@@ -88,6 +88,8 @@ public:
         const auto arrived = [&] { return contentsOf(file()).trimmed().endsWith(end); };
         for (int i = 0; i < attempts && !saved(arrived); ++i) {
         }
+        // The next change shows only once this one does not any more.
+        static_cast<void>(waitUntil([this] { return !showsChanges(); }));
         return contentsOf(file());
     }
 
