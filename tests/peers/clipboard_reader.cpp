@@ -157,10 +157,7 @@ void ClipboardReader::withoutProperty(const std::string& target) {
 }
 
 void ClipboardReader::owner() {
-    auto* reply = xcb_get_selection_owner_reply(
-        m_peer.get(), xcb_get_selection_owner(m_peer.get(), m_peer.atom("CLIPBOARD")), nullptr);
-    print(reply != nullptr && reply->owner != XCB_WINDOW_NONE ? "owned" : "free");
-    std::free(reply);
+    print(m_peer.owner("CLIPBOARD") == XCB_WINDOW_NONE ? "free" : "owned");
 }
 
 }  // namespace

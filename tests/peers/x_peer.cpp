@@ -22,8 +22,8 @@ using Reply = std::unique_ptr<T, Free>;
 
 }  // namespace
 
-XPeer::XPeer() {
-    m_connection = xcb_connect(nullptr, nullptr);
+XPeer::XPeer(const char* display) {
+    m_connection = xcb_connect(display, nullptr);
     if (xcb_connection_has_error(m_connection) != 0) {
         std::fputs("no X server\n", stderr);
         std::exit(1);
@@ -181,6 +181,12 @@ xcb_window_t XPeer::own(const std::string& selection) {
     // A round trip: whoever reads the line that follows finds the selection owned.
     (void)name(atom(selection));
     return window;
+}
+
+xcb_window_t XPeer::owner(const std::string& selection) const {
+    const Reply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+        m_connection, xcb_get_selection_owner(m_connection, atom(selection)), nullptr));
+    return reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
 }
 
 QByteArray itemsOf32(const std::vector<std::uint32_t>& items) {

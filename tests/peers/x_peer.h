@@ -15,7 +15,8 @@ namespace quietlark {
 /// in plain blocking steps. It shares no code with what it tests.
 class XPeer {
 public:
-    XPeer();
+    /// `display` such as ":0"; null for the one that the environment names.
+    explicit XPeer(const char* display = nullptr);
     ~XPeer();
     XPeer(const XPeer&) = delete;
     XPeer& operator=(const XPeer&) = delete;
@@ -59,6 +60,9 @@ public:
 
     /// Takes a selection; the window that has it now.
     xcb_window_t own(const std::string& selection);
+
+    /// The window that has a selection, or None.
+    [[nodiscard]] xcb_window_t owner(const std::string& selection) const;
 
 private:
     xcb_connection_t* m_connection;

@@ -80,6 +80,29 @@ TEST_F(X11PasteboardRestoreTest, ANewerCopyStays) {
     EXPECT_EQ(other().text(), "newer");
 }
 
+TEST_F(X11PasteboardRestoreTest, ACopyAtTheMomentOfTheRestoreStays) {
+    // The user's program below answers nobody.
+    auto limits = patient();
+    limits.snapshot = 0ms;
+    open(limits);
+    XPeer user(server.display().constData());
+    const xcb_window_t window = user.createWindow(XCB_EVENT_MASK_NO_EVENT);
+    for (int turn = 0; turn < 50; ++turn) {
+        (void)dictate(QStringLiteral("dictated"));
+        const xcb_timestamp_t before = user.time();
+        xcb_timestamp_t now = before;
+        while (now == before)
+            now = user.time();
+        xcb_set_selection_owner(user.get(), window, user.atom("CLIPBOARD"), now);
+        xcb_flush(user.get());
+        pasteboard().restore(copied);
+        settle();
+        ASSERT_EQ(user.owner("CLIPBOARD"), window) << "turn " << turn;
+        xcb_set_selection_owner(user.get(), XCB_WINDOW_NONE, user.atom("CLIPBOARD"), now);
+        xcb_flush(user.get());
+    }
+}
+
 TEST_F(X11PasteboardRestoreTest, ANewerCopyStaysInPlaceOfAnEmptyPasteboard) {
     const auto before = dictate(QStringLiteral("dictated"));
     const ClipboardOwner newer(server, {QStringLiteral("UTF8_STRING=text:newer")});
