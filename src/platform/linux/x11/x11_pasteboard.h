@@ -21,8 +21,8 @@ namespace quietlark {
 /// runs.
 class X11Pasteboard final : public Pasteboard {
 public:
-    /// `display` such as ":0"; empty for the one that the environment names. The scheduler must
-    /// outlive this.
+    /// Waits until it is connected. `display` such as ":0"; empty for the one that the environment
+    /// names. The scheduler must outlive this.
     explicit X11Pasteboard(Scheduler& scheduler, const QByteArray& display = {},
                            X11PasteboardLimits limits = {});
     ~X11Pasteboard() override;

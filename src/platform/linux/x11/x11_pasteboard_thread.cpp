@@ -27,10 +27,11 @@ int millisecondsUntil(std::optional<X11PasteboardSession::Clock::time_point> tim
 
 }  // namespace
 
-X11PasteboardThread::X11PasteboardThread(QByteArray display, X11PasteboardLimits limits)
+X11PasteboardThread::X11PasteboardThread(const QByteArray& display, X11PasteboardLimits limits)
     : m_limits(limits),
+      m_session(display, limits),
       m_wakeFileDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
-      m_thread([this, display = std::move(display)] { run(display); }) {}
+      m_thread([this] { run(); }) {}
 
 X11PasteboardThread::~X11PasteboardThread() {
     {
@@ -40,7 +41,7 @@ X11PasteboardThread::~X11PasteboardThread() {
         const auto patience = m_limits.snapshot + m_limits.handover + serverPatience;
         const bool hasEnded = m_ended.wait_for(lock, patience, [this] { return m_hasEnded; });
         // A server that hangs keeps the thread in a call; without a connection the call returns.
-        if (!hasEnded) shutdown(m_serverFileDescriptor, SHUT_RDWR);
+        if (!hasEnded) shutdown(m_session.fileDescriptor(), SHUT_RDWR);
     }
     m_thread.join();
     close(m_wakeFileDescriptor);
@@ -52,44 +53,38 @@ void X11PasteboardThread::order(Command command) {
     wake();
 }
 
-void X11PasteboardThread::run(const QByteArray& display) {
+void X11PasteboardThread::run() {
     // Signals are the main thread's, and SIGPIPE, when the X server has gone, is nobody's.
     sigset_t all;
     sigfillset(&all);
     pthread_sigmask(SIG_BLOCK, &all, nullptr);
+    serve();
     {
-        X11PasteboardSession session(display, m_limits);
-        {
-            const std::lock_guard lock(m_mutex);
-            m_serverFileDescriptor = session.fileDescriptor();
-        }
-        serve(session);
         const std::lock_guard lock(m_mutex);
-        m_serverFileDescriptor = -1;
         m_hasEnded = true;
     }
     m_ended.notify_one();
 }
 
-void X11PasteboardThread::serve(X11PasteboardSession& session) {
+void X11PasteboardThread::serve() {
     for (;;) {
-        const auto next = session.processTime(X11PasteboardSession::Clock::now());
-        if (session.hasQuit()) break;
-        const bool hasBegun = carryOutNext(session);
+        const auto next = m_session.processTime(X11PasteboardSession::Clock::now());
+        if (m_session.hasQuit()) break;
+        const bool hasBegun = carryOutNext();
         // Events last: whatever was sent may have brought some in, and then none would wake us.
-        const bool hasReceived = session.processEvents();
-        if (!hasBegun && !hasReceived) wait(session, next);
+        const bool hasReceived = m_session.processEvents();
+        if (!hasBegun && !hasReceived) wait(next);
     }
-    session.synchronize();
+    m_session.synchronize();
 }
 
-bool X11PasteboardThread::carryOutNext(X11PasteboardSession& session) {
-    if (session.isQuitting()) return false;
+bool X11PasteboardThread::carryOutNext() {
+    if (m_session.isQuitting()) return false;
     // Not under the lock: what the session does may wait for the X server.
-    if (isQuitting()) session.stopReading();
-    if (session.isBusy()) return false;
+    if (isQuitting()) m_session.stopReading();
+    if (m_session.isBusy()) return false;
     const auto order = nextOrder();
-    if (order) order(session);
+    if (order) order(m_session);
     return order != nullptr;
 }
 
@@ -109,11 +104,10 @@ X11PasteboardThread::Command X11PasteboardThread::nextOrder() {
     return [](X11PasteboardSession& session) { session.quit(); };
 }
 
-void X11PasteboardThread::wait(const X11PasteboardSession& session,
-                               std::optional<X11PasteboardSession::Clock::time_point> until) {
+void X11PasteboardThread::wait(std::optional<X11PasteboardSession::Clock::time_point> until) {
     std::array<pollfd, 2> sources{
         {{m_wakeFileDescriptor, POLLIN, 0},
-         {session.isConnected() ? session.fileDescriptor() : -1, POLLIN, 0}}};
+         {m_session.isConnected() ? m_session.fileDescriptor() : -1, POLLIN, 0}}};
     poll(sources.data(), sources.size(), millisecondsUntil(until));
     std::uint64_t wakes = 0;
     if (sources[0].revents != 0) (void)!read(m_wakeFileDescriptor, &wakes, sizeof wakes);

@@ -20,7 +20,9 @@ class X11PasteboardThread {
 public:
     using Command = std::function<void(X11PasteboardSession&)>;
 
-    X11PasteboardThread(QByteArray display, X11PasteboardLimits limits);
+    /// Connects on the calling thread, the main one: no two threads may call xcb_connect() at once,
+    /// because libXau keeps the name of the authority file in a static buffer.
+    X11PasteboardThread(const QByteArray& display, X11PasteboardLimits limits);
 
     /// Carries out what was ordered, hands over to a clipboard manager, and ends the thread. Waits
     /// for that, but not for other programs beyond the limits, and not for an X server that hangs.
@@ -32,24 +34,23 @@ public:
     void order(Command command);
 
 private:
-    void run(const QByteArray& display);
-    void serve(X11PasteboardSession& session);
-    bool carryOutNext(X11PasteboardSession& session);
+    void run();
+    void serve();
+    bool carryOutNext();
     bool isQuitting();
     Command nextOrder();
-    void wait(const X11PasteboardSession& session,
-              std::optional<X11PasteboardSession::Clock::time_point> until);
+    void wait(std::optional<X11PasteboardSession::Clock::time_point> until);
     void wake();
 
     X11PasteboardLimits m_limits;
+    X11PasteboardSession m_session;  ///< m_thread's, once that runs
     int m_wakeFileDescriptor;
 
     std::mutex m_mutex;
     std::condition_variable m_ended;
-    std::deque<Command> m_orders;     ///< guarded by m_mutex
-    bool m_isQuitting = false;        ///< guarded by m_mutex
-    bool m_hasEnded = false;          ///< guarded by m_mutex
-    int m_serverFileDescriptor = -1;  ///< guarded by m_mutex; while the connection exists
+    std::deque<Command> m_orders;  ///< guarded by m_mutex
+    bool m_isQuitting = false;     ///< guarded by m_mutex
+    bool m_hasEnded = false;       ///< guarded by m_mutex
 
     std::thread m_thread;
 };
