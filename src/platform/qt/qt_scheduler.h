@@ -22,7 +22,9 @@ private:
     class Waker final : public QObject {
     public:
         explicit Waker(QtScheduler& scheduler) : m_scheduler(scheduler) {}
-        bool event(QEvent* event) override;
+
+    protected:
+        void customEvent(QEvent* event) override;
 
     private:
         QtScheduler& m_scheduler;

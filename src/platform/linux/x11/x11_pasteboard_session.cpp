@@ -42,9 +42,12 @@ bool X11PasteboardSession::isBusy() const {
 }
 
 void X11PasteboardSession::snapshot(Answer answer) {
+    // The server's reply comes after the news of all that happened before, such as a newer copy.
+    const xcb_window_t owner = m_connection.selectionOwner(m_clipboard);
+    processEvents();
     if (!isConnected()) return answer(std::nullopt);
     if (m_owner.isOwner()) return answer(m_owner.snapshot());
-    if (m_connection.selectionOwner(m_clipboard) == XCB_WINDOW_NONE) {
+    if (owner == XCB_WINDOW_NONE) {
         m_lastRead = PasteboardSnapshot();
         return answer(m_lastRead);
     }
