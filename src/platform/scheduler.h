@@ -3,6 +3,8 @@
 #include <chrono>
 #include <functional>
 
+#include "platform/cancellable.h"
+
 class QObject;
 
 namespace quietlark {
@@ -21,6 +23,12 @@ public:
     /// It does not run if `context` is gone by then. Main thread.
     virtual void after(std::chrono::milliseconds delay, QObject* context,
                        std::function<void()> action) = 0;
+
+    /// Runs `action` on the main thread every `interval` from now on, the first time one interval
+    /// from now, until the handle is destroyed; `action` itself may do that. Time that was missed
+    /// is not made up for. Main thread.
+    [[nodiscard]] virtual Cancellable every(std::chrono::milliseconds interval,
+                                            std::function<void()> action) = 0;
 
     /// Runs `action` on the main thread as soon as its event loop gets to it, in the order of the
     /// calls. Any thread.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <memory>
 #include <utility>
 
 #include <QObject>
@@ -22,6 +23,13 @@ public:
         });
     }
 
+    [[nodiscard]] Cancellable every(std::chrono::milliseconds interval,
+                                    std::function<void()> action) override {
+        auto running = std::make_shared<bool>(true);
+        repeat(interval, std::move(action), running);
+        return Cancellable([running] { *running = false; });
+    }
+
     void post(std::function<void()> action) override { m_due.emplace(m_now, std::move(action)); }
 
     /// Lets `duration` pass, running what falls due at its own time, in order.
@@ -39,6 +47,15 @@ public:
     void runPosted() { advance(std::chrono::milliseconds(0)); }
 
 private:
+    void repeat(std::chrono::milliseconds interval, std::function<void()> action,
+                std::shared_ptr<bool> running) {
+        m_due.emplace(m_now + interval, [this, interval, action, running] {
+            if (!*running) return;
+            action();
+            if (*running) repeat(interval, action, running);
+        });
+    }
+
     Clock::time_point m_now{};
     // Equal times keep the order in which they were added.
     std::multimap<Clock::time_point, std::function<void()>> m_due;

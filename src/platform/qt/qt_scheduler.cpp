@@ -7,6 +7,7 @@
 
 #include <QCoreApplication>
 #include <QEvent>
+#include <QPointer>
 #include <QTimer>
 
 namespace quietlark {
@@ -27,6 +28,19 @@ void QtScheduler::after(std::chrono::milliseconds delay, QObject* context,
     const auto wait = std::clamp(delay, std::chrono::milliseconds::zero(), longestDelay);
     // A coarse timer may fire up to a twentieth too early.
     QTimer::singleShot(wait, Qt::PreciseTimer, context, std::move(action));
+}
+
+Cancellable QtScheduler::every(std::chrono::milliseconds interval, std::function<void()> action) {
+    auto* timer = new QTimer(&m_waker);
+    timer->setTimerType(Qt::PreciseTimer);
+    QObject::connect(timer, &QTimer::timeout, timer, std::move(action));
+    timer->start(std::clamp(interval, std::chrono::milliseconds(1), longestDelay));
+    // Later, since the action that is running may be what cancels.
+    return Cancellable([timer = QPointer(timer)] {
+        if (!timer) return;
+        timer->stop();
+        timer->deleteLater();
+    });
 }
 
 void QtScheduler::post(std::function<void()> action) {

@@ -15,6 +15,8 @@ public:
     [[nodiscard]] Clock::time_point now() const override;
     void after(std::chrono::milliseconds delay, QObject* context,
                std::function<void()> action) override;
+    [[nodiscard]] Cancellable every(std::chrono::milliseconds interval,
+                                    std::function<void()> action) override;
     void post(std::function<void()> action) override;
 
 private:

@@ -104,6 +104,29 @@ TYPED_TEST(SchedulerContract, NegativeDelayIsNone) {
     EXPECT_TRUE(this->runUntilNotes(1));
 }
 
+TYPED_TEST(SchedulerContract, RepeatsUntilItsHandleIsDestroyed) {
+    auto repeating =
+        std::make_unique<Cancellable>(this->scheduler().every(milliseconds(2), this->note(1)));
+    EXPECT_TRUE(this->m_notes.empty());
+    EXPECT_TRUE(this->runUntilNotes(3));
+    repeating.reset();
+    const auto count = this->m_notes.size();
+    this->scheduler().after(milliseconds(10), &this->m_context, this->note(2));
+    EXPECT_TRUE(this->runUntilNotes(count + 1));
+    EXPECT_EQ(this->m_notes.back(), 2);
+}
+
+TYPED_TEST(SchedulerContract, RepeatingActionMayEndItself) {
+    Cancellable repeating;
+    repeating = this->scheduler().every(milliseconds(1), [&] {
+        this->m_notes.push_back(1);
+        repeating.cancel();
+    });
+    this->scheduler().after(milliseconds(10), &this->m_context, this->note(2));
+    EXPECT_TRUE(this->runUntilNotes(2));
+    EXPECT_EQ(this->m_notes, (std::vector{1, 2}));
+}
+
 TYPED_TEST(SchedulerContract, PostedActionsKeepTheirOrder) {
     for (int i = 0; i < 100; ++i)
         this->scheduler().post(this->note(i));

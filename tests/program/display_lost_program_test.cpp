@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "app/program_fixture.h"
 #include "peers/x_server.h"
+#include "program/program_fixture.h"
 
 namespace quietlark {
 namespace {

@@ -5,8 +5,8 @@
 
 #include <QString>
 
-#include "app/command_line.h"
-#include "app/exit_code.h"
+#include "commands/command_line.h"
+#include "commands/exit_code.h"
 #include "audio/wav.h"
 #include "platform/cancellable.h"
 #include "transcription/resolved_server.h"

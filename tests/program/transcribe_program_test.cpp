@@ -1,8 +1,8 @@
 #include <algorithm>
 
-#include "app/program_fixture.h"
-#include "app/recording.h"
+#include "commands/recording.h"
 #include "config/config.h"
+#include "program/program_fixture.h"
 
 namespace quietlark {
 namespace {

@@ -4,7 +4,7 @@
 #include <sys/signalfd.h>
 #include <unistd.h>
 
-#include "app/quit_signals.h"
+#include "program/quit_signals.h"
 
 namespace quietlark {
 

@@ -3,8 +3,8 @@
 #include <functional>
 #include <optional>
 
-#include "app/command_line.h"
-#include "app/exit_code.h"
+#include "commands/command_line.h"
+#include "commands/exit_code.h"
 #include "platform/cancellable.h"
 #include "transcription/resolved_server.h"
 

@@ -1,4 +1,4 @@
-#include "app/console.h"
+#include "commands/console.h"
 
 #include <ostream>
 

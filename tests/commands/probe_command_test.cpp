@@ -1,10 +1,10 @@
-#include "app/probe_command.h"
+#include "commands/probe_command.h"
 
 #include <sstream>
 
 #include <gtest/gtest.h>
 
-#include "app/console.h"
+#include "commands/console.h"
 #include "fakes/fake_http_client.h"
 #include "transcription/server_resolver.h"
 

@@ -1,10 +1,10 @@
-#include "app/probe_command.h"
+#include "commands/probe_command.h"
 
 #include <utility>
 
 #include <QCoreApplication>
 
-#include "app/console.h"
+#include "commands/console.h"
 #include "transcription/server_resolver.h"
 #include "transcription/transcriber.h"
 

@@ -1,10 +1,10 @@
-#include "app/recording_file.h"
+#include "commands/recording_file.h"
 
 #include <QDir>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
-#include "app/recording.h"
+#include "commands/recording.h"
 
 namespace quietlark {
 namespace {

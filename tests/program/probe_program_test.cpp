@@ -1,4 +1,4 @@
-#include "app/program_fixture.h"
+#include "program/program_fixture.h"
 
 namespace quietlark {
 namespace {

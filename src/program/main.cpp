@@ -2,15 +2,15 @@
 
 #include <QCoreApplication>
 
-#include "app/application.h"
-#include "app/command_line.h"
-#include "app/console.h"
-#include "app/probe_command.h"
-#include "app/silent_log.h"
-#include "app/transcribe_command.h"
+#include "commands/command_line.h"
+#include "commands/console.h"
+#include "commands/probe_command.h"
+#include "commands/silent_log.h"
+#include "commands/transcribe_command.h"
 #include "config/config.h"
 #include "platform/qt/qt_http_client.h"
 #include "platform/qt/qt_scheduler.h"
+#include "program/application.h"
 #include "transcription/endpoint_file.h"
 #include "transcription/server_endpoint.h"
 #include "transcription/server_resolver.h"

@@ -1,4 +1,4 @@
-#include "app/recording_file.h"
+#include "commands/recording_file.h"
 
 #include <cstdio>
 

@@ -1,4 +1,4 @@
-#include "app/transcribe_command.h"
+#include "commands/transcribe_command.h"
 
 #include <sstream>
 
@@ -6,9 +6,9 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
-#include "app/console.h"
-#include "app/recording.h"
-#include "app/silent_log.h"
+#include "commands/console.h"
+#include "commands/recording.h"
+#include "commands/silent_log.h"
 #include "config/config.h"
 #include "fakes/fake_http_client.h"
 #include "fakes/fake_scheduler.h"

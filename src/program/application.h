@@ -3,7 +3,7 @@
 #include <QObject>
 
 #include "app/dictation_hotkeys.h"
-#include "app/quit_signals.h"
+#include "program/quit_signals.h"
 #include "config/config.h"
 #include "dictation/dictation.h"
 #include "dictation/paster.h"

@@ -1,11 +1,11 @@
-#include "app/transcribe_command.h"
+#include "commands/transcribe_command.h"
 
 #include <utility>
 
 #include <QCoreApplication>
 
-#include "app/console.h"
-#include "app/recording_file.h"
+#include "commands/console.h"
+#include "commands/recording_file.h"
 #include "config/config.h"
 #include "transcription/server_endpoint.h"
 #include "transcription/server_resolver.h"
