@@ -2,10 +2,13 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <span>
 
 #include <QString>
 #include <tl/expected.hpp>
+
+#include "platform/unavailable.h"
 
 namespace quietlark {
 
@@ -45,6 +48,9 @@ public:
 
     /// The microphone's present format; no channels or no rate means no usable input. Never waits.
     [[nodiscard]] virtual AudioFormat inputFormat() const = 0;
+
+    /// Why nothing can be recorded at this moment, or nothing when something can. Never waits.
+    [[nodiscard]] virtual std::optional<Unavailable> unavailable() const = 0;
 
     /// Has buffers of about `bufferFrames` frames in `format` handed to `tap` while running,
     /// replacing any earlier tap.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include <tl/expected.hpp>
 
 #include "platform/keys.h"
@@ -17,6 +19,9 @@ public:
     /// once the events are on their way; Unavailable when none was posted. Main thread.
     [[nodiscard]] virtual tl::expected<void, Unavailable> post(KeyCode keyCode,
                                                                ModifierFlags flags) = 0;
+
+    /// Why keys cannot be typed here at all, or nothing when they can.
+    [[nodiscard]] virtual std::optional<Unavailable> unavailable() const = 0;
 };
 
 }  // namespace quietlark

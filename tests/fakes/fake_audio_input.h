@@ -20,6 +20,11 @@ public:
 
     [[nodiscard]] AudioFormat inputFormat() const override { return format; }
 
+    [[nodiscard]] std::optional<Unavailable> unavailable() const override {
+        if (format.channels > 0) return std::nullopt;
+        return Unavailable{QStringLiteral("Plug in a microphone.")};
+    }
+
     void installTap(std::uint32_t bufferFrames, AudioFormat tapFormat, Tap tap) override {
         const std::scoped_lock lock(m_mutex);
         m_bufferFrames = bufferFrames;

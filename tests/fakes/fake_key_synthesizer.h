@@ -24,6 +24,8 @@ public:
         return {};
     }
 
+    [[nodiscard]] std::optional<Unavailable> unavailable() const override { return m_unavailable; }
+
     /// From now on nothing can be posted.
     void makeUnavailable(const QString& reason) { m_unavailable = Unavailable{reason}; }
 

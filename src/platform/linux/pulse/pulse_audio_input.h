@@ -4,6 +4,7 @@
 #include <memory>
 
 #include <QByteArray>
+#include <QCoreApplication>
 
 #include "platform/audio_input.h"
 #include "platform/linux/pulse/pulse_capture.h"
@@ -17,6 +18,8 @@ namespace quietlark {
 /// installed. What removeTap() hands over reaches the tap on the main thread, with the audio thread
 /// kept away.
 class PulseAudioInput final : public AudioInput {
+    Q_DECLARE_TR_FUNCTIONS(PulseAudioInput)
+
 public:
     /// `server` as in PULSE_SERVER, empty for the user's own; removeTap() waits for its sound no
     /// longer than `longestWait`.
@@ -25,6 +28,7 @@ public:
     ~PulseAudioInput() override;
 
     [[nodiscard]] AudioFormat inputFormat() const override;
+    [[nodiscard]] std::optional<Unavailable> unavailable() const override;
     void installTap(std::uint32_t bufferFrames, AudioFormat format, Tap tap) override;
     void removeTap() override;
     [[nodiscard]] tl::expected<void, AudioInputError> start() override;

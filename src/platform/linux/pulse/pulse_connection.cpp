@@ -43,6 +43,11 @@ AudioFormat PulseConnection::microphoneFormat() const {
     return m_format;
 }
 
+bool PulseConnection::serverAnswers() const {
+    const std::scoped_lock lock(m_mutex);
+    return m_serverAnswers;
+}
+
 void PulseConnection::connect() {
     m_context.reset(
         pa_context_new_with_proplist(m_mainloop.api(), nullptr, applicationProperties().get()));
@@ -64,7 +69,7 @@ void PulseConnection::onState(pa_context* context, void* self) {
         const PulseOperation request(pa_context_subscribe(context, mask, nullptr, nullptr));
         connection->refresh();
     } else if (!PA_CONTEXT_IS_GOOD(state)) {
-        connection->publish({});
+        connection->publish(false, {});
         connection->retryLater();
     }
 }
@@ -119,11 +124,12 @@ void PulseConnection::onSource(pa_context*, const pa_source_info* source, int en
     connection->m_isReading = false;
     if (connection->m_changedWhileReading) return connection->refresh();
     const bool isMicrophone = !reading.defaultIsMonitor || reading.haveMicrophone;
-    connection->publish(isMicrophone ? reading.defaultFormat : AudioFormat{});
+    connection->publish(true, isMicrophone ? reading.defaultFormat : AudioFormat{});
 }
 
-void PulseConnection::publish(AudioFormat format) {
+void PulseConnection::publish(bool serverAnswers, AudioFormat format) {
     const std::scoped_lock lock(m_mutex);
+    m_serverAnswers = serverAnswers;
     m_format = format;
 }
 

@@ -32,6 +32,9 @@ public:
     /// Format of the microphone; no channels when there is none. Any thread, never waits.
     [[nodiscard]] AudioFormat microphoneFormat() const;
 
+    /// Whether the server is there and has told about its sources. Any thread, never waits.
+    [[nodiscard]] bool serverAnswers() const;
+
 private:
     /// What the server has told about its sources.
     struct Sources {
@@ -44,7 +47,7 @@ private:
     void connect();
     void retryLater();
     void refresh();
-    void publish(AudioFormat format);
+    void publish(bool serverAnswers, AudioFormat format);
     static void onState(pa_context*, void* self);
     static void onRetry(pa_mainloop_api*, pa_time_event*, const timeval*, void* self);
     static void onChange(pa_context*, pa_subscription_event_type_t, std::uint32_t, void* self);
@@ -60,8 +63,8 @@ private:
     bool m_isReading = false;
     bool m_changedWhileReading = false;
 
-    mutable std::mutex
-        m_mutex;  // guards the format alone: the audio thread's lock may be held long
+    mutable std::mutex m_mutex;  // guards these two alone: the audio thread's lock may be held long
+    bool m_serverAnswers = false;
     AudioFormat m_format;
 };
 

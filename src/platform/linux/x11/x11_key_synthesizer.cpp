@@ -11,6 +11,10 @@ tl::expected<void, Unavailable> X11KeySynthesizer::post(KeyCode keyCode, Modifie
     return result;
 }
 
+std::optional<Unavailable> X11KeySynthesizer::unavailable() const {
+    return m_connection.cannotSynthesize();
+}
+
 tl::expected<void, Unavailable> X11KeySynthesizer::tryPost(KeyCode keyCode, ModifierFlags flags) {
     xcb_connection_t* const xcb = m_connection.xcb();
     const auto window = focusedWindow(xcb, m_connection.rootWindow());

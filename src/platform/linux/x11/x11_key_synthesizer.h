@@ -22,6 +22,7 @@ public:
 
     [[nodiscard]] tl::expected<void, Unavailable> post(KeyCode keyCode,
                                                        ModifierFlags flags) override;
+    [[nodiscard]] std::optional<Unavailable> unavailable() const override;
 
 private:
     [[nodiscard]] tl::expected<void, Unavailable> tryPost(KeyCode keyCode, ModifierFlags flags);
