@@ -3,6 +3,7 @@
 extern "C" const char* __tsan_default_suppressions();
 extern "C" const char* __tsan_default_suppressions() {
     return "race:^pa_mutex_lock$\n"
+           "race:^pa_packet_new_data$\n"
            "race:^pa_srbchannel_read$\n"
            "race:^pa_iochannel_read_with_ancil_data$\n";
 }

@@ -91,7 +91,7 @@ bool PulseCapture::connect(pa_context* context) {
 }
 
 void PulseCapture::finish(std::chrono::milliseconds limit) {
-    if (isOpen()) awaitWhatWasHeard(limit);
+    if (isUp()) awaitWhatWasHeard(limit);
     deliver();
 }
 
@@ -100,10 +100,13 @@ void PulseCapture::awaitWhatWasHeard(std::chrono::milliseconds limit) {
     const pa_usec_t due = pa_rtclock_now() + std::chrono::microseconds(limit).count();
     pa_time_event* timer = pa_context_rttime_new(context, due, &onLimit, this);
     const auto waitWhile = [this](auto condition) {
-        while (isOpen() && !m_limitReached && condition())
+        while (isUp() && !m_limitReached && condition())
             m_mainloop.wait();
     };
-    const PulseOperation question(pa_stream_update_timing_info(m_stream.get(), &onTiming, this));
+    // The server may have begun to listen without our having heard of it.
+    waitWhile([this] { return !isOpen(); });
+    const PulseOperation question(
+        isOpen() ? pa_stream_update_timing_info(m_stream.get(), &onTiming, this) : nullptr);
     waitWhile([this] { return !m_awaitedBytes || m_receivedBytes < *m_awaitedBytes; });
 
     const pa_usec_t sufficient = pa_rtclock_now() + longestSurplusWait;
@@ -164,6 +167,10 @@ void PulseCapture::deliver() {
     if (m_pending.empty()) return;
     m_tap({.format = m_format, .samples = m_pending});
     m_pending.clear();
+}
+
+bool PulseCapture::isUp() const {
+    return PA_STREAM_IS_GOOD(pa_stream_get_state(m_stream.get()));
 }
 
 bool PulseCapture::isOpen() const {

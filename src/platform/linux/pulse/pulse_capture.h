@@ -40,6 +40,7 @@ private:
     void awaitWhatWasHeard(std::chrono::milliseconds limit);
     void take(const void* data, std::size_t bytes);
     void deliver();
+    [[nodiscard]] bool isUp() const;  // open, or about to be
     [[nodiscard]] bool isOpen() const;
     static void onReadable(pa_stream*, std::size_t, void* self);
     static void onState(pa_stream*, void* self);
