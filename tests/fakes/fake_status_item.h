@@ -13,7 +13,10 @@ namespace quietlark {
 class FakeStatusItem final : public StatusItem {
 public:
     void show() override { m_isShown = true; }
-    void setSymbol(const QString& name) override { m_symbols << name; }
+    void setSymbol(const QString& name) override {
+        m_symbol = name;
+        m_symbols << name;
+    }
     void setMenu(const Menu& menu) override { m_menu = menu; }
 
     /// The user opens the menu; answers what is in it.
@@ -27,15 +30,14 @@ public:
     [[nodiscard]] const Menu& menu() const { return m_menu; }
 
     /// The symbol of now; null when there was none yet.
-    [[nodiscard]] QString symbol() const {
-        return m_symbols.isEmpty() ? QString() : m_symbols.last();
-    }
+    [[nodiscard]] const QString& symbol() const { return m_symbol; }
 
     /// Every symbol since the last call.
     QStringList takeSymbols() { return std::exchange(m_symbols, {}); }
 
 private:
     bool m_isShown = false;
+    QString m_symbol;
     QStringList m_symbols;
     Menu m_menu;
 };
