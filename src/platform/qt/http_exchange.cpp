@@ -8,6 +8,7 @@
 #include <QNetworkReply>
 #include <QNetworkRequest>
 
+#include "platform/qt/network_policy.h"
 #include "platform/qt/transport_failure.h"
 #include "platform/qt/upload_body.h"
 #include "platform/small_segments.h"
@@ -24,12 +25,7 @@ int timeoutMilliseconds(std::chrono::milliseconds timeout) {
 QNetworkRequest networkRequest(const HttpRequest& request) {
     QNetworkRequest result(request.url);
     result.setTransferTimeout(timeoutMilliseconds(request.idleTimeout));
-    // Over plain HTTP this would be an offer to switch protocols with every request, which small
-    // servers do not understand.
-    result.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
-    result.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
-    result.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
-    result.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
+    keepToPlainHttp(result);
     return result;
 }
 

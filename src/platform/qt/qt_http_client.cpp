@@ -3,34 +3,15 @@
 #include <memory>
 #include <utility>
 
-#include <QHostAddress>
-#include <QNetworkProxyFactory>
 #include <QPointer>
 
 #include "platform/qt/http_exchange.h"
+#include "platform/qt/network_policy.h"
 #include "platform/qt/transport_failure.h"
 
 namespace quietlark {
 
 namespace {
-
-bool isThisComputer(const QString& host) {
-    return host.compare(QLatin1String("localhost"), Qt::CaseInsensitive) == 0 ||
-           QHostAddress(host).isLoopback();
-}
-
-/// A proxy would look for loopback addresses on its own computer.
-class ProxyExceptForThisComputer final : public QNetworkProxyFactory {
-public:
-    QList<QNetworkProxy> queryProxy(const QNetworkProxyQuery& query) override {
-        if (isThisComputer(query.peerHostName())) return {QNetworkProxy::NoProxy};
-        return proxyForQuery(query);
-    }
-};
-
-bool isHttp(const QUrl& url) {
-    return url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https");
-}
 
 /// Fails as a request would: later, and not at all once withdrawn.
 Cancellable refuse(const QUrl& url, HttpClient::AnswerHandler onAnswer) {
@@ -45,7 +26,7 @@ Cancellable refuse(const QUrl& url, HttpClient::AnswerHandler onAnswer) {
 }  // namespace
 
 QtHttpClient::QtHttpClient() {
-    m_manager.setProxyFactory(new ProxyExceptForThisComputer);
+    useProxies(m_manager);
 }
 
 Cancellable QtHttpClient::send(HttpRequest request, AnswerHandler onAnswer) {

@@ -8,6 +8,7 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QPointer>
+#include <QThread>
 #include <QTimer>
 
 namespace quietlark {
@@ -18,6 +19,10 @@ namespace {
 constexpr std::chrono::milliseconds longestDelay{std::numeric_limits<int>::max()};
 
 }  // namespace
+
+QtScheduler::QtScheduler(QThread& thread) {
+    m_waker.moveToThread(&thread);
+}
 
 Scheduler::Clock::time_point QtScheduler::now() const {
     return Clock::now();

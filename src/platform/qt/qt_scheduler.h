@@ -7,11 +7,18 @@
 
 #include "platform/scheduler.h"
 
+class QThread;
+
 namespace quietlark {
 
 /// Time by Qt's event loop. Create and destroy it on the main thread, once nothing posts any more.
 class QtScheduler final : public Scheduler {
 public:
+    QtScheduler() = default;
+    /// For a worker thread, which then takes the main thread's place for everything but creating
+    /// and destroying it: the thread must have ended before.
+    explicit QtScheduler(QThread& thread);
+
     [[nodiscard]] Clock::time_point now() const override;
     void after(std::chrono::milliseconds delay, QObject* context,
                std::function<void()> action) override;
