@@ -1,0 +1,139 @@
+#include "local_server/received_model.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/boot_session.h"
+
+namespace quietlark {
+
+namespace {
+
+constexpr qint64 hashPieceBytes = 4 * 1024 * 1024;
+
+FileOutcome save(int descriptor, const QString& path, ResumeData data, qint64 bytes) {
+    // In this order, so that the record never promises more than the disk has.
+    return syncFile(descriptor).and_then([&] {
+        data.syncedBytes = bytes;
+        return writeFileDurably(path, data.toJson());
+    });
+}
+
+}  // namespace
+
+ReceivedModel::ReceivedModel(ModelFiles files, QString url)
+    : m_files(std::move(files)), m_file(m_files.received()) {
+    m_data.url = std::move(url);
+}
+
+ReceivedModel::~ReceivedModel() {
+    m_checkpoints.reset();
+    if (m_file.isOpen() && m_data.validator.isEmpty()) m_file.remove();
+}
+
+void ReceivedModel::restore() {
+    if (!findResumeData() || !m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+        m_data = {m_data.url, {}, {}, 0, {}};
+        m_file.remove();
+        return;
+    }
+    m_bytes = m_data.reliableBytes(m_file.size(), bootSession());
+    if (m_bytes > m_data.totalBytes.value_or(m_bytes)) discard();
+}
+
+bool ReceivedModel::findResumeData() {
+    const auto data = ResumeData::read(m_files.resume());
+    if (!data || data->url != m_data.url) return false;
+    m_data = *data;
+    // An install that was broken off has moved it on. It is verified again before it is used.
+    if (!m_file.exists()) return replaceFile(m_files.partial(), m_files.received()).has_value();
+    return true;
+}
+
+bool ReceivedModel::hashNextPiece() {
+    if (m_hashedBytes == m_bytes) return false;
+    const QByteArray piece = m_file.read(std::min(hashPieceBytes, m_bytes - m_hashedBytes));
+    if (piece.isEmpty()) {
+        discard();
+        return false;
+    }
+    m_digest.add(piece);
+    m_hashedBytes += piece.size();
+    return true;
+}
+
+FileOutcome ReceivedModel::beginAnew(const QByteArray& validator,
+                                     std::optional<qint64> totalBytes) {
+    m_checkpoints.reset();
+    // First, so that it never describes a file that it does not belong to.
+    QFile::remove(m_files.resume());
+    m_data = {m_data.url, validator, totalBytes, 0, bootSession()};
+    static_cast<void>(m_digest.takeHex());
+    return openAt(0).and_then([this] {
+        if (m_data.validator.isEmpty()) return FileOutcome();
+        startCheckpoints();
+        return writeFileDurably(m_files.resume(), m_data.toJson());
+    });
+}
+
+FileOutcome ReceivedModel::beginRest(qint64 totalBytes) {
+    m_data.totalBytes = totalBytes;
+    m_data.bootSession = bootSession();
+    return openAt(m_bytes).map([this] { startCheckpoints(); });
+}
+
+FileOutcome ReceivedModel::openAt(qint64 bytes) {
+    m_file.close();
+    if (!m_file.open(QIODevice::ReadWrite | QIODevice::Unbuffered) || !m_file.resize(bytes) ||
+        !m_file.seek(bytes)) {
+        return tl::unexpected(m_file.errorString());
+    }
+    m_bytes = bytes;
+    m_hashedBytes = bytes;
+    return {};
+}
+
+void ReceivedModel::startCheckpoints() {
+    m_checkpoints = std::make_unique<Checkpoints>(
+        m_bytes, [descriptor = m_file.handle(), path = m_files.resume(),
+                  data = m_data](qint64 bytes) { return save(descriptor, path, data, bytes); });
+}
+
+FileOutcome ReceivedModel::append(QByteArrayView bytes) {
+    if (m_file.write(bytes.data(), bytes.size()) != bytes.size()) {
+        return tl::unexpected(m_file.errorString());
+    }
+    m_bytes += bytes.size();
+    m_hashedBytes = m_bytes;
+    // The disk works while the digest is computed.
+    if (m_checkpoints) m_checkpoints->reach(m_bytes);
+    m_digest.add(bytes);
+    return {};
+}
+
+tl::expected<QByteArray, QString> ReceivedModel::seal() {
+    const FileOutcome saved = m_checkpoints ? m_checkpoints->stop() : FileOutcome();
+    m_checkpoints.reset();
+    return saved.and_then([this] { return syncFile(m_file.handle()); }).map([this] {
+        return m_digest.takeHex();
+    });
+}
+
+void ReceivedModel::keep() {
+    m_checkpoints.reset();
+    if (!m_file.isOpen() || m_data.validator.isEmpty()) return;
+    // What cannot be saved is fetched again.
+    static_cast<void>(save(m_file.handle(), m_files.resume(), m_data, m_bytes));
+}
+
+void ReceivedModel::discard() {
+    m_checkpoints.reset();
+    m_data = {m_data.url, {}, {}, 0, {}};
+    m_bytes = 0;
+    m_hashedBytes = 0;
+    static_cast<void>(m_digest.takeHex());
+    QFile::remove(m_files.resume());
+    m_file.remove();
+}
+
+}  // namespace quietlark
