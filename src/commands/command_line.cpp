@@ -20,6 +20,8 @@ public:
             "Commands:\n"
             "  transcribe FILE.wav  Prints what is said in a recording.\n"
             "  probe URL            Prints what kind of transcription server answers there.\n"
+            "  model status         Prints whether the speech model is there, and how much of it.\n"
+            "  model download       Fetches the speech model; goes on where it was stopped.\n"
             "\n"
             "Options:\n"
             "  -h, --help     Shows this help; after a command, the help for it.\n"
@@ -32,6 +34,7 @@ public:
     }
     static Invocation transcribe(const QStringList& arguments);
     static Invocation probe(const QStringList& arguments);
+    static Invocation model(const QStringList& arguments);
     static Invocation unknown(const QString& argument) {
         if (argument.startsWith(u'-')) {
             return UsageError{tr("There is no option “%1”; see quietlark --help.").arg(argument)};
@@ -116,6 +119,22 @@ Invocation CommandLine::probe(const QStringList& arguments) {
     return ProbeArguments{server};
 }
 
+Invocation CommandLine::model(const QStringList& arguments) {
+    const QString operand = QStringLiteral("ACTION");
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        tr("Prints what there is of the local server’s speech model, or fetches it. A download "
+           "that is stopped, by Ctrl-C or otherwise, is continued by the next."));
+    parser.addPositionalArgument(operand, tr("What to do: status or download."));
+    if (auto outcome = parse(parser, operand, arguments)) return *outcome;
+    const QString action = parser.positionalArguments().last();
+    if (action == QLatin1String("status")) return ModelArguments{ModelArguments::Action::Status};
+    if (action == QLatin1String("download")) {
+        return ModelArguments{ModelArguments::Action::Download};
+    }
+    return UsageError{tr("“%1” is neither status nor download.").arg(action)};
+}
+
 }  // namespace
 
 Invocation parseCommandLine(const QStringList& arguments) {
@@ -123,6 +142,7 @@ Invocation parseCommandLine(const QStringList& arguments) {
     if (arguments.size() < 2) return StartApplication{};
     if (first == QLatin1String("transcribe")) return CommandLine::transcribe(arguments);
     if (first == QLatin1String("probe")) return CommandLine::probe(arguments);
+    if (first == QLatin1String("model")) return CommandLine::model(arguments);
     if (first == QLatin1String("--help") || first == QLatin1String("-h")) {
         return ShowText{CommandLine::help()};
     }

@@ -23,6 +23,13 @@ struct ProbeArguments {
     QString server;
 };
 
+/// `model status`, `model download`
+struct ModelArguments {
+    enum class Action { Status, Download };
+
+    Action action = Action::Status;
+};
+
 /// `--help`, `--version`: a text that answers everything.
 struct ShowText {
     QString text;  ///< without a last line end
@@ -33,8 +40,8 @@ struct UsageError {
     QString sentence;  ///< for the user
 };
 
-using Invocation =
-    std::variant<StartApplication, TranscribeArguments, ProbeArguments, ShowText, UsageError>;
+using Invocation = std::variant<StartApplication, TranscribeArguments, ProbeArguments,
+                                ModelArguments, ShowText, UsageError>;
 
 /// Understands the program's arguments, the first of which is the program's name. Needs a
 /// QCoreApplication. No side effects.

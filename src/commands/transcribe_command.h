@@ -5,9 +5,9 @@
 
 #include <QString>
 
+#include "audio/wav.h"
 #include "commands/command_line.h"
 #include "commands/exit_code.h"
-#include "audio/wav.h"
 #include "platform/cancellable.h"
 #include "transcription/resolved_server.h"
 #include "transcription/transcription_client.h"

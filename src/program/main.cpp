@@ -1,16 +1,29 @@
 #include <iostream>
+#include <memory>
 
 #include <QCoreApplication>
+#include <QProcessEnvironment>
 
 #include "commands/command_line.h"
 #include "commands/console.h"
+#include "commands/model_command.h"
 #include "commands/probe_command.h"
+#include "commands/progress_line.h"
 #include "commands/silent_log.h"
 #include "commands/transcribe_command.h"
 #include "config/config.h"
+#include "local_server/background_model_fetcher.h"
+#include "local_server/model_downloader.h"
+#include "local_server/model_files.h"
+#include "local_server/model_source.h"
+#include "notifications/notification_center.h"
 #include "platform/qt/qt_http_client.h"
+#include "platform/qt/qt_http_streams.h"
 #include "platform/qt/qt_scheduler.h"
+#include "platform/qt/qt_worker_thread.h"
+#include "platform/terminal.h"
 #include "program/application.h"
+#include "program/quit_signals.h"
 #include "transcription/endpoint_file.h"
 #include "transcription/server_endpoint.h"
 #include "transcription/server_resolver.h"
@@ -49,6 +62,23 @@ public:
         QtHttpClient http;
         ServerResolver resolver(http);
         ProbeCommand command(resolver, m_console);
+        return runToItsEnd(command, arguments);
+    }
+
+    int operator()(const ModelArguments& arguments) {
+        const QuitSignals quitSignals;
+        const ModelFiles files = ModelFiles::atDefaultDirectory();
+        QtScheduler scheduler;
+        QtWorkerThread worker;
+        NotificationCenter notifications;
+        BackgroundModelFetcher fetcher(
+            ModelSource::configured(QProcessEnvironment::systemEnvironment()), files, scheduler,
+            worker.scheduler(), [] { return std::make_unique<QtHttpStreams>(); });
+        ModelDownloader downloader(files, fetcher, notifications, scheduler);
+        ProgressLine progress(std::cerr, messageTerminalColumns());
+        ModelCommand command(files, downloader, scheduler, progress, m_console);
+        QObject::connect(&quitSignals, &QuitSignals::quitRequested, &command,
+                         &ModelCommand::interrupt);
         return runToItsEnd(command, arguments);
     }
 

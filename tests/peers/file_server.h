@@ -1,0 +1,49 @@
+#pragma once
+
+#include <list>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include <QByteArray>
+#include <QString>
+
+namespace quietlark {
+
+/// A web server on the loopback interface for one large file, with ranges, on threads of its own:
+/// fast, and there while the test waits for another program.
+class FileServer {
+public:
+    struct Answer {
+        qint64 firstByte = 0;  ///< of the file
+        qint64 sentBytes = 0;  ///< of its body
+    };
+
+    /// Serves the file at `path`, whatever the request's own path is.
+    explicit FileServer(const QString& path);
+    ~FileServer();
+    FileServer(const FileServer&) = delete;
+    FileServer& operator=(const FileServer&) = delete;
+
+    [[nodiscard]] QString url(const QString& path) const;
+
+    /// Every answer that has come to its end so far, in the order of the ends.
+    [[nodiscard]] std::vector<Answer> answers() const;
+
+private:
+    void acceptConnections();
+    void serve(int connection);
+    [[nodiscard]] Answer answer(int connection, const QByteArray& head) const;
+
+    int m_file;
+    qint64 m_fileBytes;
+    int m_listener;
+    quint16 m_port = 0;
+    mutable std::mutex m_mutex;
+    std::vector<Answer> m_answers;     ///< guarded by m_mutex, as is the next
+    std::vector<int> m_connections;    ///< open now
+    std::list<std::thread> m_servers;  ///< of the accepting thread, until it has ended
+    std::thread m_acceptor;
+};
+
+}  // namespace quietlark
