@@ -10,9 +10,9 @@
 #include <QCoreApplication>
 
 #include "peers/x_peer.h"
-#include "platform/linux/x11/x11_pasteboard.h"
+#include "platform/linux/x11/pasteboard/x11_pasteboard.h"
 #include "platform/qt/qt_scheduler.h"
-#include "platform/x11/clipboard_peers.h"
+#include "platform/x11/pasteboard/clipboard_peers.h"
 #include "support/wait.h"
 
 namespace quietlark {

@@ -1,0 +1,177 @@
+#include "platform/linux/x11/pasteboard/x11_pasteboard_session.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <xcb/xfixes.h>
+
+#include "platform/linux/x11/xcb_reply.h"
+
+namespace quietlark {
+
+namespace {
+
+template <typename Event>
+const Event& as(const xcb_generic_event_t& event) {
+    return reinterpret_cast<const Event&>(event);
+}
+
+}  // namespace
+
+X11PasteboardSession::X11PasteboardSession(const QByteArray& display, X11PasteboardLimits limits)
+    : m_limits(limits), m_connection(display) {
+    watchOwner();
+}
+
+void X11PasteboardSession::watchOwner() {
+    xcb_connection_t* connection = m_connection.get();
+    const auto* extension = xcb_get_extension_data(connection, &xcb_xfixes_id);
+    if (extension == nullptr || !extension->present) return;
+    // The server sends nothing to a client that has not said which version it speaks.
+    const XcbReply<xcb_xfixes_query_version_reply_t> version(xcb_xfixes_query_version_reply(
+        connection, xcb_xfixes_query_version(connection, 1, 0), nullptr));
+    xcb_xfixes_select_selection_input(connection, m_owner.window(), m_clipboard,
+                                      XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
+                                          XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
+                                          XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
+    m_ownerChangedEvent = extension->first_event + XCB_XFIXES_SELECTION_NOTIFY;
+}
+
+bool X11PasteboardSession::isBusy() const {
+    return isConnected() && (m_reader || m_owner.isTaking());
+}
+
+void X11PasteboardSession::snapshot(Answer answer) {
+    // The server's reply comes after the news of all that happened before, such as a newer copy.
+    const xcb_window_t owner = m_connection.selectionOwner(m_clipboard);
+    processEvents();
+    if (!isConnected()) return answer(std::nullopt);
+    if (m_owner.isOwner()) return answer(m_owner.snapshot());
+    if (owner == XCB_WINDOW_NONE) {
+        m_lastRead = PasteboardSnapshot();
+        return answer(m_lastRead);
+    }
+    m_answer = std::move(answer);
+    m_readerDeadline = Clock::now() + m_limits.snapshot;
+    m_reader.emplace(m_connection, m_requestors, m_clipboard, m_limits.snapshotBytes);
+}
+
+void X11PasteboardSession::setString(const QString& text) {
+    std::optional<PasteboardSnapshot> covered =
+        m_owner.isOwner() ? m_owner.snapshot() : std::exchange(m_lastRead, std::nullopt);
+    m_owner.take(text, std::move(covered));
+}
+
+void X11PasteboardSession::restore(PasteboardSnapshot snapshot) {
+    m_owner.restore(std::move(snapshot), Clock::now());
+}
+
+void X11PasteboardSession::keepString() {
+    m_owner.keep();
+}
+
+void X11PasteboardSession::stopReading() {
+    m_reader.reset();
+    m_answer = nullptr;
+}
+
+void X11PasteboardSession::quit() {
+    m_quitDeadline = Clock::now() + m_limits.handover;
+    m_owner.finish();
+    if (m_owner.servesRestored()) m_handover.emplace(m_connection, m_owner.window());
+}
+
+bool X11PasteboardSession::hasQuit() const {
+    if (!m_quitDeadline) return false;
+    const bool isHandedOver = !m_handover || m_handover->isDone();
+    return !isConnected() || (isHandedOver && !m_server.hasTransfers()) ||
+           Clock::now() >= *m_quitDeadline;
+}
+
+std::optional<X11PasteboardSession::Clock::time_point> X11PasteboardSession::processTime(
+    Clock::time_point now) {
+    if (m_reader && now >= m_readerDeadline) answerReader();
+    auto next = m_server.dropOverdue(now);
+    const auto earlier = [&next](std::optional<Clock::time_point> time) {
+        if (time) next = std::min(*time, next.value_or(*time));
+    };
+    earlier(m_owner.onTime(now));
+    if (m_reader) earlier(m_readerDeadline);
+    earlier(m_quitDeadline);
+    return next;
+}
+
+bool X11PasteboardSession::processEvents() {
+    bool hasReceived = false;
+    for (bool isNew = true; isNew; hasReceived = hasReceived || isNew) {
+        // Sending can receive as well, so it comes before the last look at the queue.
+        xcb_flush(m_connection.get());
+        isNew = false;
+        while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(m_connection.get())}) {
+            dispatch(*event);
+            isNew = true;
+        }
+        if (m_reader && (m_reader->isDone() || !isConnected())) {
+            answerReader();
+            isNew = true;
+        }
+    }
+    // The end of the connection is news as well: nobody is busy with the server any more.
+    const bool hasBroken = std::exchange(m_wasConnected, isConnected()) && !isConnected();
+    return hasReceived || hasBroken;
+}
+
+void X11PasteboardSession::dispatch(const xcb_generic_event_t& event) {
+    constexpr int sentByAnotherClient = 0x80;
+    constexpr int errorType = 0;
+    const int type = event.response_type & ~sentByAnotherClient;
+    if (type == m_ownerChangedEvent)
+        return onOwnerChanged(as<xcb_xfixes_selection_notify_event_t>(event).owner);
+    switch (type) {
+        case XCB_SELECTION_REQUEST:
+            return m_owner.onRequest(as<xcb_selection_request_event_t>(event));
+        case XCB_SELECTION_CLEAR:
+            return m_owner.onClear(as<xcb_selection_clear_event_t>(event));
+        case XCB_SELECTION_NOTIFY:
+            return onSelectionNotify(as<xcb_selection_notify_event_t>(event));
+        case XCB_PROPERTY_NOTIFY:
+            return onPropertyNotify(as<xcb_property_notify_event_t>(event));
+        case XCB_DESTROY_NOTIFY:
+            return m_server.onWindowGone(as<xcb_destroy_notify_event_t>(event).window);
+        case errorType:
+            return onError(as<xcb_generic_error_t>(event));
+        default:
+            return;
+    }
+}
+
+void X11PasteboardSession::onSelectionNotify(const xcb_selection_notify_event_t& event) {
+    if (m_handover) m_handover->onSelectionNotify(event);
+    if (m_requestors.settle(event.requestor)) return;
+    if (m_reader) m_reader->onSelectionNotify(event);
+}
+
+void X11PasteboardSession::onPropertyNotify(const xcb_property_notify_event_t& event) {
+    m_owner.onPropertyNotify(event);
+    m_server.onPropertyNotify(event);
+    if (m_reader) m_reader->onPropertyNotify(event);
+}
+
+void X11PasteboardSession::onError(const xcb_generic_error_t& error) {
+    // Other programs' windows may go at any time. It is no news about anything else.
+    if (error.error_code == XCB_WINDOW) m_server.onWindowGone(error.resource_id);
+}
+
+void X11PasteboardSession::onOwnerChanged(xcb_window_t owner) {
+    if (owner == m_owner.window()) return;
+    m_lastRead.reset();
+    if (m_reader) m_reader->onOwnerChanged(owner);
+}
+
+void X11PasteboardSession::answerReader() {
+    m_lastRead = isConnected() ? m_reader->result() : std::nullopt;
+    m_reader.reset();
+    std::exchange(m_answer, nullptr)(m_lastRead);
+}
+
+}  // namespace quietlark

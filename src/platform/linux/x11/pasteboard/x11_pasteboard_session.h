@@ -1,0 +1,88 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <optional>
+
+#include <QByteArray>
+#include <QString>
+
+#include "platform/linux/x11/pasteboard/x11_clipboard_handover.h"
+#include "platform/linux/x11/pasteboard/x11_pasteboard_connection.h"
+#include "platform/linux/x11/pasteboard/x11_pasteboard_limits.h"
+#include "platform/linux/x11/pasteboard/x11_requestor_windows.h"
+#include "platform/linux/x11/pasteboard/x11_selection_owner.h"
+#include "platform/linux/x11/pasteboard/x11_selection_reader.h"
+#include "platform/linux/x11/pasteboard/x11_selection_server.h"
+#include "platform/pasteboard.h"
+
+namespace quietlark {
+
+/// What the pasteboard's thread does: the order of commands, and which part an event is for.
+///
+/// A command may need several events until it is carried out; begin the next one when isBusy() no
+/// longer holds.
+class X11PasteboardSession {
+public:
+    using Clock = std::chrono::steady_clock;
+    using Answer = std::function<void(std::optional<PasteboardSnapshot>)>;
+
+    X11PasteboardSession(const QByteArray& display, X11PasteboardLimits limits);
+
+    /// To wait on for events; -1 when there is no X server.
+    [[nodiscard]] int fileDescriptor() const { return m_connection.fileDescriptor(); }
+    [[nodiscard]] bool isConnected() const { return m_connection.isOpen(); }
+    [[nodiscard]] bool isBusy() const;
+
+    void snapshot(Answer answer);
+    void setString(const QString& text);
+    void restore(PasteboardSnapshot snapshot);
+    void keepString();
+
+    /// A snapshot that is under way ends unanswered.
+    void stopReading();
+
+    /// Hands what we own over to a clipboard manager; hasQuit() when that is done.
+    void quit();
+    [[nodiscard]] bool isQuitting() const { return m_quitDeadline.has_value(); }
+    [[nodiscard]] bool hasQuit() const;
+
+    /// Returns when the server has done all that was asked of it. What a client sent last may be
+    /// lost if it is gone before that.
+    void synchronize() { m_connection.synchronize(); }
+
+    /// Deals with deadlines that have passed. Tells when to come back at the latest.
+    std::optional<Clock::time_point> processTime(Clock::time_point now);
+
+    /// Sends what is to be sent and deals with everything that has come from the X server. False
+    /// when nothing has; what comes later makes the file descriptor readable. The end of the
+    /// connection counts as something.
+    bool processEvents();
+
+private:
+    void watchOwner();
+    void dispatch(const xcb_generic_event_t& event);
+    void onSelectionNotify(const xcb_selection_notify_event_t& event);
+    void onPropertyNotify(const xcb_property_notify_event_t& event);
+    void onError(const xcb_generic_error_t& error);
+    void onOwnerChanged(xcb_window_t owner);
+    void answerReader();
+
+    X11PasteboardLimits m_limits;
+    X11PasteboardConnection m_connection;
+    X11RequestorWindows m_requestors{m_connection};
+    xcb_atom_t m_clipboard = m_connection.atom("CLIPBOARD");
+    X11SelectionServer m_server{m_connection, m_limits.piece};
+    X11SelectionOwner m_owner{m_connection, m_server, m_clipboard, m_limits.grace};
+    int m_ownerChangedEvent = -1;
+    bool m_wasConnected = true;
+
+    std::optional<X11SelectionReader> m_reader;
+    Answer m_answer;  ///< to whom the reader's result goes
+    Clock::time_point m_readerDeadline;
+    std::optional<PasteboardSnapshot> m_lastRead;  ///< until somebody else copies
+    std::optional<X11ClipboardHandover> m_handover;
+    std::optional<Clock::time_point> m_quitDeadline;  ///< once quit() was called
+};
+
+}  // namespace quietlark
