@@ -1,0 +1,29 @@
+#pragma once
+
+#include "platform/installation.h"
+
+namespace quietlark {
+
+/// The installation that an executable belongs to. A bundle is a directory whose bin/ holds the
+/// executable, such as /opt/Quietlark; where bin/ is everybody's, as in /usr, the bundle is the
+/// executable alone.
+class LinuxInstallation final : public Installation {
+public:
+    /// `executable` is its path without symbolic links, as QCoreApplication::applicationFilePath()
+    /// has it; `home` is the user's home directory.
+    LinuxInstallation(QString executable, const QString& home);
+
+    [[nodiscard]] QString bundlePath() const override;
+
+    /// "/opt/", "~/.local/opt/", and "/usr/" for what a package manager has installed.
+    [[nodiscard]] QStringList applicationRoots() const override { return m_applicationRoots; }
+
+    [[nodiscard]] std::optional<double> executableModificationDate() const override;
+
+private:
+    const QString m_executable;
+    const QStringList m_sharedDirectories;  ///< whose bin/ is everybody's
+    const QStringList m_applicationRoots;
+};
+
+}  // namespace quietlark

@@ -1,0 +1,23 @@
+#include "platform/qt/settings_user_defaults.h"
+
+namespace quietlark {
+
+SettingsUserDefaults::SettingsUserDefaults(const QString& path)
+    : m_settings(path, QSettings::IniFormat) {}
+
+std::optional<QString> SettingsUserDefaults::string(const QString& key) const {
+    if (!m_settings.contains(key)) return std::nullopt;
+    return m_settings.value(key).toString();
+}
+
+void SettingsUserDefaults::set(const QString& key, const QString& value) {
+    m_settings.setValue(key, value);
+    m_settings.sync();
+}
+
+void SettingsUserDefaults::remove(const QString& key) {
+    m_settings.remove(key);
+    m_settings.sync();
+}
+
+}  // namespace quietlark
