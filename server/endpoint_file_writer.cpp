@@ -21,7 +21,19 @@ std::string contentOf(const EndpointDescription& description) {
 }
 
 bool writeAll(int file, const std::string& content) {
+    errno = ENOSPC;  // what a write that stops half-way means, for it sets nothing
     return write(file, content.data(), content.size()) == static_cast<ssize_t>(content.size());
+}
+
+/// Why the last system call failed, for a user who wonders about the file at `path`.
+std::string reasonFor(const std::string& path) {
+    const int error = errno;
+    struct stat present {};
+    const bool isForeign = lstat(path.c_str(), &present) == 0 && present.st_uid != geteuid();
+    // The folder of all users' temporary files lets nobody replace another's.
+    if (isForeign && (error == EPERM || error == EACCES))
+        return "the file there belongs to another user, who has to remove it";
+    return std::strerror(error);
 }
 
 }  // namespace
@@ -42,7 +54,7 @@ tl::expected<void, std::string> EndpointFileWriter::publish(
                              fchmod(m_file, 0644) == 0 &&
                              rename(temporaryPath.c_str(), m_path.c_str()) == 0;
     if (isPublished) return {};
-    const std::string reason = std::strerror(errno);
+    const std::string reason = reasonFor(m_path);
     if (m_file >= 0) {
         unlink(temporaryPath.c_str());
         close(std::exchange(m_file, -1));

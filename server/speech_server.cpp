@@ -71,7 +71,8 @@ public:
     /// Lets more clients wait than the library does.
     void lengthenQueue() const { ::listen(m_socket, waitingConnections); }
     void requestStop();
-    [[nodiscard]] bool isStopping() const { return m_isStopping; }
+    /// Whether it was asked to stop; there is nothing to stop from here on.
+    [[nodiscard]] bool end() { return m_isStopping.exchange(true); }
 
 private:
     bool process_and_close_socket(socket_t socket) override;
@@ -201,7 +202,7 @@ bool SpeechServer::bind(const std::string& host, int port) {
 
 bool SpeechServer::run() {
     m_listener->listen_after_bind();
-    return m_listener->isStopping();
+    return m_listener->end();
 }
 
 void SpeechServer::stop() {

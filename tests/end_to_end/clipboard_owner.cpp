@@ -2,21 +2,28 @@
 // office program does when a paragraph with a picture is copied.
 #include <cstdio>
 
+#include <QBuffer>
 #include <QByteArray>
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QImage>
 #include <QMimeData>
+#include <QRandomGenerator>
 
 namespace {
 
-constexpr int pictureBytes = 700000;
+constexpr QSize pictureSize(2000, 1400);
 
-/// More than fits into one X11 request, and with every byte value.
+/// Noise, of which a PNG of 8 MB becomes: many times what fits into one X11 request.
 QByteArray picture() {
-    QByteArray bytes(pictureBytes, '\0');
-    for (int index = 0; index < pictureBytes; ++index)
-        bytes[index] = static_cast<char>(index % 251);
-    return bytes;
+    QImage image(pictureSize, QImage::Format_RGB888);
+    QRandomGenerator random(7);
+    for (int row = 0; row < image.height(); ++row)
+        random.fillRange(reinterpret_cast<quint32*>(image.scanLine(row)), image.bytesPerLine() / 4);
+    QByteArray png;
+    QBuffer buffer(&png);
+    image.save(&buffer, "PNG");
+    return png;
 }
 
 }  // namespace
@@ -26,7 +33,7 @@ int main(int argc, char** argv) {
     auto* copied = new QMimeData;
     copied->setText(QStringLiteral("three pears"));
     copied->setHtml(QStringLiteral("<p>three <b>pears</b></p>"));
-    copied->setData(QStringLiteral("application/x-picture"), picture());
+    copied->setData(QStringLiteral("image/png"), picture());
     QGuiApplication::clipboard()->setMimeData(copied);
     std::puts("copied");
     std::fflush(stdout);

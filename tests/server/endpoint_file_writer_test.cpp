@@ -1,6 +1,7 @@
 #include "server/endpoint_file_writer.h"
 
 #include <fstream>
+#include <iostream>
 #include <memory>
 #include <sstream>
 
@@ -116,6 +117,21 @@ TEST_F(EndpointFileWriterTest, AFailureLeavesNothingBehind) {
     EXPECT_EQ(filesInFolder(), 1U);
     m_writer->withdraw();
     EXPECT_TRUE(exists());
+}
+
+TEST_F(EndpointFileWriterTest, AFileOfAnotherUserIsNamedAsTheReason) {
+    if (geteuid() != 0) GTEST_SKIP() << "Only root can become another user.";
+    ASSERT_TRUE(m_writer->publish(m_description));
+    ASSERT_EQ(chmod(m_folder.path().toLocal8Bit().constData(), 01777), 0);
+    const auto publishAsNobody = [this] {
+        constexpr uid_t nobody = 65534;
+        if (setuid(nobody) != 0) _exit(2);
+        const auto published = EndpointFileWriter(m_path).publish(m_description);
+        std::cerr << (published ? "published" : published.error());
+        _exit(0);
+    };
+    EXPECT_EXIT(publishAsNobody(), testing::ExitedWithCode(0), "belongs to another user");
+    EXPECT_EQ(read(m_path).substr(0, 6), "local=");
 }
 
 }  // namespace quietlark
