@@ -33,9 +33,6 @@ public:
     void setSymbol(const QString& name) override;
     void setMenu(const Menu& menu) override;
 
-    /// Where the icon is on the screen; empty where the tray does not tell.
-    [[nodiscard]] QRect geometry() const { return m_icon ? m_icon->geometry() : QRect(); }
-
     /// Renders the symbol anew when the desktop's colours have changed.
     bool eventFilter(QObject* watched, QEvent* event) override;
 
