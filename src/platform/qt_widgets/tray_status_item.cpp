@@ -5,6 +5,7 @@
 #include <QGuiApplication>
 #include <QPalette>
 
+#include "platform/qt_widgets/panel_color.h"
 #include "platform/qt_widgets/qt_menu.h"
 #include "platform/qt_widgets/symbol_icon.h"
 
@@ -56,8 +57,9 @@ void TrayStatusItem::install() {
 void TrayStatusItem::showSymbol() {
     if (!m_icon || m_symbol.isEmpty()) return;
     if (!m_icons.contains(m_symbol)) {
-        m_icons.insert(m_symbol,
-                       symbolIcon(m_symbol, QGuiApplication::palette().windowText().color()));
+        const QColor color =
+            panelTextColor(QGuiApplication::palette(), qEnvironmentVariable("XDG_CURRENT_DESKTOP"));
+        m_icons.insert(m_symbol, symbolIcon(m_symbol, color));
     }
     m_icon->setIcon(m_icons.value(m_symbol));
 }

@@ -15,8 +15,8 @@
 namespace quietlark {
 
 /// The status item as an icon in the desktop's tray: StatusNotifierItem where the desktop knows it,
-/// XEmbed else. Its symbols take the colour of the desktop's texts. A tray that starts late, or
-/// again, gets the icon then.
+/// XEmbed else. Its symbols take the colour that stands out on the desktop's panel. A tray that
+/// starts late, or again, gets the icon then.
 ///
 /// It needs a QApplication, whose quitOnLastWindowClosed must be off: the icon is no window.
 class TrayStatusItem final : public StatusItem {

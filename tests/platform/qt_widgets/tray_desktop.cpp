@@ -101,7 +101,8 @@ QProcessEnvironment TrayDesktop::environment() const {
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_home.path());
     environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), m_busAddress);
     environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
-    for (const char* name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"})
+    for (const char* name :
+         {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_CURRENT_DESKTOP"})
         environment.remove(QString::fromLatin1(name));
     return environment;
 }
