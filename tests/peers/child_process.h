@@ -25,6 +25,9 @@ public:
     /// Writes a line to standard input.
     void writeLine(const QByteArray& line);
 
+    /// Ends the program's standard input.
+    void closeInput() { m_process.closeWriteChannel(); }
+
     /// Everything on standard output until the program ended; null when it did not end in time.
     [[nodiscard]] QByteArray readAll(std::chrono::milliseconds limit = std::chrono::seconds(20));
 

@@ -1,0 +1,77 @@
+#!/usr/bin/env bash
+# systemd_user.sh DIRECTORY: a service manager of a user (systemd --user) and its session bus, for
+# one test. Prints "ready", or why it cannot run; then runs each line of standard input beside the
+# manager and prints "exit STATUS" when that has ended. End of input ends everything.
+#
+# The manager takes every process of its cgroup for its own, so it gets one of its own, and its own
+# mounts and process numbers: nothing outside is touched, and all that it started ends with it. Its
+# files (home/, run/) are in DIRECTORY, where the test reaches its bus.
+set -euo pipefail
+
+directory=$1
+inside=${2:-}
+
+# Runs a command until it succeeds, for some 20 s.
+retry() {
+    local attempt
+    for ((attempt = 0; attempt < 1000; ++attempt)); do
+        "$@" >/dev/null 2>&1 && return
+        sleep 0.02
+    done
+    echo "This does not succeed: $*"
+    exit 1
+}
+
+# The first process in the new process namespace: the kernel ends all others when it ends.
+run_inside() {
+    umount -R /sys/fs/cgroup
+    mount -t cgroup2 cgroup2 /sys/fs/cgroup
+    mount -t tmpfs -o mode=755 tmpfs /run
+    mkdir -p /run/systemd/system # what tells programs that systemd is there
+    export HOME=$directory/home XDG_RUNTIME_DIR=$directory/run
+    export DBUS_SESSION_BUS_ADDRESS=unix:path=$XDG_RUNTIME_DIR/bus
+    unset XDG_CONFIG_HOME XDG_DATA_HOME XDG_STATE_HOME XDG_CONFIG_DIRS XDG_DATA_DIRS
+    mkdir -p "$HOME"
+    mkdir -m 700 "$XDG_RUNTIME_DIR"
+    /lib/systemd/systemd --user --log-target=null </dev/null >/dev/null 2>&1 &
+    retry systemctl --user is-active default.target
+    # The first call starts the bus, which the manager then joins.
+    retry busctl --user --auto-start=no call org.freedesktop.systemd1 /org/freedesktop/systemd1 \
+        org.freedesktop.DBus.Peer Ping
+    echo ready
+    local line status
+    while read -r line; do
+        status=0
+        eval "$line" </dev/null >&2 || status=$?
+        echo "exit $status"
+    done
+}
+
+# Outlives the test, for however short a time, to leave no cgroup behind.
+keep_cgroup() {
+    local root=/sys/fs/cgroup/unified cgroup
+    [ -f /sys/fs/cgroup/cgroup.controllers ] && root=/sys/fs/cgroup
+    cgroup=$root/quietlark-test-$BASHPID
+    mkdir "$cgroup" 2>/dev/null || { echo "No cgroup can be made in $root."; return; }
+    # Does not end while anything in the namespace lives.
+    (
+        echo "$BASHPID" >"$cgroup/cgroup.procs"
+        exec unshare --mount --propagation private --cgroup --pid --fork --kill-child --mount-proc \
+            bash "$0" "$directory" inside
+    ) || true
+    local attempt
+    for ((attempt = 0; attempt < 250; ++attempt)); do
+        find "$cgroup" -depth -type d -exec rmdir {} + 2>/dev/null && break
+        sleep 0.02
+    done
+}
+
+if [ -n "$inside" ]; then
+    run_inside
+elif [ "$(id -u)" != 0 ]; then
+    echo "Only root can give a service manager a cgroup of its own."
+else
+    # In the background, since this process is killed together with the test.
+    keep_cgroup <&0 &
+    wait
+fi
