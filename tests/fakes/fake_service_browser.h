@@ -68,7 +68,8 @@ public:
 
     void reportState(const BrowseState& state) {
         for (const auto& browse : browses()) {
-            if (browse->handlers.stateChanged) browse->handlers.stateChanged(state);
+            if (browse->handlers.stateChanged && !browse->hasEnded)
+                browse->handlers.stateChanged(state);
         }
     }
     void reportState(BrowseState::Kind kind) { reportState(BrowseState{kind, {}}); }
@@ -100,11 +101,16 @@ public:
     [[nodiscard]] Cancellable browse(ServiceQuery query, BrowseHandlers handlers) override {
         m_lastQuery = query;
         const auto id = m_nextId++;
-        m_browses[id] = std::make_shared<Browse>(Browse{std::move(query), std::move(handlers), {}});
+        m_browses[id] =
+            std::make_shared<Browse>(Browse{std::move(query), std::move(handlers), {}, false});
         m_scheduler.after({}, &m_context, [this, id] {
             if (m_browses.contains(id)) begin(m_browses[id]);
         });
-        return Cancellable([this, id] { m_browses.erase(id); });
+        return Cancellable([this, id] {
+            // Whoever is reporting to it at this moment holds it, and stops.
+            m_browses[id]->hasEnded = true;
+            m_browses.erase(id);
+        });
     }
 
     [[nodiscard]] Cancellable resolve(const FoundService& service,
@@ -129,6 +135,7 @@ private:
         ServiceQuery query;
         BrowseHandlers handlers;
         std::map<QString, FoundService> found;
+        bool hasEnded;
     };
     struct Resolution {
         QString name;
@@ -156,7 +163,7 @@ private:
         return {BrowseState::Kind::Waiting, QStringLiteral("Start the daemon.")};
     }
 
-    void begin(const std::shared_ptr<Browse>& browse) {
+    void begin(std::shared_ptr<Browse> browse) {
         if (browse->handlers.stateChanged) browse->handlers.stateChanged(stateNow());
         if (!m_daemonRuns) return;
         for (const auto& [name, says] : m_services)
@@ -170,6 +177,7 @@ private:
     }
 
     void appear(Browse& browse, const QString& name) {
+        if (browse.hasEnded) return;
         const auto [found, isNew] =
             browse.found.try_emplace(name, FoundService{m_nextId, name, browse.query});
         if (!isNew) return;
@@ -178,6 +186,7 @@ private:
     }
 
     static void disappear(Browse& browse, const QString& name) {
+        if (browse.hasEnded) return;
         const auto gone = browse.found.extract(name);
         if (gone && browse.handlers.removed) browse.handlers.removed(gone.mapped());
     }
