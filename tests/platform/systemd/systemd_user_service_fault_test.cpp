@@ -1,0 +1,89 @@
+#include <optional>
+
+#include <QDBusVirtualObject>
+
+#include "platform/systemd/systemd_fixture.h"
+
+namespace quietlark {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// A service manager that answers everything with the same error, or nothing at all.
+class OddManager final : public QDBusVirtualObject {
+public:
+    std::optional<QString> errorName;
+
+    [[nodiscard]] QString introspect(const QString&) const override { return {}; }
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
+        message.setDelayedReply(true);
+        if (errorName) bus.send(message.createErrorReply(*errorName, QStringLiteral("Odd.")));
+        return true;
+    }
+};
+
+class SystemdUserServiceFaultTest : public ::testing::Test {
+protected:
+    ~SystemdUserServiceFaultTest() override {
+        service.reset();
+        QDBusConnection::disconnectFromBus(QStringLiteral("manager"));
+        QDBusConnection::disconnectFromBus(QStringLiteral("program"));
+    }
+
+    void startManager() {
+        auto bus = QDBusConnection::connectToBus(address, QStringLiteral("manager"));
+        ASSERT_TRUE(
+            bus.registerVirtualObject(QStringLiteral("/org/freedesktop/systemd1"), &manager));
+        ASSERT_TRUE(bus.registerService(QStringLiteral("org.freedesktop.systemd1")));
+    }
+    void follow(std::chrono::milliseconds patience = 20s) {
+        service.emplace(testUnit, QDBusConnection::connectToBus(address, QStringLiteral("program")),
+                        patience);
+        ASSERT_TRUE(waitUntil([this] { return service->isKnown(); }));
+    }
+    QString complaintOfRegistering() {
+        ServiceAnswer answer;
+        const auto pending = service->registerService(answer.remember());
+        const auto result = answer.await();
+        return result ? QString() : result.error().localizedDescription;
+    }
+
+    ChildProcess daemon{
+        QStringLiteral("dbus-daemon"),
+        {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address"),
+         QStringLiteral("--address=unix:tmpdir=/tmp")}};
+    QString address = QString::fromUtf8(daemon.readLine());
+    OddManager manager;
+    std::optional<SystemdUserService> service;
+};
+
+TEST_F(SystemdUserServiceFaultTest, WithoutAManagerTheServiceIsNotFoundAndRegisteringSaysWhy) {
+    follow();
+    EXPECT_EQ(service->status(), ServiceStatus::notFound);
+    EXPECT_TRUE(complaintOfRegistering().contains(QStringLiteral("no service manager")));
+}
+
+TEST_F(SystemdUserServiceFaultTest, WithoutABusTheServiceIsNotFoundAndRegisteringSaysWhy) {
+    address = QStringLiteral("unix:path=/nonexistent");
+    follow();
+    EXPECT_EQ(service->status(), ServiceStatus::notFound);
+    EXPECT_TRUE(complaintOfRegistering().contains(QStringLiteral("no service manager")));
+}
+
+TEST_F(SystemdUserServiceFaultTest, AManagerThatHangsIsGivenUpOn) {
+    startManager();
+    follow(200ms);
+    EXPECT_EQ(service->status(), ServiceStatus::notFound);
+    EXPECT_TRUE(complaintOfRegistering().contains(QStringLiteral("does not answer")));
+}
+
+TEST_F(SystemdUserServiceFaultTest, AnOddErrorIsPassedOn) {
+    manager.errorName = QStringLiteral("com.example.Strange");
+    startManager();
+    follow();
+    EXPECT_EQ(service->status(), ServiceStatus::notFound);
+    EXPECT_TRUE(complaintOfRegistering().endsWith(QStringLiteral("Odd.")));
+}
+
+}  // namespace
+}  // namespace quietlark
