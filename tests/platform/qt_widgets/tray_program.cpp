@@ -19,12 +19,13 @@ class TrayProgram {
 public:
     TrayProgram() {
         colour(QStringLiteral("#ff00ff"));
-        QObject::connect(&m_item, &TrayStatusItem::noTray, [this] { say("noTray"); });
-        QObject::connect(&m_item, &StatusItem::menuNeedsUpdate, [this] { rebuildMenu(); });
-        QObject::connect(&m_item, &StatusItem::chosen, [this](MenuAction action) {
+        QObject::connect(&m_item, &TrayStatusItem::noTray, &m_item, [] { say("noTray"); });
+        QObject::connect(&m_item, &StatusItem::menuNeedsUpdate, &m_item, [this] { rebuildMenu(); });
+        QObject::connect(&m_item, &StatusItem::chosen, &m_item, [](MenuAction action) {
             say(action == MenuAction::openPrefs ? "chosen Preferences" : "chosen Quit");
         });
-        QObject::connect(&m_input, &QSocketNotifier::activated, [this] { readCommands(); });
+        QObject::connect(&m_input, &QSocketNotifier::activated, &m_item,
+                         [this] { readCommands(); });
         m_item.setSymbol(QStringLiteral("bubble.left"));
         m_item.setMenu(menu());
         m_item.show();
