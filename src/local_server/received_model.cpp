@@ -100,8 +100,11 @@ void ReceivedModel::startCheckpoints() {
 }
 
 FileOutcome ReceivedModel::append(QByteArrayView bytes) {
-    if (m_file.write(bytes.data(), bytes.size()) != bytes.size()) {
-        return tl::unexpected(m_file.errorString());
+    for (qint64 written = 0; written < bytes.size();) {
+        // A disk that is getting full takes a part first.
+        const qint64 count = m_file.write(bytes.data() + written, bytes.size() - written);
+        if (count <= 0) return tl::unexpected(m_file.errorString());
+        written += count;
     }
     m_bytes += bytes.size();
     m_hashedBytes = m_bytes;

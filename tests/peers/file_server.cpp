@@ -103,6 +103,11 @@ std::vector<FileServer::Answer> FileServer::answers() const {
     return m_answers;
 }
 
+std::size_t FileServer::openConnectionCount() const {
+    const std::lock_guard lock(m_mutex);
+    return m_connections.size();
+}
+
 void FileServer::acceptConnections() {
     while (true) {
         const int connection = ::accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC);
@@ -122,37 +127,45 @@ void FileServer::serve(int connection) {
     sigaddset(&signals, SIGPIPE);
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     for (QByteArray head = readHead(connection); !head.isNull(); head = readHead(connection)) {
-        const Answer given = answer(connection, head);
-        const std::lock_guard lock(m_mutex);
-        m_answers.push_back(given);
+        answer(connection, head);
     }
     const std::lock_guard lock(m_mutex);
     std::erase(m_connections, connection);
     ::close(connection);
 }
 
-FileServer::Answer FileServer::answer(int connection, const QByteArray& head) const {
-    Answer answer;
+void FileServer::answer(int connection, const QByteArray& head) {
     const QByteArray range = header(head, "Range");
     const QByteArray total = QByteArray::number(m_fileBytes);
     QByteArray text = "HTTP/1.1 200 OK\r\n";
+    off_t position = 0;
     if (range.startsWith("bytes=") && header(head, "If-Range") == entityTag) {
-        answer.firstByte = range.sliced(6).chopped(1).toLongLong();
+        position = range.sliced(6).chopped(1).toLongLong();
         text = "HTTP/1.1 206 Partial Content\r\nContent-Range: bytes " +
-               QByteArray::number(answer.firstByte) + '-' + QByteArray::number(m_fileBytes - 1) +
+               QByteArray::number(qint64{position}) + '-' + QByteArray::number(m_fileBytes - 1) +
                '/' + total + "\r\n";
     }
     text += "ETag: " + entityTag +
-            "\r\nContent-Length: " + QByteArray::number(m_fileBytes - answer.firstByte) +
-            "\r\n\r\n";
-    if (!sendText(connection, text)) return answer;
-    off_t position = answer.firstByte;
+            "\r\nContent-Length: " + QByteArray::number(m_fileBytes - position) + "\r\n\r\n";
+    const qint64 firstByte = position;
+    const std::size_t index = record(firstByte);
+    if (!sendText(connection, text)) return;
     while (position < m_fileBytes) {
         constexpr size_t pieceBytes = 256 * 1024;
         if (::sendfile(connection, m_file, &position, pieceBytes) <= 0) break;
     }
-    answer.sentBytes = position - answer.firstByte;
-    return answer;
+    recordEnd(index, position - firstByte);
+}
+
+std::size_t FileServer::record(qint64 firstByte) {
+    const std::lock_guard lock(m_mutex);
+    m_answers.push_back({firstByte, 0});
+    return m_answers.size() - 1;
+}
+
+void FileServer::recordEnd(std::size_t index, qint64 sentBytes) {
+    const std::lock_guard lock(m_mutex);
+    m_answers[index].sentBytes = sentBytes;
 }
 
 }  // namespace quietlark

@@ -16,7 +16,7 @@ class FileServer {
 public:
     struct Answer {
         qint64 firstByte = 0;  ///< of the file
-        qint64 sentBytes = 0;  ///< of its body
+        qint64 sentBytes = 0;  ///< of its body; set once it has ended
     };
 
     /// Serves the file at `path`, whatever the request's own path is.
@@ -27,13 +27,19 @@ public:
 
     [[nodiscard]] QString url(const QString& path) const;
 
-    /// Every answer that has come to its end so far, in the order of the ends.
+    /// Every answer so far, in the order of their beginnings; recorded before the first byte is
+    /// sent.
     [[nodiscard]] std::vector<Answer> answers() const;
+
+    /// How many connections are open now.
+    [[nodiscard]] std::size_t openConnectionCount() const;
 
 private:
     void acceptConnections();
     void serve(int connection);
-    [[nodiscard]] Answer answer(int connection, const QByteArray& head) const;
+    void answer(int connection, const QByteArray& head);
+    [[nodiscard]] std::size_t record(qint64 firstByte);
+    void recordEnd(std::size_t index, qint64 sentBytes);
 
     int m_file;
     qint64 m_fileBytes;

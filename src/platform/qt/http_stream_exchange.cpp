@@ -58,6 +58,9 @@ void HttpStreamExchange::send(QNetworkAccessManager& manager) {
     connect(m_reply, &QNetworkReply::metaDataChanged, this, &HttpStreamExchange::takeHead);
     connect(m_reply, &QNetworkReply::readyRead, this, &HttpStreamExchange::takeBody);
     connect(m_reply, &QNetworkReply::finished, this, &HttpStreamExchange::onFinished);
+    // Chunks that are cut short are an error without an end.
+    connect(m_reply, &QNetworkReply::errorOccurred, this, &HttpStreamExchange::onFinished,
+            Qt::QueuedConnection);
 }
 
 void HttpStreamExchange::takeHead() {

@@ -1,0 +1,100 @@
+#include <iostream>
+
+#include "peers/file_server.h"
+#include "program/model_program_fixture.h"
+
+namespace quietlark {
+
+namespace {
+
+/// Downloads that are killed at any moment, without a word.
+class ModelKillProgramTest : public ModelProgramFixture {
+protected:
+    ModelKillProgramTest() : m_server(writeModel()) {
+        m_url = m_server.url(QStringLiteral("/model.bin"));
+    }
+
+    /// A moment is counted from the program's start or, most of the time, from its request. False
+    /// when the program ended by itself before that.
+    [[nodiscard]] bool killAt(bool afterRequest, std::chrono::milliseconds delay) const {
+        const auto answerCount = m_server.answers().size();
+        QProcess program;
+        program.setProcessEnvironment(environment());
+        program.start(QStringLiteral(QUIETLARK_PROGRAM),
+                      {QStringLiteral("model"), QStringLiteral("download")});
+        const auto hasAsked = [&] { return m_server.answers().size() > answerCount; };
+        while (afterRequest && !hasAsked() && !program.waitForFinished(1)) {
+        }
+        program.waitForFinished(static_cast<int>(delay.count()));
+        program.kill();
+        program.waitForFinished();
+        if (program.exitStatus() == QProcess::CrashExit) return true;
+        EXPECT_EQ(program.exitCode(), 0) << program.readAllStandardError().toStdString();
+        return false;
+    }
+
+    [[nodiscard]] qint64 bytesThere() const {
+        return std::max(QFile(m_files.received()).size(), QFile(m_files.partial()).size());
+    }
+    /// Where the answers began that have been given since the last call.
+    [[nodiscard]] std::vector<qint64> newBeginnings() {
+        std::vector<qint64> beginnings;
+        const auto answers = m_server.answers();
+        for (; m_seenAnswers < answers.size(); ++m_seenAnswers)
+            beginnings.push_back(answers[m_seenAnswers].firstByte);
+        return beginnings;
+    }
+    /// That whatever is installed is the model; makes room for the next.
+    void takeModel() {
+        if (!m_files.isInstalled()) return;
+        EXPECT_EQ(read(m_files.active()), m_model);
+        QFile::remove(m_files.active());
+        ++m_installCount;
+    }
+
+    const QByteArray m_model = someBytes(24 * mebibyte);
+    const QString m_digest = sha256(m_model);
+    QTemporaryDir m_serverHome;
+    FileServer m_server;
+    std::size_t m_seenAnswers = 0;
+    int m_installCount = 0;
+
+private:
+    [[nodiscard]] QString writeModel() const {
+        QFile file(m_serverHome.filePath(QStringLiteral("model.bin")));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(m_model);
+        return file.fileName();
+    }
+};
+
+}  // namespace
+
+TEST_F(ModelKillProgramTest, NoMomentInstallsAWrongFileOrCostsMoreThanAMebibyte) {
+    constexpr int kills = 200;
+    const auto seed = std::random_device()();
+    std::cout << "seed " << seed << std::endl;
+    std::mt19937 random(seed);
+    std::uniform_int_distribution<int> milliseconds(0, 40);
+    qint64 mostFetchedAgain = 0;
+    for (int killed = 0; killed < kills;) {
+        // The digest would hide bytes that were joined wrongly: every second time there is none.
+        m_sha256 = killed % 2 == 0 ? m_digest : QString();
+        const qint64 before = bytesThere();
+        const bool afterRequest = random() % 4 != 0;
+        const bool wasKilled =
+            killAt(afterRequest, std::chrono::milliseconds(milliseconds(random)));
+        for (const qint64 beginning : newBeginnings())
+            mostFetchedAgain = std::max(mostFetchedAgain, before - beginning);
+        ASSERT_LE(mostFetchedAgain, mebibyte) << "after " << killed << " kills, seed " << seed;
+        takeModel();
+        if (wasKilled) ++killed;
+    }
+    m_sha256 = m_digest;
+    EXPECT_EQ(run(QStringLiteral("download")).exitCode, 0);
+    EXPECT_EQ(read(m_files.active()), m_model);
+    std::cout << m_installCount << " installs, at most " << mostFetchedAgain
+              << " bytes fetched again" << std::endl;
+}
+
+}  // namespace quietlark
