@@ -15,6 +15,7 @@ cleanup() {
 trap cleanup EXIT
 
 head -c "$bytes" /dev/urandom >"$home/model.bin"
+sync "$home/model.bin"
 digest=$(sha256sum "$home/model.bin" | cut -d ' ' -f 1)
 mkfifo "$home/input" "$home/output"
 "$file_server" "$home/model.bin" <"$home/input" >"$home/output" &
@@ -23,7 +24,7 @@ exec 3>"$home/input"
 read -r url <"$home/output"
 
 seconds() {
-    local TIMEFORMAT=%R
+    local TIMEFORMAT='%R s (processor %U + %S s)'
     { time "$@" >/dev/null; } 2>&1
 }
 with_curl() { curl -s -o "$home/out" "$url"; }
@@ -32,7 +33,7 @@ with_curl_synced() { curl -s -o "$home/out" "$url" && sync "$home/out"; }
 
 for _ in $(seq "$rounds"); do
     for way in with_curl with_curl_synced with_curl_hashed; do
-        printf '%-18s %s s\n' "$way" "$(seconds "$way")"
+        printf '%-18s %s\n' "$way" "$(seconds "$way")"
         rm -f "$home/out"
     done
     printf '%-18s ' quietlark

@@ -39,13 +39,14 @@ void Checkpoints::run() {
                        [this] { return m_isOver || m_writtenBytes - m_savedBytes >= strideBytes; });
         if (m_isOver) return;
         const qint64 bytes = m_writtenBytes;
+        const auto next = std::chrono::steady_clock::now() + minInterval;
         lock.unlock();
         const FileOutcome outcome = m_save(bytes);
         lock.lock();
         m_savedBytes = bytes;
-        if (outcome) continue;
         m_outcome = outcome;
-        return;
+        if (!m_outcome) return;
+        m_changed.wait_until(lock, next, [this] { return m_isOver; });
     }
 }
 

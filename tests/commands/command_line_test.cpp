@@ -88,6 +88,16 @@ TEST(CommandLineTest, ProbeTakesOneAddress) {
     expectUsageError("probe http://h http://g");
 }
 
+TEST(CommandLineTest, ModelTakesAnAction) {
+    EXPECT_EQ(std::get<ModelArguments>(parsed("model status")).action,
+              ModelArguments::Action::Status);
+    EXPECT_EQ(std::get<ModelArguments>(parsed("model download")).action,
+              ModelArguments::Action::Download);
+    expectUsageError("model");
+    expectUsageError("model delete");
+    expectUsageError("model status download");
+}
+
 TEST(CommandLineTest, UnknownCommandIsWrongUsage) {
     expectUsageError("dictate");
 }
@@ -101,6 +111,7 @@ TEST(CommandLineTest, EachCommandHasItsOwnHelp) {
     expectText("transcribe --help", "quietlark transcribe [OPTIONS] FILE.wav");
     expectText("transcribe --help", "--language");
     expectText("probe -h", "quietlark probe [OPTIONS] URL");
+    expectText("model --help", "quietlark model [OPTIONS] ACTION");
 }
 
 TEST(CommandLineTest, VersionIsShown) {

@@ -1,0 +1,95 @@
+#include "platform/durable_file.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include "platform/boot_session.h"
+#include "platform/directory_lock.h"
+#include "platform/sha256.h"
+
+namespace quietlark {
+
+namespace {
+
+class DurableFileTest : public testing::Test {
+protected:
+    [[nodiscard]] QString path(const char* name) const {
+        return m_home.filePath(QString::fromUtf8(name));
+    }
+    static QByteArray read(const QString& path) {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    QTemporaryDir m_home;
+};
+
+}  // namespace
+
+TEST_F(DurableFileTest, WritesAFileAndNothingBesideIt) {
+    EXPECT_TRUE(writeFileDurably(path("a"), "one"));
+    EXPECT_TRUE(writeFileDurably(path("a"), "two"));
+    EXPECT_EQ(read(path("a")), "two");
+    EXPECT_EQ(QDir(m_home.path()).entryList(QDir::Files), QStringList{QStringLiteral("a")});
+}
+
+TEST_F(DurableFileTest, TellsWhyAFileCannotBeWritten) {
+    EXPECT_EQ(writeFileDurably(path("none/a"), "one").error(),
+              QStringLiteral("No such file or directory"));
+}
+
+TEST_F(DurableFileTest, ReplacesAFileByAnother) {
+    ASSERT_TRUE(writeFileDurably(path("a"), "old"));
+    ASSERT_TRUE(writeFileDurably(path("b"), "new"));
+    EXPECT_TRUE(replaceFile(path("b"), path("a")));
+    EXPECT_EQ(read(path("a")), "new");
+    EXPECT_FALSE(QFile::exists(path("b")));
+}
+
+TEST_F(DurableFileTest, DoesNotReplaceADirectory) {
+    ASSERT_TRUE(writeFileDurably(path("a"), "file"));
+    ASSERT_TRUE(QDir().mkpath(path("b")));
+    EXPECT_EQ(replaceFile(path("a"), path("b")).error(), QStringLiteral("Is a directory"));
+    EXPECT_EQ(read(path("a")), "file");
+}
+
+TEST_F(DurableFileTest, SyncsWhatIsThereOnly) {
+    EXPECT_TRUE(syncDirectory(m_home.path()));
+    EXPECT_FALSE(syncDirectory(path("none")));
+    EXPECT_FALSE(syncFile(-1));
+}
+
+TEST_F(DurableFileTest, ADirectoryIsLockedForOneAtATime) {
+    {
+        const auto first = DirectoryLock::tryLock(m_home.path());
+        EXPECT_TRUE(first);
+        EXPECT_FALSE(DirectoryLock::tryLock(m_home.path()));
+    }
+    EXPECT_TRUE(DirectoryLock::tryLock(m_home.path()));
+    EXPECT_FALSE(DirectoryLock::tryLock(path("none")));
+}
+
+TEST(BootSessionTest, IsTheSameAllTheTime) {
+    EXPECT_FALSE(bootSession().isEmpty());
+    EXPECT_EQ(bootSession(), bootSession());
+}
+
+// The examples of FIPS 180-4.
+TEST(Sha256Test, AnswersThePublishedDigests) {
+    Sha256 digest;
+    EXPECT_EQ(digest.takeHex(), "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855");
+    digest.add("abc");
+    EXPECT_EQ(digest.takeHex(), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+}
+
+TEST(Sha256Test, PiecesCountAsOne) {
+    Sha256 digest;
+    digest.add("a");
+    digest.add("");
+    digest.add("bc");
+    EXPECT_EQ(digest.takeHex(), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+}
+
+}  // namespace quietlark
