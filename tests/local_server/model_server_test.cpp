@@ -1,4 +1,5 @@
 #include <QFileInfo>
+#include <QPointer>
 
 #include "local_server/model_server_fixture.h"
 
@@ -43,8 +44,9 @@ TEST_F(ModelServerTest, AServerError) {
 }
 
 TEST_F(ModelServerTest, AnExpiredAddressBehindARedirect) {
-    serverDoes(modelCutAt(mebibyte));
-    download();
+    serverDoes(http_reply::bytesAndSilence(head(0) + m_model.first(mebibyte)));
+    start();
+    ASSERT_TRUE(waitUntil([this] { return m_downloader->bytesWritten() == mebibyte; }));
     const QByteArray location = "Location: " + m_server.url().toUtf8() + "/signed\r\n";
     serverDoes(http_reply::answer(302, {}, location));
     m_server.on("/signed", http_reply::answer(403, "expired"));
@@ -103,14 +105,27 @@ TEST_F(ModelServerTest, AnotherLengthThanThePublishedOne) {
 }
 
 TEST_F(ModelServerTest, AShortBodyIsContinued) {
-    serverDoes(modelCutAt(mebibyte));
+    serverDoes(modelCutAt(2 * mebibyte));
     EXPECT_TRUE(failure(download()).ends_with(cutShort));
     EXPECT_FALSE(isSomethingInstalled());
-    const qint64 before = receivedBytes();
-    EXPECT_EQ(before, mebibyte);
     serverDoes(model());
     EXPECT_EQ(download().kind, State::Case::ready);
-    EXPECT_EQ(lastRange(), "bytes=" + QByteArray::number(before) + '-');
+    EXPECT_TRUE(isInstalled());
+}
+
+TEST_F(ModelServerTest, ALostConnectionCostsNothingOfWhatArrived) {
+    QPointer<QTcpSocket> connection;
+    serverDoes([&](QTcpSocket& socket) {
+        connection = &socket;
+        send(socket, mebibyte);
+    });
+    start();
+    ASSERT_TRUE(waitUntil([this] { return m_downloader->bytesWritten() == mebibyte; }));
+    http_reply::reset()(*connection);
+    ASSERT_TRUE(waitUntil([this] { return m_downloader->state().kind == State::Case::failed; }));
+    serverDoes(model());
+    EXPECT_EQ(download().kind, State::Case::ready);
+    EXPECT_EQ(lastRange(), "bytes=" + QByteArray::number(mebibyte) + '-');
     EXPECT_TRUE(isInstalled());
 }
 
@@ -206,6 +221,7 @@ TEST_F(ModelServerTest, NoContentLengthAndNoDigest) {
 
 TEST_F(ModelServerTest, ChunksThatAreCutShort) {
     m_source.sha256.reset();
+    m_source.idleTimeout = 300ms;
     serverDoes(
         http_reply::bytesAndClose("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n"
                                   "100000\r\n" +
@@ -224,7 +240,7 @@ TEST_F(ModelServerTest, ADirectoryInTheModelsPlace) {
 }
 
 TEST_F(ModelServerTest, AResumeFileOfGarbage) {
-    serverDoes(modelCutAt(mebibyte));
+    serverDoes(modelCutAt(2 * mebibyte));
     download();
     QFile record(m_files.resume());
     ASSERT_TRUE(record.open(QIODevice::WriteOnly));
@@ -237,7 +253,7 @@ TEST_F(ModelServerTest, AResumeFileOfGarbage) {
 }
 
 TEST_F(ModelServerTest, AServerThatIgnoresTheRange) {
-    serverDoes(modelCutAt(mebibyte));
+    serverDoes(modelCutAt(2 * mebibyte));
     download();
     serverDoes(http_reply::answer(200, m_model));
     EXPECT_EQ(download().kind, State::Case::ready);
@@ -245,20 +261,23 @@ TEST_F(ModelServerTest, AServerThatIgnoresTheRange) {
 }
 
 TEST_F(ModelServerTest, AFileThatWasChangedMeanwhile) {
-    serverDoes(http_reply::bytesAndClose(head(0) + someBytes(2 * mebibyte).last(mebibyte)));
-    download();
-    EXPECT_EQ(receivedBytes(), mebibyte);
+    serverDoes(http_reply::bytesAndSilence(head(0) + QByteArray(mebibyte, 'x')));
+    start();
+    ASSERT_TRUE(waitUntil([this] { return m_downloader->bytesWritten() == mebibyte; }));
     serverDoes(http_reply::answer(200, m_model, "ETag: \"two\"\r\n"));
     EXPECT_EQ(download().kind, State::Case::ready);
+    EXPECT_EQ(lastRange(), "bytes=" + QByteArray::number(mebibyte) + '-');
     EXPECT_TRUE(isInstalled());
 }
 
 TEST_F(ModelServerTest, ARangeThatTheServerNoLongerHas) {
-    serverDoes(modelCutAt(mebibyte));
-    download();
+    serverDoes(http_reply::bytesAndSilence(head(0) + m_model.first(mebibyte)));
+    start();
+    ASSERT_TRUE(waitUntil([this] { return m_downloader->bytesWritten() == mebibyte; }));
     serverDoes(
         http_reply::first(http_reply::answer(416, {}, "Content-Range: bytes */5\r\n"), model()));
     EXPECT_EQ(download().kind, State::Case::ready);
+    EXPECT_TRUE(lastRange().isNull());
     EXPECT_TRUE(isInstalled());
 }
 

@@ -14,9 +14,9 @@ namespace quietlark {
 namespace {
 
 // What may wait between the network and the handlers. More makes nothing faster, and is lost when
-// the program is.
-constexpr qint64 bufferBytes = 512 * 1024;
-constexpr qint64 pieceBytes = 256 * 1024;
+// the program or the connection is.
+constexpr qint64 bufferBytes = 256 * 1024;
+constexpr qint64 pieceBytes = 128 * 1024;
 
 }  // namespace
 
@@ -58,9 +58,6 @@ void HttpStreamExchange::send(QNetworkAccessManager& manager) {
     connect(m_reply, &QNetworkReply::metaDataChanged, this, &HttpStreamExchange::takeHead);
     connect(m_reply, &QNetworkReply::readyRead, this, &HttpStreamExchange::takeBody);
     connect(m_reply, &QNetworkReply::finished, this, &HttpStreamExchange::onFinished);
-    // Chunks that are cut short are an error without an end.
-    connect(m_reply, &QNetworkReply::errorOccurred, this, &HttpStreamExchange::onFinished,
-            Qt::QueuedConnection);
 }
 
 void HttpStreamExchange::takeHead() {
