@@ -73,6 +73,7 @@ void HttpStreamExchange::takeBody() {
     while (m_reply && m_reply->isOpen()) {
         const QByteArray piece = m_reply->read(pieceBytes);
         if (piece.isEmpty()) return;
+        m_receivedBytes += piece.size();
         if (const auto onBytes = m_handlers.onBytes) onBytes(piece);
     }
 }
@@ -81,7 +82,17 @@ void HttpStreamExchange::onFinished() {
     takeBody();
     if (!m_reply) return;
     if (!hasWholeAnswer(*m_reply)) return finish(tl::unexpected(transportFailure(*m_reply)));
+    // Qt now and then takes a lost connection for the end of the body.
+    if (m_receivedBytes < promisedBytes()) {
+        return finish(tl::unexpected(answerCutShort(m_reply->url())));
+    }
     finish({});
+}
+
+qint64 HttpStreamExchange::promisedBytes() const {
+    constexpr int notModified = 304;  // the one answer with a length and no body
+    if (statusOf(*m_reply) == notModified) return 0;
+    return m_reply->rawHeader("Content-Length").toLongLong();
 }
 
 HttpHead HttpStreamExchange::head() const {

@@ -28,12 +28,15 @@ private:
     void takeBody();
     void onFinished();
     [[nodiscard]] HttpHead head() const;
+    /// Of the body, as far as its head says.
+    [[nodiscard]] qint64 promisedBytes() const;
     void finish(const tl::expected<void, TransportError>& outcome);
     void dropReply();
 
     const HttpStreamRequest m_request;
     HttpStreams::Handlers m_handlers;  ///< empty once the last has run, or it was withdrawn
     bool m_hasHead = false;
+    qint64 m_receivedBytes = 0;
     QPointer<QNetworkReply> m_reply;
 };
 

@@ -95,6 +95,12 @@ TransportError transportFailure(const QNetworkReply& reply) {
                    Sentences::of(reply.error()).arg(serverName(reply.url())), reply.errorString());
 }
 
+TransportError answerCutShort(const QUrl& url) {
+    const Error error = QNetworkReply::RemoteHostClosedError;
+    return failure(url, error, Sentences::of(error).arg(serverName(url)),
+                   QStringLiteral("shorter than its length"));
+}
+
 TransportError answerTooLong(const QUrl& url) {
     return failure(url, QNetworkReply::UnknownContentError,
                    Sentences::tooLong().arg(serverName(url)),

@@ -15,6 +15,9 @@ namespace quietlark {
 /// Why a finished reply did not bring a whole answer.
 [[nodiscard]] TransportError transportFailure(const QNetworkReply& reply);
 
+/// The body ended before the length that its head has promised.
+[[nodiscard]] TransportError answerCutShort(const QUrl& url);
+
 /// The body went on beyond what HttpClient accepts.
 [[nodiscard]] TransportError answerTooLong(const QUrl& url);
 
