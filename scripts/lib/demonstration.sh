@@ -11,12 +11,13 @@ demonstrate() {
     start_microphone
     scratch="$desktop/scratch.txt"
     say "Starting the speech server, Quietlark and an editor (mousepad)"
-    write_configuration
     if [ -z "$recording" ]; then
         recording="$desktop/speech.wav"
         synthesise "$1" "$recording"
     fi
     start_server
+    choose_started_server
+    write_configuration
     start_quietlark
     open_mousepad "$scratch"
     put_on_clipboard "$clipboard_before"

@@ -5,7 +5,9 @@
 control=37 alt=64 space=65
 default_hotkey="$control $alt $space"
 
-# write_configuration [HOTKEY [TOGGLE_HOTKEY]]: for the local server, into $XDG_CONFIG_HOME.
+# write_configuration [HOTKEY [TOGGLE_HOTKEY]]: into $XDG_CONFIG_HOME, for the server that
+# $server_mode says, else for the local one.
+server_mode='{ "local": {} }'
 write_configuration() {
     local folder="$XDG_CONFIG_HOME/Quietlark"
     mkdir -p "$folder"
@@ -16,7 +18,7 @@ write_configuration() {
     "launchAtLogin": false,
     "onboardingComplete": true,
     "onboardingStep": 0,
-    "serverMode": { "local": {} },
+    "serverMode": $server_mode,
     "toggleHotkey": "${2:-}"
 }
 JSON
@@ -30,7 +32,22 @@ start_server() {
         fail "The speech server did not start."
 }
 
+# A program that is not installed tells its user so, and does less.
+export_build_as_installed() {
+    QUIETLARK_APPLICATIONS=$(dirname "$(dirname "$bin")")
+    export QUIETLARK_APPLICATIONS
+}
+
+# Makes the server that was started the one to be configured, as one on the network would be.
+choose_started_server() {
+    local address
+    address=$(sed -n 's|^listening on http://||p' "$logs/server.out")
+    server_mode="{ \"manualRemote\": { \"host\": \"${address%:*}\", \"port\": ${address##*:},"
+    server_mode+=' "scheme": "http" } }'
+}
+
 start_quietlark() {
+    export_build_as_installed
     start quietlark "$bin/quietlark"
     quietlark_id=$started_id
     wait_for_line 60 "$quietlark_id" "$logs/quietlark.out" '^ready' ||

@@ -11,6 +11,7 @@ open_virtual_desktop() {
     export_private_session
     start_screen
     start_session_bus
+    start_network
     start_window_manager
 }
 
@@ -26,9 +27,12 @@ export_private_session() {
     export DBUS_SESSION_BUS_ADDRESS="unix:path=$XDG_RUNTIME_DIR/bus"
     export PULSE_SERVER="unix:$XDG_RUNTIME_DIR/pulse/native"
     export QUIETLARK_ENDPOINT_FILE="$desktop/quietlark.endpoint"
+    # Nothing here fetches the speech model, nor meets the servers on the user's network.
+    export QUIETLARK_MODEL_URL="http://127.0.0.1:9/"
+    export DBUS_SYSTEM_BUS_ADDRESS="unix:path=$desktop/network/bus"
     export LC_ALL=C.UTF-8 GDK_BACKEND=x11 QT_QPA_PLATFORM=xcb
     export GSETTINGS_BACKEND=memory NO_AT_BRIDGE=1
-    unset WAYLAND_DISPLAY XAUTHORITY SESSION_MANAGER PULSE_COOKIE PULSE_SINK PULSE_SOURCE
+    unset WAYLAND_DISPLAY XDG_SESSION_TYPE XDG_CURRENT_DESKTOP XAUTHORITY SESSION_MANAGER PULSE_COOKIE PULSE_SINK PULSE_SOURCE
     unset PULSE_RUNTIME_PATH PIPEWIRE_REMOTE PIPEWIRE_RUNTIME_DIR
 }
 
@@ -44,6 +48,39 @@ start_screen() {
 start_session_bus() {
     start bus dbus-daemon --session --nofork --nopidfile --address="$DBUS_SESSION_BUS_ADDRESS"
     wait_until 30 test -S "$XDG_RUNTIME_DIR/bus" || fail "The session bus did not start."
+}
+
+avahi_answers() {
+    dbus-send --bus="$DBUS_SYSTEM_BUS_ADDRESS" --print-reply --dest=org.freedesktop.Avahi / \
+        org.freedesktop.Avahi.Server.GetVersionString
+}
+
+# A local network of this desktop's own, with nobody else on it. It takes namespaces, which only
+# root has everywhere; without it Quietlark reports that it sees no network.
+start_network() {
+    [ "$(id -u)" = 0 ] || return 0
+    mkdir "$desktop/network"
+    cat >"$desktop/network/bus.conf" <<XML
+<busconfig>
+  <listen>unix:path=$desktop/network/bus</listen>
+  <policy context="default">
+    <allow own="*"/>
+    <allow send_destination="*"/>
+    <allow receive_sender="*"/>
+  </policy>
+</busconfig>
+XML
+    printf '[server]\nhost-name=virtual-desktop\nuse-ipv6=no\nallow-interfaces=lo\n' \
+        >"$desktop/network/avahi.conf"
+    # shellcheck disable=SC2016
+    start network unshare --net --mount --propagation private --pid --fork --kill-child \
+        --mount-proc bash -c '
+            mount -t tmpfs tmpfs /run && mkdir /run/avahi-daemon && ip link set lo up
+            dbus-daemon --config-file="$0/bus.conf" --nofork --nopidfile &
+            until [ -S "$0/bus" ]; do sleep 0.01; done
+            exec avahi-daemon -f "$0/avahi.conf" --no-drop-root --no-chroot --no-rlimits
+        ' "$desktop/network"
+    wait_until 30 avahi_answers || fail "The virtual network (avahi-daemon) did not start."
 }
 
 window_manager_is_there() {

@@ -85,7 +85,8 @@ bool AppDelegate::applicationShouldHandleReopen(bool hasVisibleWindows) {
 
 void AppDelegate::reloadHotkeys() {
     if (!m_hotkeys) m_hotkeys.emplace(m_appState.dictation(), m_keyboard, m_scheduler);
-    m_hotkeys->reload(m_appState.config());
+    const QStringList complaints = m_hotkeys->reload(m_appState.config());
+    Q_EMIT hotkeysLoaded(*m_hotkeys, complaints);
 }
 
 void AppDelegate::stop() {

@@ -66,6 +66,10 @@ public:
     void stop();
 
 Q_SIGNALS:
+    /// The hotkeys are those of the settings now; `complaints` says of each that does not parse
+    /// why.
+    void hotkeysLoaded(const quietlark::DictationHotkeys& hotkeys, const QStringList& complaints);
+
     /// The user wants the application removed.
     void uninstallRequested();
 

@@ -6,19 +6,6 @@ namespace quietlark {
 
 namespace {
 
-void toggle(Dictation& dictation) {
-    switch (dictation.state().kind) {
-        case DictationState::Case::idle:
-        case DictationState::Case::error:
-        case DictationState::Case::unreachable:
-            return dictation.beginRecord();
-        case DictationState::Case::recording:
-            return dictation.endRecord();
-        case DictationState::Case::transcribing:
-            return;
-    }
-}
-
 /// Takes over the hotkey that was made, or notes why there is none.
 template <typename Hotkey>
 void adopt(tl::expected<std::unique_ptr<Hotkey>, HotkeyParse::ParseError> made,
@@ -54,7 +41,8 @@ QStringList DictationHotkeys::reload(const Config& config) {
               m_hold, complaints);
     }
     if (!config.toggleHotkey.isEmpty()) {
-        adopt(ToggleHotkey::create(config.toggleHotkey, m_keyboard, m_scheduler, tell(toggle)),
+        adopt(ToggleHotkey::create(config.toggleHotkey, m_keyboard, m_scheduler,
+                                   tell([](Dictation& dictation) { dictation.toggle(); })),
               m_toggle, complaints);
     }
     return complaints;

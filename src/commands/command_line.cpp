@@ -22,6 +22,10 @@ public:
             "  probe URL            Prints what kind of transcription server answers there.\n"
             "  model status         Prints whether the speech model is there, and how much of it.\n"
             "  model download       Fetches the speech model; goes on where it was stopped.\n"
+            "  servers              Lists the transcription servers on the local network.\n"
+            "  dictation ACTION     Has the running program start, stop, toggle or tell its "
+            "status.\n"
+            "  doctor               Says what works here, what is missing and what to do.\n"
             "\n"
             "Options:\n"
             "  -h, --help     Shows this help; after a command, the help for it.\n"
@@ -35,6 +39,9 @@ public:
     static Invocation transcribe(const QStringList& arguments);
     static Invocation probe(const QStringList& arguments);
     static Invocation model(const QStringList& arguments);
+    static Invocation dictation(const QStringList& arguments);
+    static Invocation servers(const QStringList& arguments);
+    static Invocation doctor(const QStringList& arguments);
     static Invocation unknown(const QString& argument) {
         if (argument.startsWith(u'-')) {
             return UsageError{tr("There is no option “%1”; see quietlark --help.").arg(argument)};
@@ -49,7 +56,7 @@ private:
     static QString helpText(const QCommandLineParser& parser, const QString& command,
                             const QString& operand) {
         const QString text = parser.helpText().trimmed();
-        return tr("Usage: quietlark %1 [OPTIONS] %2").arg(command, operand) +
+        return tr("Usage: quietlark %1 [OPTIONS] %2").arg(command, operand).trimmed() +
                text.sliced(text.indexOf(u'\n'));
     }
     static UsageError notAServer(const QString& text) {
@@ -60,6 +67,8 @@ private:
 const QString helpOption = QStringLiteral("help");
 const QString serverOption = QStringLiteral("server");
 const QString languageOption = QStringLiteral("language");
+const QString secondsOption = QStringLiteral("seconds");
+constexpr int longestSearchSeconds = 3600;
 
 bool isServerAddress(const QString& text) {
     const QUrl url(text, QUrl::StrictMode);
@@ -73,7 +82,8 @@ std::optional<QString> value(const QCommandLineParser& parser, const QString& op
     return parser.value(option);
 }
 
-/// What is common to all commands of one operand; nothing when the command is to be run.
+/// What is common to all commands, whose operand may be empty for none; nothing when the command is
+/// to be run.
 std::optional<Invocation> CommandLine::parse(QCommandLineParser& parser, const QString& operand,
                                              const QStringList& arguments) {
     parser.addOption({{QStringLiteral("h"), helpOption}, tr("Shows this help.")});
@@ -84,7 +94,10 @@ std::optional<Invocation> CommandLine::parse(QCommandLineParser& parser, const Q
     if (parser.isSet(helpOption)) return ShowText{helpText(parser, command, operand)};
     // The first is the command's own name.
     const qsizetype count = parser.positionalArguments().size() - 1;
-    if (count == 1) return std::nullopt;
+    if (count == (operand.isEmpty() ? 0 : 1)) return std::nullopt;
+    if (operand.isEmpty()) {
+        return UsageError{tr("%1 takes no operand; see quietlark %1 --help.").arg(command)};
+    }
     const QString text = count < 1 ? tr("%1 is missing; see quietlark %2 --help.")
                                    : tr("There is more than one %1; see quietlark %2 --help.");
     return UsageError{text.arg(operand, command)};
@@ -135,6 +148,53 @@ Invocation CommandLine::model(const QStringList& arguments) {
     return UsageError{tr("“%1” is neither status nor download.").arg(action)};
 }
 
+Invocation CommandLine::dictation(const QStringList& arguments) {
+    const QString operand = QStringLiteral("ACTION");
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        tr("Drives the program that runs in this session, for desktops that bind keys themselves. "
+           "Prints how dictation stands."));
+    parser.addPositionalArgument(operand, tr("What to do: start, stop, toggle or status."));
+    if (auto outcome = parse(parser, operand, arguments)) return *outcome;
+    const QString action = parser.positionalArguments().last();
+    if (action == QLatin1String("start")) return DictationArguments{DictationOrder::start};
+    if (action == QLatin1String("stop")) return DictationArguments{DictationOrder::stop};
+    if (action == QLatin1String("toggle")) return DictationArguments{DictationOrder::toggle};
+    if (action == QLatin1String("status")) return DictationArguments{DictationOrder::status};
+    return UsageError{tr("“%1” is none of start, stop, toggle and status.").arg(action)};
+}
+
+Invocation CommandLine::servers(const QStringList& arguments) {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        tr("Lists the transcription servers that announce themselves on the local network: name, "
+           "address, speed as a multiple of real time, model and processor."));
+    parser.addOption(
+        {secondsOption, tr("How long to listen for them; 3 if not given."), QStringLiteral("N")});
+    if (auto outcome = parse(parser, QString(), arguments)) return *outcome;
+    ServersArguments chosen;
+    if (const auto text = value(parser, secondsOption)) {
+        bool isNumber = false;
+        const int seconds = text->toInt(&isNumber);
+        if (!isNumber || seconds < 1 || seconds > longestSearchSeconds) {
+            return UsageError{tr("“%1” is not a number of seconds from 1 to %2.")
+                                  .arg(*text)
+                                  .arg(longestSearchSeconds)};
+        }
+        chosen.duration = std::chrono::seconds(seconds);
+    }
+    return chosen;
+}
+
+Invocation CommandLine::doctor(const QStringList& arguments) {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        tr("Prints a line for each permission and each part of the desktop that dictation needs. "
+           "The exit status is 1 when anything is missing."));
+    if (auto outcome = parse(parser, QString(), arguments)) return *outcome;
+    return DoctorArguments{};
+}
+
 }  // namespace
 
 Invocation parseCommandLine(const QStringList& arguments) {
@@ -143,6 +203,9 @@ Invocation parseCommandLine(const QStringList& arguments) {
     if (first == QLatin1String("transcribe")) return CommandLine::transcribe(arguments);
     if (first == QLatin1String("probe")) return CommandLine::probe(arguments);
     if (first == QLatin1String("model")) return CommandLine::model(arguments);
+    if (first == QLatin1String("dictation")) return CommandLine::dictation(arguments);
+    if (first == QLatin1String("servers")) return CommandLine::servers(arguments);
+    if (first == QLatin1String("doctor")) return CommandLine::doctor(arguments);
     if (first == QLatin1String("--help") || first == QLatin1String("-h")) {
         return ShowText{CommandLine::help()};
     }

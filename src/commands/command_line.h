@@ -1,10 +1,13 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <variant>
 
 #include <QString>
 #include <QStringList>
+
+#include "platform/running_application.h"
 
 namespace quietlark {
 
@@ -30,6 +33,19 @@ struct ModelArguments {
     Action action = Action::Status;
 };
 
+/// `dictation start|stop|toggle|status`
+struct DictationArguments {
+    DictationOrder order = DictationOrder::status;
+};
+
+/// `servers [--seconds N]`
+struct ServersArguments {
+    std::chrono::seconds duration{3};  ///< of the search; at least one
+};
+
+/// `doctor`
+struct DoctorArguments {};
+
 /// `--help`, `--version`: a text that answers everything.
 struct ShowText {
     QString text;  ///< without a last line end
@@ -40,8 +56,9 @@ struct UsageError {
     QString sentence;  ///< for the user
 };
 
-using Invocation = std::variant<StartApplication, TranscribeArguments, ProbeArguments,
-                                ModelArguments, ShowText, UsageError>;
+using Invocation =
+    std::variant<StartApplication, TranscribeArguments, ProbeArguments, ModelArguments,
+                 DictationArguments, ServersArguments, DoctorArguments, ShowText, UsageError>;
 
 /// Understands the program's arguments, the first of which is the program's name. Needs a
 /// QCoreApplication. No side effects.

@@ -34,6 +34,19 @@ void Dictation::endRecord() {
     setState({Case::transcribing, {}});
 }
 
+void Dictation::toggle() {
+    switch (m_state.kind) {
+        case Case::idle:
+        case Case::error:
+        case Case::unreachable:
+            return beginRecord();
+        case Case::recording:
+            return endRecord();
+        case Case::transcribing:
+            return;
+    }
+}
+
 void Dictation::invalidateCache() {
     m_cached.reset();
     m_cachedFor.reset();

@@ -44,6 +44,9 @@ public:
     /// Ends the recording and starts on its text; ignored when nothing is being recorded.
     void endRecord();
 
+    /// Does whichever of the two applies; nothing while a recording becomes text.
+    void toggle();
+
     /// Forgets the server found last, and an error with it; for when the user has chosen another.
     void invalidateCache();
 

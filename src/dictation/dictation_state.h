@@ -26,6 +26,23 @@ struct DictationState {
     bool operator==(const DictationState&) const = default;
 };
 
+/// Such as "idle", for other programs.
+[[nodiscard]] inline QString nameOf(DictationState::Case kind) {
+    switch (kind) {
+        case DictationState::Case::error:
+            return QStringLiteral("error");
+        case DictationState::Case::unreachable:
+            return QStringLiteral("unreachable");
+        case DictationState::Case::recording:
+            return QStringLiteral("recording");
+        case DictationState::Case::transcribing:
+            return QStringLiteral("transcribing");
+        case DictationState::Case::idle:
+            break;
+    }
+    return QStringLiteral("idle");
+}
+
 }  // namespace quietlark
 
 Q_DECLARE_METATYPE(quietlark::DictationState)

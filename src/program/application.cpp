@@ -1,16 +1,29 @@
 #include "program/application.h"
 
 #include <cstdlib>
-#include <iostream>
+#include <memory>
+#include <utility>
 
-#include <QCoreApplication>
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QProcessEnvironment>
+
+#include "local_server/model_source.h"
+#include "platform/qt/qt_http_streams.h"
+#include "program/display.h"
+#include "ui/overview.h"
 
 namespace quietlark {
 
 namespace {
 
-void complain(const QString& sentence) {
-    std::cerr << "quietlark: " << sentence.toStdString() << std::endl;
+AppState::Files stateFiles() {
+    return {Config::defaultFileURL(), ModelFiles::atDefaultDirectory(), EndpointFile()};
+}
+
+QString defaultsPath() {
+    return QFileInfo(Config::defaultFileURL()).dir().filePath(QStringLiteral("defaults.ini"));
 }
 
 /// What the user can do now, such as "hold ctrl+alt+space to dictate".
@@ -23,47 +36,120 @@ QString invitation(const Config& config, const DictationHotkeys& hotkeys) {
 
 }  // namespace
 
-Application::Application()
-    : m_log("net.quietlark.app", "dictation"),
-      // There is no window of our own that could have the focus.
-      m_keyboard(m_keyConnection, [] { return false; }),
-      m_keys(m_keyConnection),
-      m_pasteboard(m_scheduler),
-      m_config(Config::load(Config::defaultFileURL())),
+Application::Application(SessionBusService& service, Console& console)
+    : m_console(console),
+      m_service(service),
+      m_desktop([] { return QApplication::activeWindow() != nullptr; }),
+      m_log("net.quietlark.app", "dictation"),
+      m_pasteboard(m_desktop.scheduler),
       m_transcription{ServerEndpoint(m_endpointFile), ServerResolver(m_http),
-                      TranscriptionClient(m_http, m_scheduler, m_log)},
-      m_recorder(Dictation::sampleRateHz, m_microphone),
-      m_paster(m_pasteboard, m_keys, m_scheduler),
-      m_dictation([this] { return m_config; }, m_recorder, m_transcription, m_paster, m_scheduler),
-      m_hotkeys(m_dictation, m_keyboard, m_scheduler) {
-    connect(&m_dictation, &Dictation::onStateChange, this, &Application::report);
-    connect(&m_keyConnection, &X11KeyConnection::displayLost, this,
+                      TranscriptionClient(m_http, m_desktop.scheduler, m_log)},
+      m_recorder(Dictation::sampleRateHz, m_desktop.microphone),
+      m_paster(m_pasteboard, m_desktop.keys, m_desktop.scheduler),
+      m_modelFetcher(ModelSource::configured(QProcessEnvironment::systemEnvironment()),
+                     ModelFiles::atDefaultDirectory(), m_desktop.scheduler, m_worker.scheduler(),
+                     [] { return std::make_unique<QtHttpStreams>(); }),
+      m_state(stateFiles(), makers()),
+      m_statusItem(m_desktop.scheduler),
+      m_windows(contents()),
+      m_installation(QCoreApplication::applicationFilePath(), QDir::homePath(),
+                     qEnvironmentVariable("QUIETLARK_APPLICATIONS")),
+      m_defaults(defaultsPath()),
+      m_delegate(m_state, {m_statusItem, m_windows, m_shell},
+                 {m_desktop.keyboard, m_desktop.permissions, m_installation, m_defaults},
+                 m_notifications, m_desktop.scheduler),
+      m_gate(m_desktop.scheduler) {
+    connect(&m_desktop.keyConnection, &X11KeyConnection::displayLost, this,
             &Application::endWithoutDisplay);
     connect(&m_quitSignals, &QuitSignals::quitRequested, qApp, &QCoreApplication::quit);
+    connect(&m_delegate, &AppDelegate::hotkeysLoaded, this, &Application::sayHow);
+    connect(&m_state.dictation(), &Dictation::onStateChange, this, &Application::report);
+    connect(&m_service, &SessionBusService::reopenRequested, &m_delegate,
+            [this] { m_delegate.applicationShouldHandleReopen(m_windows.isAnyVisible()); });
+    connect(&m_statusItem, &TrayStatusItem::noTray, this, [this] {
+        m_console.complain(
+            tr("This desktop has no tray for the icon. Start quietlark again to open its window."));
+    });
+    m_gate.wait([this] { return m_desktop.isKnown(); }, [this] { launch(); });
 }
 
-int Application::run() {
-    if (const auto unavailable = m_keyboard.unavailable()) {
-        complain(unavailable->reason);
-        return EXIT_FAILURE;
+DictationReport Application::carryOut(DictationOrder order) {
+    Dictation& dictation = m_state.dictation();
+    switch (order) {
+        case DictationOrder::start:
+            dictation.beginRecord();
+            break;
+        case DictationOrder::stop:
+            dictation.endRecord();
+            break;
+        case DictationOrder::toggle:
+            dictation.toggle();
+            break;
+        case DictationOrder::status:
+            break;
     }
-    for (const QString& complaint : m_hotkeys.reload(m_config))
-        complain(complaint);
-    if (!m_hotkeys.hasHold() && !m_hotkeys.hasToggle()) {
-        complain(tr("There is no hotkey to dictate with: see \"hotkey\" in %1.")
-                     .arg(Config::defaultFileURL()));
-        return EXIT_FAILURE;
+    return {nameOf(dictation.state().kind), dictation.state().message};
+}
+
+AppState::Makers Application::makers() {
+    return {[this] {
+                return std::make_unique<DiscoveredServers>(
+                    m_desktop.network, m_desktop.localHostName, m_desktop.scheduler);
+            },
+            [this] {
+                return std::make_unique<DaemonController>(m_desktop.serverUnit, m_desktop.settings,
+                                                          m_desktop.scheduler);
+            },
+            [this] {
+                return std::make_unique<ModelDownloader>(ModelFiles::atDefaultDirectory(),
+                                                         m_modelFetcher, m_notifications,
+                                                         m_desktop.scheduler);
+            },
+            [this](Dictation::Settings settings) {
+                return std::make_unique<Dictation>(std::move(settings), m_recorder, m_transcription,
+                                                   m_paster, m_desktop.scheduler);
+            }};
+}
+
+QtAppWindows::Contents Application::contents() {
+    const auto make = [this]() -> QWidget* {
+        return new Overview(overview(m_state.config(), m_desktop.permissions.explanations(),
+                                     Config::defaultFileURL()));
+    };
+    return {make, make, make};
+}
+
+void Application::launch() {
+    m_delegate.applicationDidFinishLaunching();
+    const auto explanations = m_desktop.permissions.explanations();
+    for (const auto& explanation : {explanations.microphone, explanations.inputMonitoring,
+                                    explanations.accessibility, explanations.localNetwork}) {
+        if (explanation) m_console.complain(*explanation);
     }
-    std::cout << invitation(m_config, m_hotkeys).toStdString() << std::endl;
-    return QCoreApplication::exec();
+}
+
+void Application::sayHow(const DictationHotkeys& hotkeys, const QStringList& complaints) {
+    for (const QString& complaint : complaints)
+        m_console.complain(complaint);
+    const bool isReady = hotkeys.hasHold() || hotkeys.hasToggle();
+    const QString how = isReady ? invitation(m_state.config(), hotkeys)
+                                : tr("There is no hotkey to dictate with: see \"hotkey\" in %1.")
+                                      .arg(Config::defaultFileURL());
+    // The hotkeys are loaded more often than they change.
+    if (how == std::exchange(m_saidHow, how)) return;
+    if (isReady)
+        (void)m_console.print(how);
+    else
+        m_console.complain(how);
 }
 
 void Application::report(const DictationState& state) {
-    if (!state.message.isEmpty()) complain(state.message);
+    m_service.announce({nameOf(state.kind), state.message});
+    if (!state.message.isEmpty()) m_console.complain(state.message);
 }
 
 void Application::endWithoutDisplay() {
-    complain(tr("The connection to the X server was lost, so no hotkey can work any more."));
+    sayDisplayIsLost();
     QCoreApplication::exit(EXIT_FAILURE);
 }
 

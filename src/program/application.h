@@ -2,22 +2,29 @@
 
 #include <QObject>
 
-#include "app/dictation_hotkeys.h"
-#include "config/config.h"
+#include "app/app_delegate.h"
+#include "app/launch_gate.h"
+#include "commands/console.h"
 #include "dictation/dictation.h"
 #include "dictation/paster.h"
 #include "dictation/recorder.h"
+#include "local_server/background_model_fetcher.h"
+#include "notifications/notification_center.h"
+#include "platform/linux/installation/linux_installation.h"
 #include "platform/linux/journal/journal_log.h"
-#include "platform/linux/pulse/pulse_audio_input.h"
-#include "platform/linux/x11/keys/x11_key_connection.h"
-#include "platform/linux/x11/keys/x11_key_event_source.h"
-#include "platform/linux/x11/keys/x11_key_synthesizer.h"
+#include "platform/linux/session_bus/session_bus_service.h"
 #include "platform/linux/x11/pasteboard/x11_pasteboard.h"
 #include "platform/qt/qt_http_client.h"
-#include "platform/qt/qt_scheduler.h"
+#include "platform/qt/qt_worker_thread.h"
+#include "platform/qt/settings_user_defaults.h"
+#include "platform/qt_widgets/tray_status_item.h"
+#include "program/desktop_adapters.h"
 #include "program/quit_signals.h"
+#include "state/app_state.h"
 #include "transcription/endpoint_file.h"
 #include "transcription/transcription_service.h"
+#include "ui/qt_app_windows.h"
+#include "ui/qt_application_shell.h"
 
 namespace quietlark {
 
@@ -27,35 +34,47 @@ class Application final : public QObject {
     Q_OBJECT
 
 public:
-    /// Reads the settings and connects to the desktop; never waits for another program.
-    Application();
+    /// Reads the settings, connects to the desktop and begins to work once the desktop has told how
+    /// it stands; never waits for another program. `service` tells others how dictation goes.
+    Application(SessionBusService& service, Console& console);
 
-    /// Installs the hotkeys and runs until asked to quit. Answers the exit status: 0, or 1 with a
-    /// sentence on standard error when no hotkey can work here, or none can any more.
-    int run();
+    /// Does what somebody else in the session wants of dictation.
+    DictationReport carryOut(DictationOrder order);
 
 private:
+    AppState::Makers makers();
+    QtAppWindows::Contents contents();
+    void launch();
+    void sayHow(const DictationHotkeys& hotkeys, const QStringList& complaints);
     void report(const DictationState& state);
     void endWithoutDisplay();
 
+    Console& m_console;
+    SessionBusService& m_service;
     QuitSignals m_quitSignals;
+    DesktopAdapters m_desktop;
 
-    QtScheduler m_scheduler;
-    QtHttpClient m_http;
     JournalLog m_log;
-    X11KeyConnection m_keyConnection;
-    X11KeyEventSource m_keyboard;
-    X11KeySynthesizer m_keys;
+    QtHttpClient m_http;
     X11Pasteboard m_pasteboard;
-    PulseAudioInput m_microphone;
-
-    Config m_config;
     EndpointFile m_endpointFile;
     TranscriptionService m_transcription;
     Recorder m_recorder;
     Paster m_paster;
-    Dictation m_dictation;
-    DictationHotkeys m_hotkeys;
+
+    NotificationCenter m_notifications;
+    QtWorkerThread m_worker;
+    BackgroundModelFetcher m_modelFetcher;
+    AppState m_state;
+
+    TrayStatusItem m_statusItem;
+    QtAppWindows m_windows;
+    QtApplicationShell m_shell;
+    LinuxInstallation m_installation;
+    SettingsUserDefaults m_defaults;
+    AppDelegate m_delegate;
+    LaunchGate m_gate;
+    QString m_saidHow;
 };
 
 }  // namespace quietlark

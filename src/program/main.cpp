@@ -1,14 +1,20 @@
+#include <cstdlib>
 #include <iostream>
 #include <memory>
+#include <optional>
+#include <string_view>
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QProcessEnvironment>
 
 #include "commands/command_line.h"
 #include "commands/console.h"
+#include "commands/dictation_command.h"
+#include "commands/doctor_command.h"
 #include "commands/model_command.h"
 #include "commands/probe_command.h"
 #include "commands/progress_line.h"
+#include "commands/servers_command.h"
 #include "commands/silent_log.h"
 #include "commands/transcribe_command.h"
 #include "config/config.h"
@@ -23,7 +29,10 @@
 #include "platform/qt/qt_worker_thread.h"
 #include "platform/terminal.h"
 #include "program/application.h"
+#include "program/display.h"
+#include "program/examination.h"
 #include "program/quit_signals.h"
+#include "program/single_instance.h"
 #include "transcription/endpoint_file.h"
 #include "transcription/server_endpoint.h"
 #include "transcription/server_resolver.h"
@@ -32,14 +41,18 @@ namespace quietlark {
 
 namespace {
 
-/// Runs a command within the event loop until it is done.
-template <typename Command, typename Arguments>
-int runToItsEnd(Command& command, const Arguments& arguments) {
+/// Runs what `begin` begins within the event loop, until it calls what it is given.
+template <typename Begin>
+int runToItsEnd(const Begin& begin) {
     const auto onDone = [](ExitCode code) { QCoreApplication::exit(static_cast<int>(code)); };
     QMetaObject::invokeMethod(
-        QCoreApplication::instance(), [&] { command.run(arguments, onDone); },
-        Qt::QueuedConnection);
+        QCoreApplication::instance(), [&] { begin(onDone); }, Qt::QueuedConnection);
     return QCoreApplication::exec();
+}
+
+template <typename Command, typename Arguments>
+int runToItsEnd(Command& command, const Arguments& arguments) {
+    return runToItsEnd([&](auto onDone) { command.run(arguments, onDone); });
 }
 
 /// Does what the arguments ask for; answers the exit code.
@@ -88,9 +101,49 @@ public:
 
     int operator()(const UsageError& error) { return wrongUsage(error.sentence); }
 
+    int operator()(const DictationArguments& arguments) {
+        SessionBusApplication application(QDBusConnection::sessionBus());
+        DictationCommand command(application, m_console);
+        return runToItsEnd(command, arguments);
+    }
+
+    int operator()(const ServersArguments& arguments) {
+        QtScheduler scheduler;
+        SystemBus bus(scheduler);
+        AvahiDaemon avahi(bus);
+        AvahiServiceBrowser network(avahi, scheduler);
+        AvahiLocalHostName localHostName(avahi, scheduler);
+        LocalNetworkProbe probe(network);
+        DiscoveredServers servers(network, localHostName, scheduler);
+        const auto problem = [&probe]() -> std::optional<QString> {
+            if (const auto& unavailable = probe.unavailable()) return unavailable->reason;
+            return std::nullopt;
+        };
+        ServersCommand command(servers, problem, scheduler, m_console);
+        return runToItsEnd(command, arguments);
+    }
+
+    int operator()(const DoctorArguments&) {
+        Examination examination(qobject_cast<QApplication*>(qApp) != nullptr);
+        DoctorCommand command(examination.checks(), examination.scheduler(), m_console);
+        return runToItsEnd([&](auto onDone) { command.run(onDone); });
+    }
+
     int operator()(const StartApplication&) {
-        Application application;
-        return application.run();
+        if (!qobject_cast<QApplication*>(qApp)) {
+            m_console.complain(
+                QCoreApplication::translate("Display",
+                                            "There is no X server to show anything on; run this "
+                                            "within the desktop, or see quietlark --help."));
+            return exitStatus(ExitCode::Failed);
+        }
+        std::optional<Application> application;
+        const auto carryOut = [&application](DictationOrder order) {
+            return application ? application->carryOut(order) : DictationReport();
+        };
+        SingleInstance instance(QDBusConnection::sessionBus(), carryOut, m_console);
+        instance.start([&] { application.emplace(instance.service(), m_console); });
+        return QCoreApplication::exec();
     }
 
 private:
@@ -107,8 +160,29 @@ private:
 
 }  // namespace quietlark
 
+namespace quietlark {
+
+namespace {
+
+/// The application and the doctor need the desktop; the other commands work without one.
+std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
+    const bool isDoctor = argc > 1 && std::string_view(argv[1]) == "doctor";
+    if ((argc > 1 && !isDoctor) || !hasDisplay())
+        return std::make_unique<QCoreApplication>(argc, argv);
+    reportLostDisplay();
+    auto application = std::make_unique<QApplication>(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setDesktopFileName(QStringLiteral("net.quietlark.app"));
+    return application;
+}
+
+}  // namespace
+
+}  // namespace quietlark
+
 int main(int argc, char** argv) {
-    QCoreApplication application(argc, argv);
+    const auto application = quietlark::makeApplication(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("Quietlark"));
     const auto invocation = quietlark::parseCommandLine(QCoreApplication::arguments());
     return std::visit(quietlark::Dispatcher{}, invocation);
 }

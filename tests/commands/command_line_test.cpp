@@ -98,6 +98,36 @@ TEST(CommandLineTest, ModelTakesAnAction) {
     expectUsageError("model status download");
 }
 
+TEST(CommandLineTest, DictationTakesOneOfItsActions) {
+    const auto orderOf = [](const char* line) {
+        return std::get<DictationArguments>(parsed(line)).order;
+    };
+    EXPECT_EQ(orderOf("dictation start"), DictationOrder::start);
+    EXPECT_EQ(orderOf("dictation stop"), DictationOrder::stop);
+    EXPECT_EQ(orderOf("dictation toggle"), DictationOrder::toggle);
+    EXPECT_EQ(orderOf("dictation status"), DictationOrder::status);
+    expectUsageError("dictation");
+    expectUsageError("dictation begin");
+    expectUsageError("dictation start stop");
+}
+
+TEST(CommandLineTest, ServersAreListenedForAFewSecondsOrAsLongAsSaid) {
+    const auto durationOf = [](const char* line) {
+        return std::get<ServersArguments>(parsed(line)).duration;
+    };
+    EXPECT_EQ(durationOf("servers"), std::chrono::seconds(3));
+    EXPECT_EQ(durationOf("servers --seconds 10"), std::chrono::seconds(10));
+    for (const char* number : {"0", "-1", "1.5", "many", "99999"})
+        expectUsageError((std::string("servers --seconds ") + number).c_str());
+    expectUsageError("servers 10");
+}
+
+TEST(CommandLineTest, DoctorTakesNothing) {
+    EXPECT_TRUE(std::holds_alternative<DoctorArguments>(parsed("doctor")));
+    expectUsageError("doctor now");
+    expectText("doctor --help", "Usage: quietlark doctor [OPTIONS]\n");
+}
+
 TEST(CommandLineTest, UnknownCommandIsWrongUsage) {
     expectUsageError("dictate");
 }

@@ -8,12 +8,15 @@
 
 namespace quietlark {
 
-LinuxInstallation::LinuxInstallation(QString executable, const QString& home)
+LinuxInstallation::LinuxInstallation(QString executable, const QString& home,
+                                     const QString& furtherRoot)
     : m_executable(std::move(executable)),
       m_sharedDirectories{QStringLiteral("/"), QStringLiteral("/usr"), QStringLiteral("/usr/local"),
                           home, home + QStringLiteral("/.local")},
       m_applicationRoots{QStringLiteral("/opt/"), home + QStringLiteral("/.local/opt/"),
-                         QStringLiteral("/usr/")} {}
+                         QStringLiteral("/usr/")} {
+    if (!furtherRoot.isEmpty()) m_applicationRoots << furtherRoot + u'/';
+}
 
 QString LinuxInstallation::bundlePath() const {
     const QString directory = QFileInfo(m_executable).path();

@@ -10,8 +10,9 @@ namespace quietlark {
 class LinuxInstallation final : public Installation {
 public:
     /// `executable` is its path without symbolic links, as QCoreApplication::applicationFilePath()
-    /// has it; `home` is the user's home directory.
-    LinuxInstallation(QString executable, const QString& home);
+    /// has it; `home` is the user's home directory. `furtherRoot`, if there is one, is one more
+    /// directory that applications may be installed below, for trying the program out.
+    LinuxInstallation(QString executable, const QString& home, const QString& furtherRoot = {});
 
     [[nodiscard]] QString bundlePath() const override;
 
@@ -23,7 +24,7 @@ public:
 private:
     const QString m_executable;
     const QStringList m_sharedDirectories;  ///< whose bin/ is everybody's
-    const QStringList m_applicationRoots;
+    QStringList m_applicationRoots;
 };
 
 }  // namespace quietlark

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <functional>
+
+#include <QObject>
+
+#include "commands/command_line.h"
+#include "commands/exit_code.h"
+#include "platform/scheduler.h"
+#include "servers/discovered_servers.h"
+
+namespace quietlark {
+
+class Console;
+
+/// `quietlark servers`: who offers transcription on the local network.
+class ServersCommand {
+public:
+    using DoneHandler = std::function<void(ExitCode)>;
+    /// Why nothing can be found here, or nothing when the search works.
+    using Problem = std::function<std::optional<QString>()>;
+
+    ServersCommand(DiscoveredServers& servers, Problem problem, Scheduler& scheduler,
+                   Console& console);
+
+    /// Runs once. That there is no server is an answer, not a failure.
+    void run(const ServersArguments& arguments, DoneHandler onDone);
+
+private:
+    void report();
+    [[nodiscard]] bool print(const MDNSBrowser::Entry& server);
+
+    DiscoveredServers& m_servers;
+    const Problem m_problem;
+    Scheduler& m_scheduler;
+    Console& m_console;
+    DoneHandler m_onDone;
+    QObject m_search;
+};
+
+}  // namespace quietlark

@@ -1,0 +1,35 @@
+#include "program/desktop_adapters.h"
+
+#include <utility>
+
+#include <QCoreApplication>
+
+namespace quietlark {
+
+namespace {
+
+QString helpPage() {
+    return QCoreApplication::applicationDirPath() + QStringLiteral("/../share/quietlark/help.html");
+}
+
+}  // namespace
+
+DesktopAdapters::DesktopAdapters(std::function<bool()> hasFocus)
+    : keyboard(keyConnection, std::move(hasFocus)),
+      settings(qEnvironmentVariable("XDG_CURRENT_DESKTOP"), helpPage()),
+      privacy(sessionKindOf(qgetenv("XDG_SESSION_TYPE"), qgetenv("WAYLAND_DISPLAY")), microphone,
+              keyboard, keys),
+      permissions(privacy, settings, scheduler, [this] { return localNetworkProbe().granted(); }) {}
+
+LocalNetworkProbe& DesktopAdapters::localNetworkProbe() {
+    if (!m_localNetworkProbe) m_localNetworkProbe.emplace(network);
+    return *m_localNetworkProbe;
+}
+
+bool DesktopAdapters::isKnown() {
+    const LocalNetworkProbe& probe = localNetworkProbe();
+    return serverUnit.isKnown() && (probe.granted() || probe.unavailable()) &&
+           !microphone.unavailable();
+}
+
+}  // namespace quietlark

@@ -1,0 +1,88 @@
+#include "program/examination.h"
+
+#include "hotkeys/hotkey_parse.h"
+
+namespace quietlark {
+
+Examination::Examination(bool canShowWindows)
+    : m_desktop([] { return false; }),
+      m_pasteboard(m_desktop.scheduler),
+      m_resolver(m_http),
+      m_config(Config::load(Config::defaultFileURL())),
+      m_serverAddress(ServerEndpoint(m_endpointFile).baseURL(m_config.serverMode)) {
+    m_desktop.localNetworkProbe();
+    m_snapshot = m_pasteboard.snapshot([this](const std::optional<PasteboardSnapshot>& snapshot) {
+        m_clipboardAnswers = snapshot.has_value();
+    });
+    if (canShowWindows) {
+        m_trays.emplace(m_desktop.scheduler);
+        QObject::connect(&*m_trays, &TrayHosts::found, &*m_trays, [this] { m_hasTray = true; });
+        m_trays->start();
+    }
+    if (!m_serverAddress) return;
+    m_probe = m_resolver.resolveServer(
+        *m_serverAddress, DoctorCommand::patience,
+        [this](const std::optional<ResolvedServer>& server) { m_serverAnswers = bool(server); });
+}
+
+std::vector<DoctorCheck> Examination::checks() {
+    return {
+        {tr("Microphone"), [this] { return missing(PrivacyGrant::Microphone); }},
+        {tr("Hotkeys can be seen"), [this] { return missing(PrivacyGrant::InputMonitoring); }},
+        {tr("Keys can be typed"), [this] { return missing(PrivacyGrant::Accessibility); }},
+        {tr("Local network"), [this] { return localNetworkProblem(); }},
+        {tr("Clipboard"), [this] { return clipboardProblem(); }},
+        {tr("Session bus"), [this] { return sessionBusProblem(); }},
+        {tr("Tray"), [this] { return trayProblem(); }},
+        {tr("Hotkey settings"), [this] { return hotkeyProblem(); }},
+        {tr("Transcription server"), [this] { return serverProblem(); }},
+    };
+}
+
+std::optional<QString> Examination::missing(PrivacyGrant grant) const {
+    if (const auto unavailable = m_desktop.privacy.missing(grant)) return unavailable->reason;
+    return std::nullopt;
+}
+
+std::optional<QString> Examination::localNetworkProblem() {
+    const LocalNetworkProbe& probe = m_desktop.localNetworkProbe();
+    if (probe.granted()) return std::nullopt;
+    if (const auto& unavailable = probe.unavailable()) return unavailable->reason;
+    return tr("Avahi does not answer; see whether avahi-daemon runs.");
+}
+
+std::optional<QString> Examination::clipboardProblem() const {
+    if (m_clipboardAnswers) return std::nullopt;
+    return tr("There is no X server to share a clipboard on; run this within the desktop.");
+}
+
+std::optional<QString> Examination::trayProblem() const {
+    if (m_hasTray) return std::nullopt;
+    return tr("This desktop shows no icons of programs; start quietlark again to open its window.");
+}
+
+std::optional<QString> Examination::sessionBusProblem() const {
+    if (m_desktop.sessionBus.isConnected()) return std::nullopt;
+    return tr("There is none; start the desktop with one, such as by dbus-run-session.");
+}
+
+std::optional<QString> Examination::hotkeyProblem() const {
+    for (const QString& spec : {m_config.hotkey, m_config.toggleHotkey}) {
+        if (spec.isEmpty()) continue;
+        if (const auto hotkey = HotkeyParse::parse(spec); !hotkey)
+            return hotkey.error().localizedDescription();
+    }
+    if (!m_config.hotkey.isEmpty() || !m_config.toggleHotkey.isEmpty()) return std::nullopt;
+    return tr("None is set; see “hotkey” in %1.").arg(Config::defaultFileURL());
+}
+
+std::optional<QString> Examination::serverProblem() const {
+    if (m_serverAnswers) return std::nullopt;
+    if (std::holds_alternative<Unconfigured>(m_config.serverMode))
+        return tr("None is chosen; see “serverMode” in %1.").arg(Config::defaultFileURL());
+    if (!m_serverAddress)
+        return tr("The one on this computer does not run; start it with: quietlark-server");
+    return tr("Nothing that Quietlark knows answers at %1.").arg(*m_serverAddress);
+}
+
+}  // namespace quietlark

@@ -1,0 +1,109 @@
+#include "ui/qt_app_windows.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QCursor>
+#include <QEvent>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QVBoxLayout>
+
+#include "ui/menu_actions.h"
+
+namespace quietlark {
+
+namespace {
+
+/// Frame and size as the style says, in the middle of the screen that the user is at.
+void frame(QWidget& window, const WindowStyle& style) {
+    window.setWindowTitle(style.title);
+    window.setWindowFlag(Qt::WindowStaysOnTopHint, style.isFloating);
+    window.setWindowFlag(Qt::WindowMaximizeButtonHint, false);
+    window.setFixedSize(style.contentSize);
+    const QScreen* screen = QGuiApplication::screenAt(QCursor::pos());
+    if (!screen) screen = QGuiApplication::primaryScreen();
+    if (!screen) return;
+    QRect place(QPoint(), style.contentSize);
+    place.moveCenter(screen->availableGeometry().center());
+    window.move(place.topLeft());
+}
+
+}  // namespace
+
+QtAppWindows::QtAppWindows(Contents contents) : m_contents(std::move(contents)) {}
+
+void QtAppWindows::setMainMenu(const std::vector<Menu>& menus) {
+    m_mainMenu = menus;
+}
+
+void QtAppWindows::show(Kind kind) {
+    QWidget& window = windowFor(kind);
+    window.showNormal();
+    window.raise();
+    window.activateWindow();
+}
+
+void QtAppWindows::showServerTab() {
+    show(Kind::preferences);
+}
+
+void QtAppWindows::close(Kind kind) {
+    const auto found = m_windows.find(kind);
+    if (found == m_windows.end()) return;
+    const auto window = std::move(found->second);
+    m_windows.erase(found);
+    window->close();
+    // Later, since an event of the window's own may be what closes it.
+    window->removeEventFilter(this);
+}
+
+bool QtAppWindows::isVisible(Kind kind) const {
+    const auto found = m_windows.find(kind);
+    return found != m_windows.end() && found->second->isVisible();
+}
+
+bool QtAppWindows::isAnyVisible() const {
+    return std::ranges::any_of(m_windows,
+                               [](const auto& each) { return each.second->isVisible(); });
+}
+
+bool QtAppWindows::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::Hide || event->spontaneous()) return false;
+    for (const auto& [kind, window] : m_windows) {
+        if (window.get() == watched) Q_EMIT closed(kind);
+    }
+    return false;
+}
+
+QWidget& QtAppWindows::windowFor(Kind kind) {
+    auto& window = m_windows[kind];
+    if (!window) {
+        window = makeWindow(kind);
+        window->installEventFilter(this);
+        addMenuActions(*window, m_mainMenu, [this](MenuAction action) { Q_EMIT chosen(action); });
+    }
+    return *window;
+}
+
+std::unique_ptr<QWidget> QtAppWindows::makeWindow(Kind kind) {
+    auto window = std::make_unique<QWidget>();
+    auto* layout = new QVBoxLayout(window.get());
+    switch (kind) {
+        case Kind::onboarding:
+            layout->addWidget(m_contents.onboarding());
+            frame(*window, onboardingStyle());
+            break;
+        case Kind::permissionsAlert:
+            layout->addWidget(m_contents.permissionsAlert());
+            frame(*window, permissionsAlertStyle());
+            break;
+        case Kind::preferences:
+            layout->addWidget(m_contents.preferences());
+            window->setWindowTitle(tr("Quietlark Preferences"));
+            break;
+    }
+    return window;
+}
+
+}  // namespace quietlark

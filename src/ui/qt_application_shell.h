@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QPointer>
+
+#include "app/application_shell.h"
+
+class QMessageBox;
+
+namespace quietlark {
+
+/// The application on a desktop where a program is in the task bar exactly while it has windows.
+class QtApplicationShell final : public ApplicationShell {
+public:
+    [[nodiscard]] ActivationPolicy activationPolicy() const override { return m_policy; }
+    void setActivationPolicy(ActivationPolicy policy) override { m_policy = policy; }
+    /// The windows ask for the focus themselves when they are shown.
+    void activateIgnoringOtherApps() override {}
+    /// One alert at a time: a newer one takes the place of the one before.
+    void show(const Alert& alert) override;
+    void terminate() override;
+
+private:
+    ActivationPolicy m_policy = ActivationPolicy::accessory;
+    QPointer<QMessageBox> m_alert;
+};
+
+}  // namespace quietlark
