@@ -1,0 +1,70 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include <QObject>
+#include <QString>
+
+#include "platform/cancellable.h"
+#include "transcription/resolved_server.h"
+
+namespace quietlark {
+
+class Scheduler;
+class ServerResolver;
+
+/// How the check of a typed address stands.
+struct ProbeState {
+    enum class Case {
+        ok,       ///< a transcription server answers there
+        idle,     ///< there is nothing to check
+        probing,  ///< a check is running
+        failed,   ///< the last check found none; another follows
+    };
+
+    Case kind = Case::idle;
+    std::optional<QString> model = {};  ///< what the server says it uses; of `ok` only
+
+    bool operator==(const ProbeState&) const = default;
+};
+
+/// Checks an address in the background until a server answers there, starting once the user has
+/// paused typing. Main thread.
+class AddressProbe {
+public:
+    static constexpr std::chrono::milliseconds typingPause{500};
+    static constexpr std::chrono::milliseconds retryDelay{3000};
+
+    /// `onChange` is called at every change of state().
+    AddressProbe(ServerResolver& resolver, Scheduler& scheduler, std::function<void()> onChange);
+
+    [[nodiscard]] const ProbeState& state() const { return m_state; }
+
+    /// Checks this address, and no other any more. The state stays until the check begins.
+    void check(const QString& baseAddress);
+
+    /// There is nothing to check.
+    void reset();
+
+    /// Stops checking; the state stays.
+    void cancel();
+
+private:
+    void waitFor(std::chrono::milliseconds delay);
+    void ask();
+    void onAnswer(const std::optional<ResolvedServer>& server);
+    void setState(ProbeState state);
+
+    ServerResolver& m_resolver;
+    Scheduler& m_scheduler;
+    const std::function<void()> m_onChange;
+    ProbeState m_state;
+    QString m_address;
+    std::unique_ptr<QObject> m_wait;  ///< its end calls off the question that would follow
+    Cancellable m_question;
+};
+
+}  // namespace quietlark

@@ -1,0 +1,174 @@
+#include "picker/server_picker_model.h"
+
+#include <algorithm>
+#include <variant>
+
+#include "picker/manual_address.h"
+#include "servers/server_ranker.h"
+#include "state/app_state.h"
+
+namespace quietlark {
+
+ServerPickerModel::ServerPickerModel(AppState& appState, const ServerRanker& ranker,
+                                     ServerResolver& resolver, Scheduler& scheduler,
+                                     Options options)
+    : m_appState(appState),
+      m_ranker(ranker),
+      m_options(options),
+      m_probe(resolver, scheduler, [this] { Q_EMIT changed(); }) {
+    connect(&appState.discoveredServers(), &DiscoveredServers::remotesChanged, this,
+            &ServerPickerModel::changed);
+}
+
+void ServerPickerModel::setPhase(Phase phase) {
+    if (phase == m_phase) return;
+    m_phase = phase;
+    Q_EMIT changed();
+}
+
+void ServerPickerModel::setCardSelection(CardChoice choice) {
+    if (choice == m_cardSelection) return;
+    m_cardSelection = choice;
+    Q_EMIT changed();
+}
+
+void ServerPickerModel::setListSelection(const std::optional<QString>& id) {
+    if (id == m_listSelection) return;
+    m_listSelection = id;
+    Q_EMIT changed();
+}
+
+void ServerPickerModel::setManualHostPort(const QString& text) {
+    if (text == m_manualHostPort) return;
+    m_manualHostPort = text;
+    scheduleProbe();
+    Q_EMIT changed();
+}
+
+void ServerPickerModel::onAppear() {
+    if (m_selectionInitialized) return;
+    m_selectionInitialized = true;
+    setCardSelection(initialCardSelection());
+}
+
+void ServerPickerModel::onManualEntryAppear() {
+    const auto* const remote = std::get_if<ManualRemote>(&m_appState.config().serverMode);
+    if (m_manualHostPort.isEmpty() && remote) setManualHostPort(typedForm(*remote));
+    scheduleProbe();
+}
+
+void ServerPickerModel::onManualEntryDisappear() {
+    m_probe.cancel();
+}
+
+bool ServerPickerModel::canAdvance() const {
+    switch (m_phase) {
+        case Phase::cards:
+            return true;
+        case Phase::remoteList:
+            return m_listSelection.has_value();
+        case Phase::manualEntry:
+            return manualProbe().kind == ProbeState::Case::ok;
+    }
+    return false;
+}
+
+bool ServerPickerModel::canConnect() const {
+    return canAdvance() && (m_phase != Phase::remoteList || selectedRemote());
+}
+
+void ServerPickerModel::advance() {
+    switch (m_phase) {
+        case Phase::cards:
+            if (m_cardSelection == CardChoice::local) return commitLocal();
+            return setPhase(Phase::remoteList);
+        case Phase::remoteList:
+            return commitSelectedRemote();
+        case Phase::manualEntry:
+            return commitManualIfReady();
+    }
+}
+
+void ServerPickerModel::commitLocal() {
+    store(Local{});
+    m_appState.modelDownloader().start();
+    announceCommit();
+}
+
+void ServerPickerModel::commitSelectedRemote() {
+    const auto remote = selectedRemote();
+    if (!remote) return;
+    store(DiscoveredRemote{remote->name, remote->host, remote->port});
+    announceCommit();
+}
+
+void ServerPickerModel::commitManualIfReady() {
+    const auto address = ManualAddress::parse(m_manualHostPort);
+    if (manualProbe().kind != ProbeState::Case::ok || !address) return;
+    store(ManualRemote{address->host, address->port, address->scheme});
+    announceCommit();
+}
+
+void ServerPickerModel::commitFinishLater() {
+    store(Unconfigured{});
+    announceCommit();
+}
+
+ServerPickerModel::WayOut ServerPickerModel::wayOut() const {
+    if (m_phase != Phase::cards) return WayOut::back;
+    if (m_options.offersCancel) return WayOut::cancel;
+    return m_options.allowFinishLater ? WayOut::finishLater : WayOut::none;
+}
+
+void ServerPickerModel::leave() {
+    switch (wayOut()) {
+        case WayOut::none:
+            return;
+        case WayOut::back:
+            return setPhase(Phase::cards);
+        case WayOut::finishLater:
+            return commitFinishLater();
+        case WayOut::cancel:
+            ++m_cancelTick;
+            Q_EMIT cancelTickChanged(m_cancelTick);
+    }
+}
+
+ServerPickerModel::CardChoice ServerPickerModel::initialCardSelection() const {
+    const ServerMode& mode = m_appState.config().serverMode;
+    if (std::holds_alternative<Local>(mode)) return CardChoice::local;
+    if (!std::holds_alternative<Unconfigured>(mode)) return CardChoice::network;
+    const auto recommendation = m_ranker.rank(m_appState.discoveredServers().remotes());
+    return std::holds_alternative<RecommendRemote>(recommendation) ? CardChoice::network
+                                                                   : CardChoice::local;
+}
+
+std::optional<MDNSBrowser::Entry> ServerPickerModel::selectedRemote() const {
+    const auto& remotes = m_appState.discoveredServers().remotes();
+    const auto found = std::find_if(remotes.begin(), remotes.end(), [this](const auto& entry) {
+        return entry.id() == m_listSelection;
+    });
+    if (found == remotes.end()) return std::nullopt;
+    return *found;
+}
+
+void ServerPickerModel::scheduleProbe() {
+    if (const auto address = ManualAddress::parse(m_manualHostPort)) {
+        m_probe.check(address->baseAddress());
+    } else {
+        m_probe.reset();
+    }
+}
+
+void ServerPickerModel::store(const ServerMode& mode) {
+    Config config = m_appState.config();
+    config.serverMode = mode;
+    m_appState.setConfig(config);
+}
+
+void ServerPickerModel::announceCommit() {
+    ++m_commitTick;
+    Q_EMIT commitTickChanged(m_commitTick);
+}
+
+}  // namespace quietlark

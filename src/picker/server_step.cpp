@@ -1,0 +1,73 @@
+#include "picker/server_step.h"
+
+#include <algorithm>
+
+#include "picker/network_text.h"
+#include "picker/server_picker_model.h"
+#include "platform/scheduler.h"
+#include "servers/server_copy.h"
+#include "servers/server_ranker.h"
+#include "state/app_state.h"
+
+namespace quietlark {
+
+ServerStep::ServerStep(ServerPickerModel& model, AppState& appState, const ServerRanker& ranker,
+                       Scheduler& scheduler)
+    : m_appState(appState), m_ranker(ranker), m_scheduler(scheduler), m_model(model) {
+    connect(&appState.discoveredServers(), &DiscoveredServers::remotesChanged, this,
+            &ServerStep::changed);
+    connect(&appState.modelDownloader(), &ModelDownloader::stateChanged, this,
+            &ServerStep::changed);
+}
+
+ServerStep::~ServerStep() {
+    disappear();
+}
+
+void ServerStep::appear() {
+    if (m_screen) return;
+    m_screen = std::make_unique<QObject>();
+    m_initialScanIsDone = false;
+    m_scheduler.after(initialScan, m_screen.get(), [this] { onInitialScanDone(); });
+    m_appState.discoveredServers().start();
+    m_model.onAppear();
+    Q_EMIT changed();
+}
+
+void ServerStep::disappear() {
+    if (!m_screen) return;
+    m_screen.reset();
+    m_appState.discoveredServers().stop();
+}
+
+QString ServerStep::localCardCopy() const {
+    const auto& remotes = m_appState.discoveredServers().remotes();
+    return ServerCopy::localCard(m_ranker.rank(remotes), remotes.size(),
+                                 m_appState.localServer().modelIsInstalled());
+}
+
+QString ServerStep::networkCardCopy() const {
+    const auto& remotes = m_appState.discoveredServers().remotes();
+    return ServerCopy::networkCard(m_ranker.rank(remotes), remotes.size(), m_initialScanIsDone);
+}
+
+std::vector<ServerRow> ServerStep::rows() const {
+    const auto& remotes = m_appState.discoveredServers().remotes();
+    std::vector<ServerRow> rows;
+    for (std::size_t i = 0; i < std::min(remotes.size(), maxRows); ++i) {
+        const MDNSBrowser::Entry& entry = remotes[i];
+        const QString address = entry.host + u':' + QString::number(entry.port);
+        const auto hint = m_ranker.speedHint(entry);
+        rows.push_back({entry.id(), shownNetworkText(entry.name, maxNameLength),
+                        shownNetworkText(address, maxNameLength),
+                        hint ? ServerCopy::hint(*hint) : QString()});
+    }
+    return rows;
+}
+
+void ServerStep::onInitialScanDone() {
+    m_initialScanIsDone = true;
+    Q_EMIT changed();
+}
+
+}  // namespace quietlark

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <vector>
+
+#include <QObject>
+#include <QString>
+
+namespace quietlark {
+
+class AppState;
+class Scheduler;
+class ServerPickerModel;
+class ServerRanker;
+
+/// One server as the list shows it.
+struct ServerRow {
+    QString id;       ///< the entry's id()
+    QString name;     ///< one line of plain text
+    QString address;  ///< HOST:PORT, one line of plain text
+    QString hint;     ///< empty for none
+
+    bool operator==(const ServerRow&) const = default;
+};
+
+/// What the choice of a server says of this computer and of the network while it is on the screen.
+/// Main thread.
+class ServerStep final : public QObject {
+    Q_OBJECT
+
+public:
+    /// After this long without a server the search says that there is none.
+    static constexpr std::chrono::milliseconds initialScan{3000};
+    /// What a network can put on the screen.
+    static constexpr std::size_t maxRows = 100;
+    static constexpr qsizetype maxNameLength = 100;
+
+    ServerStep(ServerPickerModel& model, AppState& appState, const ServerRanker& ranker,
+               Scheduler& scheduler);
+    ~ServerStep() override;
+
+    /// Searches the network from appear() to disappear().
+    void appear();
+    void disappear();
+
+    [[nodiscard]] QString localCardCopy() const;
+    [[nodiscard]] QString networkCardCopy() const;
+    /// The first `maxRows` servers, in the order in which they were found.
+    [[nodiscard]] std::vector<ServerRow> rows() const;
+
+Q_SIGNALS:
+    /// Any of the texts may be another now.
+    void changed();
+
+private:
+    void onInitialScanDone();
+
+    AppState& m_appState;
+    const ServerRanker& m_ranker;
+    Scheduler& m_scheduler;
+    ServerPickerModel& m_model;
+    std::unique_ptr<QObject> m_screen;  ///< while it is shown
+    bool m_initialScanIsDone = false;
+};
+
+}  // namespace quietlark
