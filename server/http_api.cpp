@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <span>
+#include <utility>
 
 #include "audio/wav_file.h"
 #include "server/json_text.h"
@@ -10,19 +11,22 @@
 namespace quietlark {
 namespace {
 
-constexpr double maximumAudioSeconds = 3600;
-
 struct Route {
     std::string_view method;
     std::string_view path;
 };
 
-constexpr std::array<Route, 4> routes = {{
+constexpr std::string_view modelList = "/v1/models";
+constexpr std::string_view modelPrefix = "/v1/models/";
+
+constexpr std::array<Route, 5> routes = {{
     {"GET", "/"},
+    {"GET", "/health"},
     {"POST", "/inference"},
-    {"GET", "/v1/models"},
+    {"GET", modelList},
     {"POST", "/v1/audio/transcriptions"},
 }};
+constexpr Route modelRoute = {"GET", modelPrefix};
 
 constexpr std::string_view indexPage = R"(<!DOCTYPE html>
 <html lang="en">
@@ -31,7 +35,7 @@ constexpr std::string_view indexPage = R"(<!DOCTYPE html>
 <h1>quietlark-server</h1>
 <p>This server turns recorded speech into text. Send it a WAV file as the field "file" of a form:</p>
 <ul>
-<li>POST /inference, as to the server of whisper.cpp</li>
+<li>POST /inference, as to the server of whisper.cpp; GET /health says whether it is ready</li>
 <li>POST /v1/audio/transcriptions, as to an OpenAI-compatible server; GET /v1/models lists its model</li>
 </ul>
 </body>
@@ -40,7 +44,8 @@ constexpr std::string_view indexPage = R"(<!DOCTYPE html>
 
 const Route* routeOf(std::string_view path) {
     const auto found = std::ranges::find(routes, path, &Route::path);
-    return found == routes.end() ? nullptr : &*found;
+    if (found != routes.end()) return &*found;
+    return path.starts_with(modelPrefix) ? &modelRoute : nullptr;
 }
 
 std::string_view fieldOf(const HttpRequest& request, std::string_view name) {
@@ -48,74 +53,129 @@ std::string_view fieldOf(const HttpRequest& request, std::string_view name) {
     return found == request.form.end() ? std::string_view() : found->second;
 }
 
+HttpResponse badField(std::string_view name, std::string_view message) {
+    return errorResponse(400, {.message = message, .parameter = name});
+}
+
 HttpResponse failure(EngineError error) {
-    if (error == EngineError::Stopping) return errorResponse(503, "The server is stopping.");
-    return errorResponse(500, "The recording could not be transcribed.");
+    switch (error) {
+        case EngineError::Stopping:
+            return unavailableResponse("The server is stopping.");
+        case EngineError::Busy:
+            return unavailableResponse("The server is busy with other recordings.");
+        case EngineError::Unavailable:
+            return unavailableResponse("The speech engine is not running.");
+        case EngineError::TimedOut:
+            return errorResponse(
+                503, {.message = "The recording took too long to transcribe.", .code = "timeout"});
+        case EngineError::Failed:
+            break;
+    }
+    return errorResponse(500, {.message = "The recording could not be transcribed."});
+}
+
+HttpResponse json(std::string body) {
+    return {.contentType = "application/json", .body = std::move(body)};
+}
+
+/// One entry of the list of models.
+std::string modelObject(const std::string& id) {
+    return R"({"id":)" + jsonString(id) +
+           R"(,"object":"model","created":0,"owned_by":"quietlark","labels":["transcription"]})";
 }
 
 }  // namespace
 
-HttpApi::HttpApi(SpeechEngine& engine) : m_engine(engine) {}
+HttpApi::HttpApi(SpeechEngine& engine) : HttpApi(engine, Settings()) {}
 
-std::optional<HttpResponse> HttpApi::refusal(const HttpHead& head) {
+HttpApi::HttpApi(SpeechEngine& engine, Settings settings)
+    : m_engine(engine), m_settings(std::move(settings)) {}
+
+std::optional<HttpResponse> HttpApi::refusal(const HttpHead& head) const {
+    if (auto refusal = foreignPageRefusal(head, m_settings.audience)) return refusal;
     const Route* route = routeOf(head.path);
-    if (!route) return errorResponse(404, "There is nothing at this address.");
+    if (!route) return errorResponse(404, {.message = "There is nothing at this address."});
     const std::string_view method = head.method == "HEAD" ? "GET" : std::string_view(head.method);
     if (method != route->method) {
-        auto response = errorResponse(405, "This address does not take this method.");
+        auto response = errorResponse(405, {.message = "This address does not take this method."});
         response.allowedMethod = route->method;
         return response;
     }
-    if (method != "POST") return std::nullopt;
-    if (!head.contentLength) return errorResponse(411, "The request does not say how long it is.");
-    if (*head.contentLength > maximumBodyBytes)
-        return errorResponse(413, "The upload is larger than 64 MiB.");
+    return method == "POST" ? uploadRefusal(head) : std::nullopt;
+}
+
+std::optional<HttpResponse> HttpApi::uploadRefusal(const HttpHead& head) const {
+    if (!head.contentLength)
+        return errorResponse(411, {.message = "The request does not say how long it is."});
+    if (*head.contentLength > m_settings.limits.bodyBytes)
+        return errorResponse(413, {.message = "The upload is larger than this server takes."});
     if (!head.contentEncoding.empty() && head.contentEncoding != "identity")
-        return errorResponse(415, "The upload is compressed, which this server does not read.");
+        return errorResponse(
+            415, {.message = "The upload is compressed, which this server does not read."});
     if (!head.contentType.starts_with("multipart/form-data"))
-        return errorResponse(415, "The upload is not a form of the type multipart/form-data.");
+        return errorResponse(
+            415, {.message = "The upload is not a form of the type multipart/form-data."});
     return std::nullopt;
 }
 
 HttpResponse HttpApi::answer(const HttpRequest& request) {
     if (request.path == "/")
         return {.contentType = "text/html; charset=utf-8", .body = std::string(indexPage)};
-    if (request.path == "/v1/models") return models();
+    if (request.path == "/health") return health();
+    if (request.path == modelList)
+        return json(R"({"object":"list","data":[)" + modelObject(m_engine.modelId()) + "]}");
+    if (request.path.starts_with(modelPrefix))
+        return model(request.path.substr(modelPrefix.size()));
     return transcription(request);
 }
 
-HttpResponse HttpApi::models() const {
-    return {.contentType = "application/json",
-            .body = R"({"object":"list","data":[{"id":)" + jsonString(m_engine.modelId()) +
-                    R"(,"object":"model","owned_by":"quietlark","labels":["transcription"]}]})"};
+HttpResponse HttpApi::health() const {
+    if (m_engine.isReady()) return json(R"({"status":"ok"})");
+    HttpResponse response = json(R"({"status":"loading model"})");
+    response.status = 503;
+    return response;
+}
+
+HttpResponse HttpApi::model(std::string_view id) const {
+    if (id == m_engine.modelId()) return json(modelObject(m_engine.modelId()));
+    return errorResponse(404, {.message = "This server does not have this model.",
+                               .parameter = "model",
+                               .code = "model_not_found"});
 }
 
 HttpResponse HttpApi::transcription(const HttpRequest& request) {
-    const std::string_view format = fieldOf(request, "response_format");
-    if (!format.empty() && format != "json" && format != "text")
-        return errorResponse(400, "The response format is neither json nor text.");
-    if (!m_engine.understands(fieldOf(request, "language")))
-        return errorResponse(400, "This server's speech model does not understand this language.");
+    const auto format = transcriptFormatOf(fieldOf(request, "response_format"));
+    if (!format)
+        return badField("response_format",
+                        "The response format is none of json, text, verbose_json, srt and vtt.");
+    std::string_view language = fieldOf(request, "language");
+    if (language.empty()) language = m_settings.language;
+    if (!m_engine.understands(language))
+        return badField("language",
+                        "This server's speech model does not understand this language.");
     const auto file = request.form.find("file");
-    if (file == request.form.end()) return errorResponse(400, "The form has no field named file.");
-    return transcribe(file->second, format == "text");
+    if (file == request.form.end()) return badField("file", "The form has no field named file.");
+    return transcribe(file->second, language, *format);
 }
 
-HttpResponse HttpApi::transcribe(std::string_view file, bool asPlainText) {
+HttpResponse HttpApi::transcribe(std::string_view file, std::string_view language,
+                                 TranscriptFormat format) {
     const auto wav =
         WavFile::parse({reinterpret_cast<const std::uint8_t*>(file.data()), file.size()});
-    if (!wav) return errorResponse(400, wav.error().description);
+    if (!wav) return badField("file", wav.error().description);
     const double seconds = static_cast<double>(wav->frames()) / wav->sampleRateHz();
-    if (seconds > maximumAudioSeconds)
-        return errorResponse(413, "The recording is longer than an hour.");
+    if (seconds > static_cast<double>(m_settings.limits.audio.count()))
+        return errorResponse(413, {.message = "The recording is longer than this server takes.",
+                                   .parameter = "file"});
 
-    const auto text = m_engine.transcribe(wav->convertedTo(SpeechEngine::sampleRateHz));
-    HttpResponse response =
-        !text ? failure(text.error())
-        : asPlainText
-            ? HttpResponse{.contentType = "text/plain; charset=utf-8", .body = *text + "\n"}
-            : HttpResponse{.contentType = "application/json",
-                           .body = R"({"text":)" + jsonString(*text) + "}"};
+    const auto deadline = std::chrono::steady_clock::now() + m_settings.limits.time;
+    const auto samples = wav->convertedTo(SpeechEngine::sampleRateHz);
+    const auto transcript =
+        m_engine.transcribe({.samples = samples, .language = language, .deadline = deadline});
+    HttpResponse response = transcript
+                                ? HttpResponse{.contentType = std::string(contentTypeOf(format)),
+                                               .body = formatted(*transcript, format, seconds)}
+                                : failure(transcript.error());
     response.audioSeconds = seconds;
     return response;
 }

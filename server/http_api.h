@@ -2,8 +2,11 @@
 
 #include <optional>
 
+#include "server/browser_guard.h"
 #include "server/http_messages.h"
+#include "server/server_limits.h"
 #include "server/speech_engine.h"
+#include "server/transcript_format.h"
 
 namespace quietlark {
 
@@ -11,23 +14,33 @@ namespace quietlark {
 /// transcription interface. Knows nothing of sockets. Any thread, as far as the engine allows.
 class HttpApi {
 public:
-    /// The largest upload, in bytes: half an hour of 16-bit sound at 16 kHz.
-    static constexpr std::uint64_t maximumBodyBytes = std::uint64_t{64} << 20U;
+    struct Settings {
+        ServerLimits limits = {};
+        Audience audience = Audience::ThisComputer;
+        std::string language = {};  ///< for requests that name none
+    };
 
     explicit HttpApi(SpeechEngine& engine);
+    HttpApi(SpeechEngine& engine, Settings settings);
+
+    [[nodiscard]] const ServerLimits& limits() const { return m_settings.limits; }
 
     /// Why a request cannot be answered, whatever its body holds; absent when it can be.
-    [[nodiscard]] static std::optional<HttpResponse> refusal(const HttpHead& head);
+    [[nodiscard]] std::optional<HttpResponse> refusal(const HttpHead& head) const;
 
     /// Answers a request that was not refused. Blocks while a recording is transcribed.
     [[nodiscard]] HttpResponse answer(const HttpRequest& request);
 
 private:
-    [[nodiscard]] HttpResponse models() const;
+    [[nodiscard]] std::optional<HttpResponse> uploadRefusal(const HttpHead& head) const;
+    [[nodiscard]] HttpResponse health() const;
+    [[nodiscard]] HttpResponse model(std::string_view id) const;
     [[nodiscard]] HttpResponse transcription(const HttpRequest& request);
-    [[nodiscard]] HttpResponse transcribe(std::string_view file, bool asPlainText);
+    [[nodiscard]] HttpResponse transcribe(std::string_view file, std::string_view language,
+                                          TranscriptFormat format);
 
     SpeechEngine& m_engine;
+    const Settings m_settings;
 };
 
 }  // namespace quietlark

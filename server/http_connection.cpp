@@ -6,6 +6,7 @@
 
 #include <netdb.h>
 #include <poll.h>
+#include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -13,8 +14,8 @@ namespace quietlark {
 namespace {
 
 constexpr std::uint64_t maximumHeadBytes = 32768;
-/// How long a client may stop in the middle of a request or of reading its answer.
-constexpr std::chrono::seconds stallTime{10};
+/// How long an idle connection is let be when others wait: the first request may be on its way.
+constexpr std::chrono::milliseconds idleGrace{500};
 /// How long and how much of a refused upload is still read, so that the client, which is busy
 /// sending it, gets to see the answer.
 constexpr std::chrono::seconds discardTime{2};
@@ -38,8 +39,8 @@ void getAddress(Name name, int socket, std::string& ip, int& port) {
 
 }  // namespace
 
-HttpConnection::HttpConnection(int socket, int stopEvent)
-    : m_socket(socket), m_stopEvent(stopEvent) {}
+HttpConnection::HttpConnection(int socket, Events events, const ClientPatience& patience)
+    : m_socket(socket), m_events(events), m_patience(patience) {}
 
 HttpConnection::~HttpConnection() {
     shutdown(m_socket, SHUT_WR);
@@ -49,15 +50,18 @@ HttpConnection::~HttpConnection() {
 
 bool HttpConnection::waitForRequest() {
     m_progress = Progress::Idle;
-    if (m_bufferBegin == m_bufferEnd && !(waitFor(POLLIN, idleTime) && fillBuffer())) return false;
+    if (m_bufferBegin == m_bufferEnd && !(waitWhileIdle() && fillBuffer())) return false;
     m_progress = Progress::Head;
+    m_isAnswering = false;
     m_readable = maximumHeadBytes;
+    allow(m_patience.head);
     return true;
 }
 
 void HttpConnection::expectBody(std::uint64_t bytes) {
     m_progress = Progress::Body;
     m_readable = bytes;
+    allowTransfer(bytes);
 }
 
 bool HttpConnection::isRequestComplete() const {
@@ -65,16 +69,16 @@ bool HttpConnection::isRequestComplete() const {
 }
 
 bool HttpConnection::is_readable() const {
-    return m_bufferBegin < m_bufferEnd || waitFor(POLLIN, stallTime);
+    return m_bufferBegin < m_bufferEnd || waitWhileBusy(POLLIN);
 }
 
 bool HttpConnection::is_writable() const {
-    return waitFor(POLLOUT, stallTime);
+    return waitWhileBusy(POLLOUT);
 }
 
 ssize_t HttpConnection::read(char* bytes, std::size_t size) {
     if (m_readable == 0) return -1;
-    if (m_bufferBegin == m_bufferEnd && !(waitFor(POLLIN, stallTime) && fillBuffer())) return -1;
+    if (m_bufferBegin == m_bufferEnd && !(waitWhileBusy(POLLIN) && fillBuffer())) return -1;
     const std::size_t count = std::min<std::uint64_t>(
         {std::uint64_t{size}, std::uint64_t{m_bufferEnd - m_bufferBegin}, m_readable});
     std::memcpy(bytes, &m_buffer[m_bufferBegin], count);
@@ -84,6 +88,11 @@ ssize_t HttpConnection::read(char* bytes, std::size_t size) {
 }
 
 ssize_t HttpConnection::write(const char* bytes, std::size_t size) {
+    // The time that the engine took is not the client's. An answer that asks for the body is none.
+    if (!m_isAnswering && m_readable == 0) {
+        m_isAnswering = true;
+        allowTransfer(size);
+    }
     if (!is_writable()) return -1;
     return send(m_socket, bytes, size, MSG_NOSIGNAL | MSG_DONTWAIT);
 }
@@ -97,9 +106,36 @@ void HttpConnection::get_local_ip_and_port(std::string& ip, int& port) const {
 }
 
 bool HttpConnection::waitFor(short event, std::chrono::milliseconds limit) const {
-    std::array<pollfd, 2> descriptors{{{m_socket, event, 0}, {m_stopEvent, POLLIN, 0}}};
+    std::array<pollfd, 2> descriptors{{{m_socket, event, 0}, {m_events.stop, POLLIN, 0}}};
     const int ready = poll(descriptors.data(), descriptors.size(), static_cast<int>(limit.count()));
     return ready > 0 && (descriptors[0].revents & event) != 0;
+}
+
+bool HttpConnection::waitWhileIdle() const {
+    const auto grace = std::min(m_patience.idle, idleGrace);
+    if (waitFor(POLLIN, grace)) return true;
+    const auto end = Clock::now() + m_patience.idle - grace;
+    while (true) {
+        const auto rest = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
+        if (rest.count() <= 0) return false;
+        std::array<pollfd, 3> descriptors{
+            {{m_socket, POLLIN, 0}, {m_events.stop, POLLIN, 0}, {m_events.crowded, POLLIN, 0}}};
+        if (poll(descriptors.data(), descriptors.size(), static_cast<int>(rest.count())) <= 0)
+            return false;
+        if (descriptors[1].revents != 0) return false;
+        if (descriptors[0].revents != 0) return (descriptors[0].revents & POLLIN) != 0;
+        eventfd_t taken = 0;
+        if (eventfd_read(m_events.crowded, &taken) == 0) return false;
+    }
+}
+
+bool HttpConnection::waitWhileBusy(short event) const {
+    const auto rest = std::chrono::ceil<std::chrono::milliseconds>(m_deadline - Clock::now());
+    return rest.count() > 0 && waitFor(event, std::min(m_patience.stall, rest));
+}
+
+void HttpConnection::allowTransfer(std::uint64_t bytes) {
+    allow(m_patience.transfer + std::chrono::seconds(bytes / m_patience.bytesPerSecond));
 }
 
 bool HttpConnection::fillBuffer() {

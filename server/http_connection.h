@@ -9,18 +9,30 @@
 
 namespace quietlark {
 
+/// How much time a client may take.
+struct ClientPatience {
+    std::chrono::milliseconds idle{15000};   ///< without asking anything
+    std::chrono::milliseconds stall{10000};  ///< stopping in the middle of a request or an answer
+    std::chrono::milliseconds head{15000};   ///< for all of a request's head
+    /// For a body or an answer, and more for its size.
+    std::chrono::milliseconds transfer{30000};
+    std::uint64_t bytesPerSecond = 16384;
+};
+
 /// One client's connection, as the stream that cpp-httplib reads requests from and writes answers
 /// to. It adds the bounds that the library lacks: on the size of a request's head, on the body
-/// (what the head announced and no more), on the time that a silent client may take, and on the
-/// time that the program takes to stop.
+/// (what the head announced and no more), on the time that a silent or a slow client may take, and
+/// on the time that the program takes to stop.
 class HttpConnection final : public httplib::Stream {
 public:
-    /// How long a client may keep the connection without asking anything.
-    static constexpr std::chrono::seconds idleTime{15};
+    /// Descriptors that end waiting when they become readable.
+    struct Events {
+        int stop = -1;     ///< for good
+        int crowded = -1;  ///< an eventfd; an idle connection that takes 1 from it ends
+    };
 
-    /// Takes over the socket. `stopEvent` is a descriptor that becomes readable when the program
-    /// stops, which ends every wait.
-    HttpConnection(int socket, int stopEvent);
+    /// Takes over the socket.
+    HttpConnection(int socket, Events events, const ClientPatience& patience);
     ~HttpConnection() override;
     HttpConnection(const HttpConnection&) = delete;
     HttpConnection& operator=(const HttpConnection&) = delete;
@@ -43,15 +55,23 @@ public:
     [[nodiscard]] socket_t socket() const override { return m_socket; }
 
 private:
+    using Clock = std::chrono::steady_clock;
     enum class Progress { Idle, Head, Body };
 
     [[nodiscard]] bool waitFor(short event, std::chrono::milliseconds limit) const;
+    [[nodiscard]] bool waitWhileIdle() const;
+    [[nodiscard]] bool waitWhileBusy(short event) const;
+    void allow(std::chrono::milliseconds time) { m_deadline = Clock::now() + time; }
+    void allowTransfer(std::uint64_t bytes);
     bool fillBuffer();
     void discardInput() const;
 
     const int m_socket;
-    const int m_stopEvent;
+    const Events m_events;
+    const ClientPatience& m_patience;
     Progress m_progress = Progress::Idle;
+    bool m_isAnswering = false;
+    Clock::time_point m_deadline;  // for what is being read or written
     std::uint64_t m_readable = 0;  // bytes of this request that may still be read
     std::array<char, 16384> m_buffer{};
     std::size_t m_bufferBegin = 0;

@@ -3,13 +3,29 @@
 #include "server/json_text.h"
 
 namespace quietlark {
+namespace {
 
-HttpResponse errorResponse(int status, std::string_view message) {
+constexpr int usualRetrySeconds = 5;
+
+std::string stringOrNull(std::string_view text) {
+    return text.empty() ? "null" : jsonString(text);
+}
+
+}  // namespace
+
+HttpResponse errorResponse(int status, const HttpFault& fault) {
     const std::string_view type = status < 500 ? "invalid_request_error" : "server_error";
     return {.status = status,
             .contentType = "application/json",
-            .body = R"({"error":{"message":)" + jsonString(message) + R"(,"type":)" +
-                    jsonString(type) + "}}"};
+            .body = R"({"error":{"message":)" + jsonString(fault.message) + R"(,"type":)" +
+                    jsonString(type) + R"(,"param":)" + stringOrNull(fault.parameter) +
+                    R"(,"code":)" + stringOrNull(fault.code) + "}}"};
+}
+
+HttpResponse unavailableResponse(std::string_view message) {
+    HttpResponse response = errorResponse(503, {.message = message});
+    response.retryAfterSeconds = usualRetrySeconds;
+    return response;
 }
 
 }  // namespace quietlark

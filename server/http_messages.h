@@ -12,9 +12,13 @@ namespace quietlark {
 struct HttpHead {
     std::string method;
     std::string path;  ///< without the query
-    std::string contentType;
-    std::string contentEncoding;
-    std::optional<std::uint64_t> contentLength;  ///< bytes; absent when the request does not say
+    std::string contentType = {};
+    std::string contentEncoding = {};
+    std::optional<std::uint64_t> contentLength = {};  ///< bytes; absent when it does not say
+    std::string host = {};                            ///< the Host field
+    std::string origin = {};     ///< the Origin field: the page that a browser asks for
+    std::string fetchSite = {};  ///< Sec-Fetch-Site: how that page is related to this server
+    std::string fetchMode = {};  ///< Sec-Fetch-Mode: what for
 };
 
 /// A request whose body, if it had one, was a form. A view of bytes that are kept elsewhere.
@@ -29,10 +33,21 @@ struct HttpResponse {
     std::string contentType;
     std::string body;
     std::string allowedMethod = {};  ///< for the Allow header of status 405
+    int retryAfterSeconds = 0;       ///< for the Retry-After header; none for 0
     double audioSeconds = 0;         ///< how much sound the request brought, for the log
 };
 
-/// An error in the form that OpenAI-compatible clients read. `message` is one sentence.
-[[nodiscard]] HttpResponse errorResponse(int status, std::string_view message);
+/// What is wrong with a request, as OpenAI-compatible clients read it.
+struct HttpFault {
+    std::string_view message;         ///< one sentence
+    std::string_view parameter = {};  ///< the field of the form that is to blame; none if empty
+    std::string_view code = {};       ///< a word for programs; none if empty
+};
+
+/// An error in the form of OpenAI's interface: an object with message, type, param and code.
+[[nodiscard]] HttpResponse errorResponse(int status, const HttpFault& fault);
+
+/// Status 503, with the advice to come back in a few seconds.
+[[nodiscard]] HttpResponse unavailableResponse(std::string_view message);
 
 }  // namespace quietlark

@@ -24,6 +24,11 @@ ExitCode fail(const std::string& sentence) {
     return Failed;
 }
 
+std::optional<std::string> setting(const std::string& name) {
+    const char* const value = std::getenv(name.c_str());
+    return value ? std::optional<std::string>(value) : std::nullopt;
+}
+
 sigset_t endingSignals() {
     sigset_t signals;
     sigemptyset(&signals);
@@ -66,10 +71,12 @@ ExitCode run(const ServerOptions& options) {
     if (!pocketSphinx) return fail(pocketSphinx.error());
     SerialEngine engine(**pocketSphinx);
     JournalLog log("net.quietlark.server", "requests");
-    HttpApi api(engine);
+    HttpApi api(
+        engine,
+        {.limits = options.limits, .audience = options.audience, .language = options.language});
     SpeechServer server(api, log);
-    if (!server.bind(options.host, options.port))
-        return fail("Cannot listen on " + localAddress(options.host, options.port) +
+    if (!server.bind(options.host, options.port.value_or(0)))
+        return fail("Cannot listen on " + localAddress(options.host, options.port.value_or(0)) +
                     ". Another program may be using it.");
     const auto speed = measureSpeed(engine);
     if (!speed) return fail(speed.error());
@@ -88,8 +95,7 @@ ExitCode run(const ServerOptions& options) {
 
 int main(int argc, char** argv) {
     using namespace quietlark;
-    const char* const variable = std::getenv("QUIETLARK_ENDPOINT_FILE");
-    const auto options = ServerOptions::parse({argv + 1, argv + argc}, variable ? variable : "");
+    const auto options = ServerOptions::parse({argv + 1, argv + argc}, &setting);
     if (!options) {
         std::cerr << "quietlark-server: " << options.error() << "\n" << ServerOptions::help();
         return WrongUsage;

@@ -75,30 +75,37 @@ bool PocketSphinxEngine::understands(std::string_view language) const {
            name.starts_with("en-") || name.starts_with("en_");
 }
 
-tl::expected<std::string, EngineError> PocketSphinxEngine::transcribe(
-    std::span<const std::int16_t> samples) {
-    std::string text;
-    for (const auto segment : speechSegments(samples, sampleRateHz)) {
+tl::expected<Transcript, EngineError> PocketSphinxEngine::transcribe(const SpeechRequest& request) {
+    Transcript transcript{.text = {}, .language = "english", .segments = {}};
+    for (const auto piece : speechSegments(request.samples, sampleRateHz)) {
         if (m_isStopping) return tl::unexpected(EngineError::Stopping);
-        const auto segmentText = transcribeSegment(segment);
-        if (!segmentText) return segmentText;
-        if (!text.empty() && !segmentText->empty()) text += ' ';
-        text += *segmentText;
+        if (std::chrono::steady_clock::now() >= request.deadline)
+            return tl::unexpected(EngineError::TimedOut);
+        const auto text = textOf(piece);
+        if (!text) return tl::unexpected(EngineError::Failed);
+        if (text->empty()) continue;
+        if (!transcript.text.empty()) transcript.text += ' ';
+        transcript.text += *text;
+        // The recogniser leaves silence out before it counts time, so its own times are of no use.
+        const auto first = static_cast<double>(piece.data() - request.samples.data());
+        const auto last = first + static_cast<double>(piece.size());
+        transcript.segments.push_back({.startSeconds = first / sampleRateHz,
+                                       .endSeconds = last / sampleRateHz,
+                                       .text = *text});
     }
-    return text;
+    return transcript;
 }
 
-tl::expected<std::string, EngineError> PocketSphinxEngine::transcribeSegment(
-    std::span<const std::int16_t> samples) {
+std::optional<std::string> PocketSphinxEngine::textOf(std::span<const std::int16_t> samples) {
     const auto whole = padded(samples);
     // A new stream forgets the noise of the one before; a whole utterance at once is normalised by
     // itself alone. So no recording can change another's text.
     if (ps_start_stream(m_decoder.get()) != 0 || ps_start_utt(m_decoder.get()) != 0)
-        return tl::unexpected(EngineError::Failed);
+        return std::nullopt;
     const bool isProcessed =
         ps_process_raw(m_decoder.get(), whole.data(), whole.size(), FALSE, TRUE) >= 0;
     const bool isEnded = ps_end_utt(m_decoder.get()) == 0;
-    if (!isProcessed || !isEnded) return tl::unexpected(EngineError::Failed);
+    if (!isProcessed || !isEnded) return std::nullopt;
     const char* text = ps_get_hyp(m_decoder.get(), nullptr);
     return text ? text : std::string();
 }

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <memory>
+#include <optional>
 
 #include "server/speech_engine.h"
 
@@ -24,8 +25,9 @@ public:
 
     [[nodiscard]] std::string modelId() const override;
     [[nodiscard]] bool understands(std::string_view language) const override;
-    [[nodiscard]] tl::expected<std::string, EngineError> transcribe(
-        std::span<const std::int16_t> samples) override;
+    [[nodiscard]] bool isReady() const override { return !m_isStopping; }
+    [[nodiscard]] tl::expected<Transcript, EngineError> transcribe(
+        const SpeechRequest& request) override;
     void stop() override;
 
 private:
@@ -37,7 +39,7 @@ private:
     using Decoder = std::unique_ptr<ps_decoder_s, Deleter>;
 
     PocketSphinxEngine(Settings settings, Decoder decoder);
-    tl::expected<std::string, EngineError> transcribeSegment(std::span<const std::int16_t> samples);
+    [[nodiscard]] std::optional<std::string> textOf(std::span<const std::int16_t> samples);
 
     Settings m_settings;
     Decoder m_decoder;

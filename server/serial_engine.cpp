@@ -2,28 +2,34 @@
 
 namespace quietlark {
 
-/// Waits for its turn when it begins and gives it up when it ends.
+/// A place in the queue, given up when it ends.
 class SerialEngine::Turn {
 public:
-    explicit Turn(SerialEngine& queue) : m_queue(queue) {
-        std::unique_lock lock(m_queue.m_mutex);
-        const std::uint64_t ticket = m_queue.m_nextTicket++;
-        m_queue.m_turnEnded.wait(lock, [this, ticket] { return m_queue.m_servedTicket == ticket; });
+    explicit Turn(SerialEngine& engine) : m_shared(engine) {
+        const std::lock_guard lock(m_shared.m_mutex);
+        m_shared.m_queue.push_back(this);
     }
 
     ~Turn() {
         {
-            const std::lock_guard lock(m_queue.m_mutex);
-            ++m_queue.m_servedTicket;
+            const std::lock_guard lock(m_shared.m_mutex);
+            std::erase(m_shared.m_queue, this);
         }
-        m_queue.m_turnEnded.notify_all();
+        m_shared.m_turnEnded.notify_all();
     }
 
     Turn(const Turn&) = delete;
     Turn& operator=(const Turn&) = delete;
 
+    /// False when it has not come by then.
+    [[nodiscard]] bool comesBefore(std::chrono::steady_clock::time_point deadline) const {
+        std::unique_lock lock(m_shared.m_mutex);
+        return m_shared.m_turnEnded.wait_until(lock, deadline,
+                                               [this] { return m_shared.m_queue.front() == this; });
+    }
+
 private:
-    SerialEngine& m_queue;
+    SerialEngine& m_shared;
 };
 
 SerialEngine::SerialEngine(SpeechEngine& engine) : m_engine(engine) {}
@@ -36,20 +42,23 @@ bool SerialEngine::understands(std::string_view language) const {
     return m_engine.understands(language);
 }
 
-tl::expected<std::string, EngineError> SerialEngine::transcribe(
-    std::span<const std::int16_t> samples) {
+bool SerialEngine::isReady() const {
+    return m_engine.isReady();
+}
+
+tl::expected<Transcript, EngineError> SerialEngine::transcribe(const SpeechRequest& request) {
     const Turn turn(*this);
-    return m_engine.transcribe(samples);
+    if (!turn.comesBefore(request.deadline)) return tl::unexpected(EngineError::Busy);
+    return m_engine.transcribe(request);
 }
 
 void SerialEngine::stop() {
     m_engine.stop();
 }
 
-std::uint64_t SerialEngine::waiting() {
+std::size_t SerialEngine::waiting() {
     const std::lock_guard lock(m_mutex);
-    const std::uint64_t present = m_nextTicket - m_servedTicket;
-    return present > 0 ? present - 1 : 0;
+    return m_queue.empty() ? 0 : m_queue.size() - 1;
 }
 
 }  // namespace quietlark

@@ -1,20 +1,130 @@
 #include "server/server_options.h"
 
+#include <algorithm>
+#include <array>
+#include <cctype>
 #include <charconv>
-#include <optional>
 #include <string_view>
+
+#include <arpa/inet.h>
 
 namespace quietlark {
 namespace {
 
-constexpr const char* usualEndpointFile = "/tmp/quietlark.endpoint";
+using Error = tl::unexpected<std::string>;
+using Applied = tl::expected<void, std::string>;
 
-std::optional<int> portFrom(std::string_view text) {
-    int port = -1;
+constexpr const char* usualEndpointFile = "/tmp/quietlark.endpoint";
+constexpr std::size_t longestServiceName = 63;  // RFC 6763, section 4.1.1
+constexpr std::uint64_t mebibyte = std::uint64_t{1} << 20U;
+
+/// A whole number from `lowest` to `highest`, or a sentence about `what`.
+template <typename Number>
+Applied setNumber(Number& target, const std::string& text, std::uint64_t lowest,
+                  std::uint64_t highest, std::string_view what) {
+    std::uint64_t number = 0;
     const auto* const end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data(), end, port);
-    if (error != std::errc() || rest != end || port < 0 || port > 65535) return std::nullopt;
-    return port;
+    const auto [rest, error] = std::from_chars(text.data(), end, number);
+    if (error != std::errc() || rest != end || number < lowest || number > highest)
+        return Error(std::string(what) + " must be a number from " + std::to_string(lowest) +
+                     " to " + std::to_string(highest) + ".");
+    target = Number(number);
+    return {};
+}
+
+Applied setEngine(ServerOptions& options, const std::string& value) {
+    using Engine = ServerOptions::Engine;
+    if (value == "auto") {
+        options.engine = Engine::Automatic;
+    } else if (value == "whisper") {
+        options.engine = Engine::Whisper;
+    } else if (value == "pocketsphinx") {
+        options.engine = Engine::PocketSphinx;
+    } else {
+        return Error("The engine must be auto, whisper or pocketsphinx.");
+    }
+    return {};
+}
+
+Applied setShare(ServerOptions& options, const std::string& value) {
+    if (value == "yes" || value == "no") {
+        options.audience = value == "yes" ? Audience::Network : Audience::ThisComputer;
+        return {};
+    }
+    return Error("Sharing must be yes or no.");
+}
+
+Applied setName(ServerOptions& options, const std::string& value) {
+    if (value.size() > longestServiceName) return Error("The name is longer than 63 bytes.");
+    options.name = value;
+    return {};
+}
+
+Applied setBodyLimit(ServerOptions& options, const std::string& value) {
+    std::uint64_t mebibytes = 0;
+    auto applied = setNumber(mebibytes, value, 1, 1024, "The largest upload in MiB");
+    options.limits.bodyBytes = mebibytes * mebibyte;
+    options.limits.totalBytes = std::max(options.limits.totalBytes, options.limits.bodyBytes);
+    return applied;
+}
+
+struct Option {
+    std::string_view name;
+    Applied (*apply)(ServerOptions& options, const std::string& value);
+};
+
+template <std::string ServerOptions::*field>
+Applied setText(ServerOptions& options, const std::string& value) {
+    options.*field = value;
+    return {};
+}
+
+/// All that take a value; --share, as an argument, takes none.
+constexpr std::array<Option, 13> knownOptions = {{
+    {"--engine", &setEngine},
+    {"--model", &setText<&ServerOptions::modelFile>},
+    {"--whisper-server", &setText<&ServerOptions::whisperServer>},
+    {"--host", &setText<&ServerOptions::host>},
+    {"--port",
+     [](ServerOptions& options, const std::string& value) {
+         int port = 0;
+         auto applied = setNumber(port, value, 0, 65535, "The port");
+         options.port = port;
+         return applied;
+     }},
+    {"--share", &setShare},
+    {"--name", &setName},
+    {"--language", &setText<&ServerOptions::language>},
+    {"--endpoint-file", &setText<&ServerOptions::endpointFile>},
+    {"--max-upload", &setBodyLimit},
+    {"--max-audio",
+     [](ServerOptions& options, const std::string& value) {
+         return setNumber(options.limits.audio, value, 1, 86400,
+                          "The longest recording in seconds");
+     }},
+    {"--max-time",
+     [](ServerOptions& options, const std::string& value) {
+         return setNumber(options.limits.time, value, 1, 86400, "The longest time in seconds");
+     }},
+    {"--max-waiting",
+     [](ServerOptions& options, const std::string& value) {
+         return setNumber(options.limits.waiting, value, 0, 10000, "The number of waiting uploads");
+     }},
+}};
+
+const Option* optionOf(std::string_view name) {
+    const auto found = std::ranges::find(knownOptions, name, &Option::name);
+    return found == knownOptions.end() ? nullptr : &*found;
+}
+
+/// QUIETLARK_SERVER_MAX_AUDIO for --max-audio. The application knows the endpoint file's too.
+std::string settingOf(std::string_view option) {
+    if (option == "--endpoint-file") return "QUIETLARK_ENDPOINT_FILE";
+    std::string name = "QUIETLARK_SERVER_" + std::string(option.substr(2));
+    std::ranges::transform(name, name.begin(), [](unsigned char character) {
+        return character == '-' ? '_' : static_cast<char>(std::toupper(character));
+    });
+    return name;
 }
 
 /// Splits "--name=value" into two arguments.
@@ -32,50 +142,100 @@ std::vector<std::string> separated(const std::vector<std::string>& arguments) {
     return result;
 }
 
+bool isLoopback(const std::string& host) {
+    in_addr address{};
+    const bool isIpv4 = inet_pton(AF_INET, host.c_str(), &address) == 1;
+    return host == "localhost" || host == "::1" || (isIpv4 && host.starts_with("127."));
+}
+
+Applied applySettings(ServerOptions& options, const ServerOptions::Settings& settings) {
+    for (const Option& option : knownOptions) {
+        const std::string setting = settingOf(option.name);
+        const auto value = settings(setting);
+        if (!value || value->empty()) continue;
+        const auto applied = option.apply(options, *value);
+        if (!applied) return Error(setting + ": " + applied.error());
+    }
+    return {};
+}
+
+/// Applies the argument at `words[position]`, and moves on to its last word.
+Applied applyArgument(ServerOptions& options, const std::vector<std::string>& words,
+                      std::size_t& position) {
+    const std::string& name = words[position];
+    if (options.action == ServerOptions::Action::Bench && options.benchFile.empty() &&
+        !name.starts_with('-')) {
+        options.benchFile = name;
+        return {};
+    }
+    if (name == "--share") return setShare(options, "yes");
+    const Option* const option = optionOf(name);
+    if (!option) return Error("There is no option " + name + ".");
+    if (position + 1 == words.size() || words[position + 1].empty())
+        return Error("The option " + name + " needs a value.");
+    return option->apply(options, words[++position]);
+}
+
+Applied complete(ServerOptions& options) {
+    if (options.action == ServerOptions::Action::Bench && options.benchFile.empty())
+        return Error("bench needs a WAV file.");
+    const bool isShared = options.audience == Audience::Network;
+    if (options.host.empty()) options.host = isShared ? "::" : "127.0.0.1";
+    if (!isShared && !isLoopback(options.host))
+        return Error("Listening on " + options.host + " needs --share.");
+    return {};
+}
+
 }  // namespace
 
 tl::expected<ServerOptions, std::string> ServerOptions::parse(
-    const std::vector<std::string>& arguments, const std::string& endpointFileVariable) {
+    const std::vector<std::string>& arguments, const Settings& settings) {
     ServerOptions options;
-    options.endpointFile = endpointFileVariable.empty() ? usualEndpointFile : endpointFileVariable;
+    options.endpointFile = usualEndpointFile;
     const auto words = separated(arguments);
-    for (std::size_t i = 0; i < words.size(); ++i) {
-        const std::string& name = words[i];
-        if (name == "--help" || name == "-h") {
-            options.action = Action::ShowHelp;
-            return options;
-        }
-        if (name == "--version") {
-            options.action = Action::ShowVersion;
-            return options;
-        }
-        if (name != "--host" && name != "--port" && name != "--endpoint-file")
-            return tl::unexpected("There is no option " + name + ".");
-        if (i + 1 == words.size() || words[i + 1].empty())
-            return tl::unexpected("The option " + name + " needs a value.");
-        const std::string& value = words[++i];
-        if (name == "--host") options.host = value;
-        if (name == "--endpoint-file") options.endpointFile = value;
-        if (name == "--port") {
-            const auto port = portFrom(value);
-            if (!port)
-                return tl::unexpected(std::string("The port must be a number from 0 to 65535."));
-            options.port = *port;
-        }
+    for (const std::string& word : words) {
+        const bool isHelp = word == "--help" || word == "-h";
+        if (!isHelp && word != "--version") continue;
+        options.action = isHelp ? Action::ShowHelp : Action::ShowVersion;
+        return options;
     }
+    if (!words.empty() && words.front() == "bench") options.action = Action::Bench;
+    Applied applied = applySettings(options, settings);
+    const std::size_t first = options.action == Action::Bench ? 1 : 0;
+    for (std::size_t i = first; applied && i < words.size(); ++i)
+        applied = applyArgument(options, words, i);
+    if (applied) applied = complete(options);
+    if (!applied) return Error(applied.error());
     return options;
 }
 
 std::string ServerOptions::help() {
-    return "Usage: quietlark-server [OPTION]...\n"
-           "Turns recorded speech into text over HTTP, for Quietlark on this computer.\n"
-           "\n"
-           "  --host HOST           the address to listen on (127.0.0.1)\n"
-           "  --port PORT           the port to listen on; 0 takes a free one (0)\n"
-           "  --endpoint-file PATH  the file that tells Quietlark where this server is\n"
-           "                        ($QUIETLARK_ENDPOINT_FILE, or /tmp/quietlark.endpoint)\n"
-           "  --help                shows this text\n"
-           "  --version             shows the version\n";
+    return R"(Usage: quietlark-server [OPTION]...
+       quietlark-server bench FILE.wav [OPTION]...
+Turns recorded speech into text over HTTP, for Quietlark on this computer and, if you like, on
+others. With bench, says how fast it transcribes a recording and ends.
+
+  --engine ENGINE         whisper, pocketsphinx or auto: the first that works (auto)
+  --model FILE            the model for whisper.cpp
+                          ($XDG_DATA_HOME/Quietlark/models/active.bin)
+  --whisper-server PATH   the server of whisper.cpp (whisper-server, as found in $PATH)
+  --share                 serves other computers too, and tells the local network about it
+  --name NAME             the name that the network sees (the computer's)
+  --host HOST             the address to listen on (127.0.0.1; :: with --share)
+  --port PORT             the port to listen on; 0 takes a free one (0; 8178 with --share)
+  --language CODE         what is spoken when a request does not say (the engine decides)
+  --max-upload MIB        the largest upload (64)
+  --max-audio SECONDS     the longest recording (3600)
+  --max-time SECONDS      the longest time for one recording (600)
+  --max-waiting NUMBER    how many uploads may wait for their turn (64)
+  --endpoint-file PATH    the file that tells Quietlark where this server is
+                          ($QUIETLARK_ENDPOINT_FILE, or /tmp/quietlark.endpoint)
+  --help                  shows this text
+  --version               shows the version
+
+Each may also be set in the environment, as QUIETLARK_SERVER_MAX_AUDIO=60 for --max-audio 60 or
+QUIETLARK_SERVER_SHARE=yes; the service reads such lines from ~/.config/Quietlark/server.conf.
+)";
 }
 
 }  // namespace quietlark

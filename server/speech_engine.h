@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -7,12 +8,24 @@
 
 #include <tl/expected.hpp>
 
+#include "server/transcript.h"
+
 namespace quietlark {
 
 /// Why an engine has no text for a recording.
 enum class EngineError {
-    Stopping,  ///< the program ends before it can be finished
-    Failed,    ///< the recogniser gave up
+    Stopping,     ///< the program ends before it can be finished
+    Failed,       ///< the recogniser gave up
+    Busy,         ///< others were before it until its time was over
+    TimedOut,     ///< it would take longer than it may
+    Unavailable,  ///< the recogniser is not running, and did not come back in time
+};
+
+/// A recording to be transcribed. A view of samples that are kept elsewhere.
+struct SpeechRequest {
+    std::span<const std::int16_t> samples;  ///< one channel at SpeechEngine::sampleRateHz
+    std::string_view language = {};         ///< as a client named it; empty when it did not
+    std::chrono::steady_clock::time_point deadline = std::chrono::steady_clock::time_point::max();
 };
 
 /// Turns recorded speech into text.
@@ -29,10 +42,13 @@ public:
     /// Whether a language, as a request names it, is one that the model was made for.
     [[nodiscard]] virtual bool understands(std::string_view language) const = 0;
 
-    /// The text of one channel at sampleRateHz, in UTF-8; empty when nothing was said. Takes as
-    /// long as it takes. On which threads it may be called is up to the engine.
-    [[nodiscard]] virtual tl::expected<std::string, EngineError> transcribe(
-        std::span<const std::int16_t> samples) = 0;
+    /// Whether a recording would be transcribed at once, were it the only one. Any thread.
+    [[nodiscard]] virtual bool isReady() const = 0;
+
+    /// Takes as long as it takes, though not much longer than to the request's deadline. On which
+    /// threads it may be called is up to the engine.
+    [[nodiscard]] virtual tl::expected<Transcript, EngineError> transcribe(
+        const SpeechRequest& request) = 0;
 
     /// Makes this and every later transcribe() end soon with EngineError::Stopping. Any thread.
     virtual void stop() = 0;

@@ -5,24 +5,32 @@
 
 #include <httplib.h>
 #include <sys/eventfd.h>
+#include <unistd.h>
 
-#include "server/http_connection.h"
+#include "server/admission.h"
+#include "server/connection_pool.h"
 
 namespace quietlark {
 namespace {
 
 /// Each connection keeps one, mostly asleep.
-constexpr std::size_t threadCount = 32;
+constexpr std::size_t mostThreads = 64;
 constexpr int waitingConnections = 128;
 constexpr std::size_t requestsPerConnection = 1000;
 constexpr std::size_t longestLoggedPath = 128;
+/// Set in a request that there is no room for, on its way through the library; no client's own.
+constexpr const char* noRoomField = "Quietlark-No-Room";
 
 HttpHead headOf(const httplib::Request& request) {
     HttpHead head{.method = request.method,
                   .path = request.path,
                   .contentType = request.get_header_value("Content-Type"),
                   .contentEncoding = request.get_header_value("Content-Encoding"),
-                  .contentLength = std::nullopt};
+                  .contentLength = std::nullopt,
+                  .host = request.get_header_value("Host"),
+                  .origin = request.get_header_value("Origin"),
+                  .fetchSite = request.get_header_value("Sec-Fetch-Site"),
+                  .fetchMode = request.get_header_value("Sec-Fetch-Mode")};
     // The library would follow a chunked body to wherever it leads.
     if (request.has_header("Content-Length") && !request.has_header("Transfer-Encoding"))
         head.contentLength = request.get_header_value<std::uint64_t>("Content-Length");
@@ -40,6 +48,10 @@ void fill(httplib::Response& out, const HttpResponse& response) {
     out.status = response.status;
     out.set_content(response.body, response.contentType);
     if (!response.allowedMethod.empty()) out.set_header("Allow", response.allowedMethod);
+    if (response.retryAfterSeconds > 0)
+        out.set_header("Retry-After", std::to_string(response.retryAfterSeconds));
+    out.set_header("X-Content-Type-Options", "nosniff");
+    out.set_header("Cross-Origin-Resource-Policy", "same-origin");
 }
 
 /// What is said of requests that the library itself turns down.
@@ -63,8 +75,8 @@ std::string_view messageFor(int status) {
 /// cpp-httplib's server with connections, limits and answers of our own.
 class SpeechServer::Listener final : public httplib::Server {
 public:
-    Listener(HttpApi& api, Log& log);
-    ~Listener() override { close(m_stopEvent); }
+    Listener(HttpApi& api, Log& log, ClientPatience patience);
+    ~Listener() override;
     Listener(const Listener&) = delete;
     Listener& operator=(const Listener&) = delete;
 
@@ -76,7 +88,10 @@ public:
 
 private:
     bool process_and_close_socket(socket_t socket) override;
-    void prepare(HttpConnection& connection, httplib::Request& request) const;
+    void serveRequests(HttpConnection& connection);
+    /// Answers how many bytes of upload were let in.
+    std::uint64_t prepare(HttpConnection& connection, httplib::Request& request);
+    [[nodiscard]] std::optional<HttpResponse> refusal(const httplib::Request& request) const;
     bool refuse(const httplib::Request& request, httplib::Response& out) const;
     void answer(const httplib::Request& request, httplib::Response& out);
     void describeError(const httplib::Request& request, httplib::Response& out);
@@ -85,23 +100,31 @@ private:
 
     HttpApi& m_api;
     Log& m_log;
+    const ClientPatience m_patience;
+    Admission m_admission;
     const int m_stopEvent = eventfd(0, EFD_CLOEXEC);
+    const int m_crowdedEvent = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK | EFD_SEMAPHORE);
     socket_t m_socket = INVALID_SOCKET;
     std::atomic<bool> m_isStopping = false;
 };
 
-SpeechServer::Listener::Listener(HttpApi& api, Log& log) : m_api(api), m_log(log) {
+SpeechServer::Listener::Listener(HttpApi& api, Log& log, ClientPatience patience)
+    : m_api(api), m_log(log), m_patience(patience), m_admission(api.limits()) {
     // The library's own choice would let a second server share the port unnoticed.
     set_socket_options([this](socket_t socket) {
         const int on = 1;
+        const int off = 0;
         setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+        // The address "::" serves both kinds; this fails, as it may, on a socket of the older one.
+        setsockopt(socket, IPPROTO_IPV6, IPV6_V6ONLY, &off, sizeof off);
         m_socket = socket;
     });
     set_tcp_nodelay(true);
-    set_keep_alive_timeout(HttpConnection::idleTime.count());
+    set_keep_alive_timeout(
+        std::chrono::duration_cast<std::chrono::seconds>(m_patience.idle).count());
     set_keep_alive_max_count(requestsPerConnection);
-    set_payload_max_length(HttpApi::maximumBodyBytes);
-    new_task_queue = [] { return new httplib::ThreadPool(threadCount); };
+    set_payload_max_length(api.limits().bodyBytes);
+    new_task_queue = [this] { return new ConnectionPool(mostThreads, m_crowdedEvent); };
 
     set_expect_100_continue_handler(
         [this](const auto& request, auto& out) { return refuse(request, out) ? out.status : 100; });
@@ -119,6 +142,11 @@ SpeechServer::Listener::Listener(HttpApi& api, Log& log) : m_api(api), m_log(log
     }));
 }
 
+SpeechServer::Listener::~Listener() {
+    close(m_stopEvent);
+    close(m_crowdedEvent);
+}
+
 void SpeechServer::Listener::requestStop() {
     if (m_isStopping.exchange(true)) return;
     eventfd_write(m_stopEvent, 1);
@@ -127,33 +155,53 @@ void SpeechServer::Listener::requestStop() {
 }
 
 bool SpeechServer::Listener::process_and_close_socket(socket_t socket) {
-    HttpConnection connection(socket, m_stopEvent);
-    for (auto left = requestsPerConnection; left > 0 && connection.waitForRequest(); --left) {
-        bool isClosed = false;
-        const bool hasAnswered =
-            process_request(connection, left == 1 || m_isStopping, isClosed,
-                            [&](httplib::Request& request) { prepare(connection, request); });
-        if (!hasAnswered || isClosed || m_isStopping || !connection.isRequestComplete()) break;
-    }
+    HttpConnection connection(socket, {m_stopEvent, m_crowdedEvent}, m_patience);
+    serveRequests(connection);
     return true;
 }
 
-void SpeechServer::Listener::prepare(HttpConnection& connection, httplib::Request& request) const {
+void SpeechServer::Listener::serveRequests(HttpConnection& connection) {
+    for (auto left = requestsPerConnection; left > 0 && connection.waitForRequest(); --left) {
+        bool isClosed = false;
+        std::uint64_t admitted = 0;
+        const bool hasAnswered = process_request(
+            connection, left == 1 || m_isStopping, isClosed,
+            [&](httplib::Request& request) { admitted = prepare(connection, request); });
+        if (admitted > 0) m_admission.leave(admitted);
+        if (!hasAnswered || isClosed || m_isStopping || !connection.isRequestComplete()) break;
+    }
+}
+
+std::uint64_t SpeechServer::Listener::prepare(HttpConnection& connection,
+                                              httplib::Request& request) {
+    request.headers.erase(noRoomField);
     const HttpHead head = headOf(request);
     const bool isChunked = request.has_header("Transfer-Encoding");
     const std::uint64_t bodyBytes = isChunked ? 1 : head.contentLength.value_or(0);
     connection.expectBody(bodyBytes);
-    // A refused body is left unread, so that no other request can follow it.
-    if (bodyBytes > 0 && HttpApi::refusal(head)) request.set_header("Connection", "close");
     // Answers are short: whole and uncompressed is quickest.
     request.headers.erase("Accept-Encoding");
     request.ranges.clear();
+    const bool isWelcome = !m_api.refusal(head);
+    const bool isAdmitted = isWelcome && bodyBytes > 0 && m_admission.enter(bodyBytes);
+    if (isAdmitted || bodyBytes == 0) return isAdmitted ? bodyBytes : 0;
+    if (isWelcome) request.set_header(noRoomField, "1");
+    // A refused body is left unread, so that no other request can follow it.
+    request.headers.erase("Connection");
+    request.set_header("Connection", "close");
+    return 0;
+}
+
+std::optional<HttpResponse> SpeechServer::Listener::refusal(const httplib::Request& request) const {
+    if (request.has_header(noRoomField))
+        return unavailableResponse("Too many recordings are waiting already.");
+    return m_api.refusal(headOf(request));
 }
 
 bool SpeechServer::Listener::refuse(const httplib::Request& request, httplib::Response& out) const {
-    const auto refusal = HttpApi::refusal(headOf(request));
-    if (!refusal) return false;
-    fill(out, *refusal);
+    const auto response = refusal(request);
+    if (!response) return false;
+    fill(out, *response);
     logRequest(request, out, "");
     return true;
 }
@@ -172,7 +220,7 @@ void SpeechServer::Listener::answer(const httplib::Request& request, httplib::Re
 void SpeechServer::Listener::describeError(const httplib::Request& request,
                                            httplib::Response& out) {
     if (!out.body.empty()) return;
-    fill(out, errorResponse(out.status, messageFor(out.status)));
+    fill(out, errorResponse(out.status, {.message = messageFor(out.status)}));
     logRequest(request, out, "");
 }
 
@@ -184,8 +232,8 @@ void SpeechServer::Listener::logRequest(const httplib::Request& request,
                     times);
 }
 
-SpeechServer::SpeechServer(HttpApi& api, Log& log)
-    : m_listener(std::make_unique<Listener>(api, log)) {}
+SpeechServer::SpeechServer(HttpApi& api, Log& log, ClientPatience patience)
+    : m_listener(std::make_unique<Listener>(api, log, patience)) {}
 
 SpeechServer::~SpeechServer() = default;
 

@@ -5,6 +5,7 @@
 
 #include "platform/log.h"
 #include "server/http_api.h"
+#include "server/http_connection.h"
 
 namespace quietlark {
 
@@ -12,7 +13,7 @@ namespace quietlark {
 /// client likes. Logs one line per request; never what was said.
 class SpeechServer {
 public:
-    SpeechServer(HttpApi& api, Log& log);
+    SpeechServer(HttpApi& api, Log& log, ClientPatience patience = {});
     ~SpeechServer();
 
     /// Takes the address, so that clients can connect; port 0 takes a free one. False when the

@@ -19,13 +19,20 @@ public:
         return language.empty() || language == "en";
     }
 
-    [[nodiscard]] tl::expected<std::string, EngineError> transcribe(
-        std::span<const std::int16_t> samples) override {
-        m_sampleCount = samples.size();
+    [[nodiscard]] bool isReady() const override { return m_isReady; }
+
+    [[nodiscard]] tl::expected<Transcript, EngineError> transcribe(
+        const SpeechRequest& request) override {
+        m_sampleCount = request.samples.size();
         ++m_transcriptions;
         if (m_isStopped) return tl::unexpected(EngineError::Stopping);
-        return result;
+        if (!result) return tl::unexpected(result.error());
+        const double seconds = static_cast<double>(request.samples.size()) / sampleRateHz;
+        return Transcript{
+            .text = *result, .language = "english", .segments = {{0, seconds, *result}}};
     }
+
+    void setReady(bool isReady) { m_isReady = isReady; }
 
     void stop() override { m_isStopped = true; }
 
@@ -37,6 +44,7 @@ private:
     std::atomic<std::size_t> m_sampleCount = 0;
     std::atomic<int> m_transcriptions = 0;
     std::atomic<bool> m_isStopped = false;
+    std::atomic<bool> m_isReady = true;
 };
 
 }  // namespace quietlark

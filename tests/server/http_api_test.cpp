@@ -26,8 +26,8 @@ protected:
     }
 
     /// The status of the refusal, 0 for none.
-    static int refused(const HttpHead& head) {
-        const auto refusal = HttpApi::refusal(head);
+    int refused(const HttpHead& head) const {
+        const auto refusal = m_api.refusal(head);
         return refusal ? refusal->status : 0;
     }
 
@@ -35,16 +35,11 @@ protected:
         return {.method = "POST",
                 .path = "/inference",
                 .contentType = "multipart/form-data; boundary=B",
-                .contentEncoding = "",
                 .contentLength = 1000};
     }
 
     static HttpHead head(std::string method, std::string path) {
-        return {.method = std::move(method),
-                .path = std::move(path),
-                .contentType = "",
-                .contentEncoding = "",
-                .contentLength = std::nullopt};
+        return {.method = std::move(method), .path = std::move(path)};
     }
 
     FakeSpeechEngine m_engine;
@@ -66,7 +61,7 @@ TEST_F(HttpApiTest, TheListOfModelsHoldsTheEnginesModelLabelledForTranscription)
     EXPECT_EQ(models.status, 200);
     EXPECT_EQ(models.contentType, "application/json");
     EXPECT_EQ(models.body, R"({"object":"list","data":[{"id":"fake-model","object":"model",)"
-                           R"("owned_by":"quietlark","labels":["transcription"]}]})");
+                           R"("created":0,"owned_by":"quietlark","labels":["transcription"]}]})");
 }
 
 TEST_F(HttpApiTest, BothFlavoursAnswerWithTheText) {
@@ -81,6 +76,36 @@ TEST_F(HttpApiTest, PlainTextIsAnsweredOnRequest) {
     const auto response = post({{"file", m_wav}, {"response_format", "text"}});
     EXPECT_EQ(response.contentType, "text/plain; charset=utf-8");
     EXPECT_EQ(response.body, "hello world\n");
+}
+
+TEST_F(HttpApiTest, TranscriptsComeInEveryFormatThatClientsKnow) {
+    const auto verbose = post({{"file", m_wav}, {"response_format", "verbose_json"}});
+    EXPECT_EQ(verbose.contentType, "application/json");
+    EXPECT_NE(verbose.body.find(R"("duration":1.00)"), std::string::npos);
+    EXPECT_TRUE(post({{"file", m_wav}, {"response_format", "srt"}}).body.starts_with("1\n00:00:"));
+    EXPECT_TRUE(post({{"file", m_wav}, {"response_format", "vtt"}}).body.starts_with("WEBVTT"));
+}
+
+TEST_F(HttpApiTest, AModelIsDescribedByItsName) {
+    EXPECT_EQ(get("/v1/models/fake-model").status, 200);
+    const auto other = get("/v1/models/other");
+    EXPECT_EQ(other.status, 404);
+    EXPECT_NE(other.body.find(R"("code":"model_not_found")"), std::string::npos);
+}
+
+TEST_F(HttpApiTest, ItsHealthIsThatOfTheEngine) {
+    EXPECT_EQ(get("/health").body, R"({"status":"ok"})");
+    m_engine.setReady(false);
+    EXPECT_EQ(get("/health").status, 503);
+}
+
+TEST_F(HttpApiTest, TheLanguageOfTheSettingsIsForRequestsWithoutOne) {
+    HttpApi german(m_engine, {.language = "de"});
+    const HttpRequest silent{.method = "POST", .path = "/inference", .form = {{"file", m_wav}}};
+    EXPECT_EQ(german.answer(silent).status, 400);
+    auto english = silent;
+    english.form["language"] = "en";
+    EXPECT_EQ(german.answer(english).status, 200);
 }
 
 TEST_F(HttpApiTest, SilenceIsAnEmptyText) {
@@ -107,7 +132,7 @@ TEST_F(HttpApiTest, AMissingFileIsNamed) {
     const auto response = post({{"response_format", "json"}});
     EXPECT_EQ(response.status, 400);
     EXPECT_EQ(response.body, R"({"error":{"message":"The form has no field named file.",)"
-                             R"("type":"invalid_request_error"}})");
+                             R"("type":"invalid_request_error","param":"file","code":null}})");
 }
 
 TEST_F(HttpApiTest, WhatIsNoWavFileIsRefused) {
@@ -123,7 +148,7 @@ TEST_F(HttpApiTest, MoreThanAnHourIsTooMuch) {
 }
 
 TEST_F(HttpApiTest, AResponseFormatThatThisServerDoesNotHaveIsRefused) {
-    EXPECT_EQ(post({{"file", m_wav}, {"response_format", "srt"}}).status, 400);
+    EXPECT_EQ(post({{"file", m_wav}, {"response_format", "pdf"}}).status, 400);
 }
 
 TEST_F(HttpApiTest, ALanguageThatTheModelWasNotMadeForIsRefused) {
@@ -136,6 +161,22 @@ TEST_F(HttpApiTest, AnEngineThatGivesUpIsTheServersFault) {
     const auto response = post({{"file", m_wav}});
     EXPECT_EQ(response.status, 500);
     EXPECT_NE(response.body.find("server_error"), std::string::npos);
+}
+
+TEST_F(HttpApiTest, ABusyServerTellsWhenToComeBack) {
+    for (const auto error : {EngineError::Busy, EngineError::Unavailable}) {
+        m_engine.result = tl::unexpected(error);
+        const auto response = post({{"file", m_wav}});
+        EXPECT_EQ(response.status, 503);
+        EXPECT_GT(response.retryAfterSeconds, 0);
+    }
+}
+
+TEST_F(HttpApiTest, ARecordingThatTakesTooLongIsNotToBeTriedAgain) {
+    m_engine.result = tl::unexpected(EngineError::TimedOut);
+    const auto response = post({{"file", m_wav}});
+    EXPECT_EQ(response.status, 503);
+    EXPECT_EQ(response.retryAfterSeconds, 0);
 }
 
 TEST_F(HttpApiTest, AServerThatStopsSaysSo) {
@@ -157,9 +198,9 @@ TEST_F(HttpApiTest, OtherAddressesAreNotFound) {
 }
 
 TEST_F(HttpApiTest, AnotherMethodIsNotAllowedAndTheRightOneIsNamed) {
-    EXPECT_EQ(HttpApi::refusal(head("GET", "/inference"))->status, 405);
-    EXPECT_EQ(HttpApi::refusal(head("GET", "/inference"))->allowedMethod, "POST");
-    EXPECT_EQ(HttpApi::refusal(head("DELETE", "/"))->allowedMethod, "GET");
+    EXPECT_EQ(m_api.refusal(head("GET", "/inference"))->status, 405);
+    EXPECT_EQ(m_api.refusal(head("GET", "/inference"))->allowedMethod, "POST");
+    EXPECT_EQ(m_api.refusal(head("DELETE", "/"))->allowedMethod, "GET");
 }
 
 TEST_F(HttpApiTest, AnUploadMustSayHowLongItIs) {
@@ -174,6 +215,14 @@ TEST_F(HttpApiTest, AnUploadOf64MiBIsTheLargest) {
     EXPECT_EQ(refused(request), 0);
     ++*request.contentLength;
     EXPECT_EQ(refused(request), 413);
+}
+
+TEST_F(HttpApiTest, PagesOfOtherSitesAreRefusedBeforeAnythingElse) {
+    auto request = upload();
+    request.host = "127.0.0.1:8178";
+    EXPECT_EQ(refused(request), 0);
+    request.origin = "https://example.com";
+    EXPECT_EQ(refused(request), 403);
 }
 
 TEST_F(HttpApiTest, OnlyPlainFormsAreRead) {

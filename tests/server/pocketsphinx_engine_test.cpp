@@ -12,7 +12,7 @@ namespace {
 class PocketSphinxEngineTest : public testing::Test {
 protected:
     std::string textOf(const std::vector<std::int16_t>& samples) {
-        return m_engine->transcribe(samples).value();
+        return m_engine->transcribe({.samples = samples}).value().text;
     }
 
     std::string textOf(const WavBytes& file) {
@@ -70,6 +70,28 @@ TEST_F(PocketSphinxEngineTest, ARecordingLongerThanOnePieceIsUnderstood) {
     EXPECT_EQ(textOf(samples), expected);
 }
 
+TEST_F(PocketSphinxEngineTest, EveryPieceIsASegmentWithItsTimes) {
+    auto samples = speech(numbers);
+    samples.resize(15 * SpeechEngine::sampleRateHz);
+    const auto second = speech(weather);
+    samples.insert(samples.end(), second.begin(), second.end());
+    samples.resize(25 * SpeechEngine::sampleRateHz);
+    const auto transcript = m_engine->transcribe({.samples = samples}).value();
+    EXPECT_EQ(transcript.language, "english");
+    ASSERT_EQ(transcript.segments.size(), 2U);
+    EXPECT_EQ(transcript.segments[0].text, numbers.toStdString());
+    EXPECT_EQ(transcript.segments[1].text, weather.toStdString());
+    EXPECT_EQ(transcript.segments[0].endSeconds, transcript.segments[1].startSeconds);
+    EXPECT_EQ(transcript.segments[1].endSeconds, 25);
+}
+
+TEST_F(PocketSphinxEngineTest, ARecordingThatMayTakeNoTimeIsGivenUp) {
+    const std::vector<std::int16_t> silence(16000);
+    const auto now = std::chrono::steady_clock::now();
+    EXPECT_EQ(m_engine->transcribe({.samples = silence, .deadline = now}).error(),
+              EngineError::TimedOut);
+}
+
 TEST_F(PocketSphinxEngineTest, NextToNothingAndSilenceAreEmptyTexts) {
     for (const std::size_t count : {0, 1, 2, 100, 1600, 16000, 60 * 16000})
         EXPECT_EQ(textOf(std::vector<std::int16_t>(count)), "") << count;
@@ -83,9 +105,11 @@ TEST_F(PocketSphinxEngineTest, EnglishIsUnderstoodAndNothingElse) {
 }
 
 TEST_F(PocketSphinxEngineTest, AStoppedEngineTranscribesNoMore) {
+    const std::vector<std::int16_t> silence(16000);
+    EXPECT_TRUE(m_engine->isReady());
     m_engine->stop();
-    EXPECT_EQ(m_engine->transcribe(std::vector<std::int16_t>(16000)).error(),
-              EngineError::Stopping);
+    EXPECT_FALSE(m_engine->isReady());
+    EXPECT_EQ(m_engine->transcribe({.samples = silence}).error(), EngineError::Stopping);
 }
 
 TEST_F(PocketSphinxEngineTest, TheSampleSentenceGivesASpeed) {

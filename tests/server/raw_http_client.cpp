@@ -81,7 +81,7 @@ std::string formOf(std::string_view wav, std::string_view fields) {
 
 std::string postOf(std::string_view path, std::string_view form) {
     return "POST " + std::string(path) +
-           " HTTP/1.1\r\nHost: test\r\nContent-Type: multipart/form-data; boundary=B\r\n"
+           " HTTP/1.1\r\nHost: localhost\r\nContent-Type: multipart/form-data; boundary=B\r\n"
            "Content-Length: " +
            std::to_string(form.size()) + "\r\n\r\n" + std::string(form);
 }

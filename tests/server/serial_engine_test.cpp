@@ -18,15 +18,17 @@ public:
     [[nodiscard]] bool understands(std::string_view) const override { return true; }
     void stop() override {}
 
-    [[nodiscard]] tl::expected<std::string, EngineError> transcribe(
-        std::span<const std::int16_t> samples) override {
+    [[nodiscard]] bool isReady() const override { return true; }
+
+    [[nodiscard]] tl::expected<Transcript, EngineError> transcribe(
+        const SpeechRequest& request) override {
         std::unique_lock lock(m_mutex);
         m_isCrowded = m_isCrowded || m_isBusy;
         m_isBusy = true;
-        m_order.push_back(samples.size());
+        m_order.push_back(request.samples.size());
         m_released.wait(lock, [this] { return m_isReleased; });
         m_isBusy = false;
-        return "";
+        return Transcript();
     }
 
     void release() {
@@ -76,7 +78,7 @@ TEST(SerialEngineTest, WhoCameFirstIsServedFirst) {
     std::vector<std::thread> clients;
     for (std::size_t i = 0; i < samples.size(); ++i) {
         clients.emplace_back(
-            [&, i] { EXPECT_TRUE(engine.transcribe(std::span(samples).first(i))); });
+            [&, i] { EXPECT_TRUE(engine.transcribe({.samples = std::span(samples).first(i)})); });
         ASSERT_TRUE(waitUntil([&] { return engine.waiting() + held.order().size() == i + 1; }));
     }
     held.release();
@@ -85,13 +87,27 @@ TEST(SerialEngineTest, WhoCameFirstIsServedFirst) {
     EXPECT_EQ(held.order(), (std::vector<std::size_t>{0, 1, 2, 3, 4, 5}));
 }
 
+TEST(SerialEngineTest, WhoHasNoTurnByHisDeadlineIsToldThatItIsBusy) {
+    HeldEngine held;
+    SerialEngine engine(held);
+    std::thread first([&engine] { EXPECT_TRUE(engine.transcribe({})); });
+    ASSERT_TRUE(waitUntil([&] { return held.order().size() == 1; }));
+    const auto now = std::chrono::steady_clock::now();
+    EXPECT_EQ(engine.transcribe({.samples = {}, .deadline = now}).error(), EngineError::Busy);
+    EXPECT_EQ(engine.waiting(), 0U);
+    held.release();
+    first.join();
+    EXPECT_TRUE(engine.transcribe({}));
+}
+
 TEST(SerialEngineTest, TheEngineBehindItIsAskedAndStopped) {
     FakeSpeechEngine fake;
     SerialEngine engine(fake);
     EXPECT_EQ(engine.modelId(), "fake-model");
     EXPECT_TRUE(engine.understands("en"));
     EXPECT_FALSE(engine.understands("de"));
-    EXPECT_EQ(engine.transcribe({}), "hello world");
+    EXPECT_TRUE(engine.isReady());
+    EXPECT_EQ(engine.transcribe({})->text, "hello world");
     engine.stop();
     EXPECT_EQ(engine.transcribe({}).error(), EngineError::Stopping);
 }

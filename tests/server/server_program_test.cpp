@@ -108,7 +108,8 @@ TEST_F(ServerProgramTest, ThirtyTwoMixedUploadsAtOnceGetTheRightAnswers) {
     const std::string text = R"({"text":"hello how are you"} 200)";
     const QString inference = QStringLiteral("/inference");
     const std::string error =
-        R"({"error":{"message":"This is not a WAV file.","type":"invalid_request_error"}} 400)";
+        R"({"error":{"message":"This is not a WAV file.","type":"invalid_request_error",)"
+        R"("param":"file","code":null}} 400)";
     const QString openai = QStringLiteral("/v1/audio/transcriptions");
     const QString broken = fileOf({'n', 'o'});
     const QString empty = fileOf(WAV::encode({}, 16000, 1));

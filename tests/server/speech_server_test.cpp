@@ -8,11 +8,12 @@
 #include "fakes/fake_log.h"
 #include "server/fake_speech_engine.h"
 #include "server/raw_http_client.h"
+#include "support/wait.h"
 
 namespace quietlark {
 namespace {
 
-constexpr auto getModels = "GET /v1/models HTTP/1.1\r\nHost: test\r\n\r\n";
+constexpr auto getModels = "GET /v1/models HTTP/1.1\r\nHost: localhost\r\n\r\n";
 
 std::string wavOf(std::size_t samples) {
     const auto wav = WAV::encode(std::vector<std::int16_t>(samples), 16000, 1);
@@ -97,9 +98,24 @@ TEST_F(SpeechServerTest, AnswersAreNotCompressed) {
 }
 
 TEST_F(SpeechServerTest, PagesOfOtherSitesGetNoLeave) {
-    const auto answer = ask("GET /v1/models HTTP/1.1\r\nOrigin: http://example.com\r\n\r\n");
+    const std::string foreign = "Host: 127.0.0.1\r\nOrigin: http://example.com\r\n";
+    const auto answer = ask("GET /v1/models HTTP/1.1\r\n" + foreign + "\r\n");
+    EXPECT_EQ(answer.status, 403);
     EXPECT_EQ(answer.head.find("Access-Control"), std::string::npos);
-    EXPECT_EQ(ask("OPTIONS /inference HTTP/1.1\r\nOrigin: http://a.b\r\n\r\n").status, 405);
+    EXPECT_EQ(ask("OPTIONS /inference HTTP/1.1\r\n" + foreign + "\r\n").status, 403);
+    EXPECT_EQ(ask("OPTIONS /inference HTTP/1.1\r\n\r\n").status, 405);
+}
+
+TEST_F(SpeechServerTest, ANameThatWasMadeToLeadHereIsRefused) {
+    EXPECT_EQ(ask("GET /v1/models HTTP/1.1\r\nHost: rebound.example.com:80\r\n\r\n").status, 403);
+}
+
+TEST_F(SpeechServerTest, ForeignUploadsAreRefusedWithoutBeingRead) {
+    const auto answer =
+        ask("POST /inference HTTP/1.1\r\nHost: localhost\r\nOrigin: null\r\nConnection: "
+            "keep-alive\r\nContent-Length: 1000000\r\n\r\n");
+    EXPECT_EQ(answer.status, 403);
+    EXPECT_NE(answer.head.find("Connection: close"), std::string::npos);
 }
 
 TEST_F(SpeechServerTest, AMethodThatIsNotAllowedIsToldTheRightOne) {
@@ -214,6 +230,13 @@ TEST_F(SpeechServerTest, ManyClientsAtOnceEachGetTheirAnswer) {
     EXPECT_EQ(m_engine.transcriptions(), 24);
 }
 
+TEST_F(SpeechServerTest, MoreClientsThanThreadsAreServedWhenTheOthersAreIdle) {
+    std::vector<std::unique_ptr<RawHttpClient>> idle;
+    for (int i = 0; i < 80; ++i)
+        idle.push_back(std::make_unique<RawHttpClient>(m_server.port()));
+    EXPECT_EQ(ask(getModels).status, 200);
+}
+
 TEST_F(SpeechServerTest, EachRequestIsOneLineInTheLogWithoutTheText) {
     EXPECT_EQ(ask(m_upload).status, 200);
     EXPECT_EQ(ask("GET /nothing HTTP/1.1\r\n\r\n").status, 404);
@@ -240,6 +263,88 @@ TEST_F(SpeechServerTest, StoppingDoesNotWaitForIdleClients) {
 TEST_F(SpeechServerTest, APortServesOneServer) {
     SpeechServer other(m_api, m_log);
     EXPECT_FALSE(other.bind("127.0.0.1", m_server.port()));
+}
+
+namespace {
+
+/// A server that lets no upload wait while another is there.
+class CrowdedServerTest : public testing::Test {
+protected:
+    explicit CrowdedServerTest(ClientPatience patience = {}) : m_server(m_api, m_log, patience) {}
+
+    void SetUp() override {
+        ASSERT_TRUE(m_server.bind("127.0.0.1", 0));
+        m_thread = std::thread([this] { EXPECT_TRUE(m_server.run()); });
+    }
+
+    void TearDown() override {
+        m_server.stop();
+        m_thread.join();
+    }
+
+    FakeSpeechEngine m_engine;
+    FakeLog m_log;
+    HttpApi m_api{m_engine, {.limits = {.bodyBytes = 100000, .waiting = 0}}};
+    SpeechServer m_server;
+    std::thread m_thread;
+    const std::string m_upload = postOf("/inference", formOf(wavOf(1000)));
+};
+
+constexpr std::chrono::milliseconds moment{200};
+
+/// A server whose clients must hurry.
+class StrictServerTest : public CrowdedServerTest {
+protected:
+    StrictServerTest()
+        : CrowdedServerTest({.idle = moment,
+                             .stall = moment,
+                             .head = moment,
+                             .transfer = moment,
+                             .bytesPerSecond = 1000000}) {}
+};
+
+}  // namespace
+
+TEST_F(StrictServerTest, AClientThatAsksNothingIsLeft) {
+    RawHttpClient client(m_server.port());
+    EXPECT_TRUE(client.isClosedByServer());
+}
+
+TEST_F(StrictServerTest, AClientThatStopsInTheMiddleIsLeft) {
+    RawHttpClient client(m_server.port());
+    client.send("GET / HT");
+    EXPECT_NE(client.receive().status, 200);
+    RawHttpClient uploader(m_server.port());
+    uploader.send(m_upload.substr(0, m_upload.size() / 2));
+    EXPECT_NE(uploader.receive().status, 200);
+    EXPECT_TRUE(uploader.isClosedByServer());
+}
+
+TEST_F(StrictServerTest, AClientThatSendsByteByByteForeverIsLeft) {
+    RawHttpClient client(m_server.port());
+    client.send("GET / HTTP/1.1\r\nA: ");
+    EXPECT_TRUE(waitUntil([&] { return !client.send("a"); }));
+}
+
+TEST_F(CrowdedServerTest, MoreUploadsThanMayWaitAreToldToComeBack) {
+    RawHttpClient first(m_server.port());
+    first.send(m_upload.substr(0, m_upload.size() - 1));
+    RawHttpClient::Answer answer;
+    // Nothing tells from outside when the head of the first one has been read.
+    ASSERT_TRUE(waitUntil([&] {
+        answer = RawHttpClient(m_server.port()).ask(m_upload);
+        return answer.status == 503;
+    }));
+    EXPECT_NE(answer.head.find("Retry-After: "), std::string::npos);
+    EXPECT_NE(answer.body.find("server_error"), std::string::npos);
+    EXPECT_EQ(RawHttpClient(m_server.port()).ask(getModels).status, 200);
+    EXPECT_EQ(first.ask(m_upload.substr(m_upload.size() - 1)).status, 200);
+}
+
+TEST_F(CrowdedServerTest, AnUploadMakesRoomWhenItIsOver) {
+    RawHttpClient client(m_server.port());
+    for (int i = 0; i < 5; ++i)
+        EXPECT_EQ(client.ask(m_upload).status, 200);
 }
 
 TEST(SpeechServerStopTest, AServerStoppedBeforeItRunsDoesNotRun) {

@@ -1,0 +1,71 @@
+#include "server/browser_guard.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+
+#include <arpa/inet.h>
+
+namespace quietlark {
+namespace {
+
+/// Names under these are given out within a home or an office only (RFC 6761, 6762, 8375; ICANN
+/// has set "internal" aside; "lan" has never been a top-level domain, and many routers use it).
+constexpr std::array<std::string_view, 5> privateDomains = {".local", ".localhost", ".home.arpa",
+                                                            ".internal", ".lan"};
+
+std::string lowerCase(std::string_view text) {
+    std::string lower(text);
+    std::ranges::transform(lower, lower.begin(), [](unsigned char character) {
+        return static_cast<char>(std::tolower(character));
+    });
+    return lower;
+}
+
+/// The host of "host:port", in lower case and without a final dot.
+std::string nameIn(std::string_view authority) {
+    const auto port = authority.rfind(':');
+    const bool isBare = authority.ends_with(']') || port == std::string_view::npos;
+    std::string name = lowerCase(isBare ? authority : authority.substr(0, port));
+    if (name.ends_with('.')) name.pop_back();
+    return name;
+}
+
+bool isAddress(const std::string& name) {
+    in6_addr address{};
+    if (inet_pton(AF_INET, name.c_str(), &address) == 1) return true;
+    return name.starts_with('[') && name.ends_with(']') &&
+           inet_pton(AF_INET6, name.substr(1, name.size() - 2).c_str(), &address) == 1;
+}
+
+bool isOwnName(const std::string& name, Audience audience) {
+    if (isAddress(name) || name == "localhost") return true;
+    if (audience == Audience::ThisComputer) return false;
+    const bool isSingleWord =
+        !name.empty() && std::ranges::all_of(name, [](unsigned char character) {
+            return std::isalnum(character) != 0 || character == '-';
+        });
+    return isSingleWord || std::ranges::any_of(privateDomains, [&](std::string_view domain) {
+               return name.ends_with(domain);
+           });
+}
+
+}  // namespace
+
+std::optional<HttpResponse> foreignPageRefusal(const HttpHead& head, Audience audience) {
+    // No browser leaves Host out; some scripts do.
+    if (!head.host.empty() && !isOwnName(nameIn(head.host), audience))
+        return errorResponse(
+            403, {.message = "This server is not known by that name.", .code = "unknown_host"});
+    const bool isForeign =
+        !head.origin.empty() && lowerCase(head.origin) != "http://" + lowerCase(head.host);
+    const bool isLink = head.fetchMode == "navigate" && head.method == "GET";
+    const bool isFetchedElsewhere =
+        !isLink && (head.fetchSite == "cross-site" || head.fetchSite == "same-site");
+    if (isForeign || isFetchedElsewhere)
+        return errorResponse(403, {.message = "Pages of other sites may not use this server.",
+                                   .code = "foreign_origin"});
+    return std::nullopt;
+}
+
+}  // namespace quietlark

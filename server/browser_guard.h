@@ -1,0 +1,22 @@
+#pragma once
+
+#include <optional>
+
+#include "server/http_messages.h"
+
+namespace quietlark {
+
+/// Who may use the server.
+enum class Audience {
+    ThisComputer,
+    Network,  ///< every computer that reaches it
+};
+
+/// Why a request is turned down for the page it comes from; absent for programs, and for this
+/// server's own page. Browsers name that page in Origin and Sec-Fetch-Site. A page whose own name
+/// was made to lead here (DNS rebinding) looks like this server's own, and is known by its name in
+/// Host: only an address, or a name that no site on the internet can have, is taken.
+[[nodiscard]] std::optional<HttpResponse> foreignPageRefusal(const HttpHead& head,
+                                                             Audience audience);
+
+}  // namespace quietlark
