@@ -166,9 +166,10 @@ Invocation CommandLine::dictation(const QStringList& arguments) {
 
 Invocation CommandLine::servers(const QStringList& arguments) {
     QCommandLineParser parser;
-    parser.setApplicationDescription(
-        tr("Lists the transcription servers that announce themselves on the local network: name, "
-           "address, speed as a multiple of real time, model and processor."));
+    parser.setApplicationDescription(tr(
+        "Lists the transcription servers that announce themselves on the local network: name, "
+        "address, speed as a multiple of real time, model, processor, and how that compares with "
+        "this computer. Then says whom to prefer."));
     parser.addOption(
         {secondsOption, tr("How long to listen for them; 3 if not given."), QStringLiteral("N")});
     if (auto outcome = parse(parser, QString(), arguments)) return *outcome;

@@ -5,6 +5,9 @@
 #include <QCoreApplication>
 
 #include "commands/console.h"
+#include "servers/server_copy.h"
+#include "servers/server_ranker.h"
+#include "servers/server_recommendation.h"
 #include "transcription/transcriber.h"
 
 namespace quietlark {
@@ -17,6 +20,13 @@ class Sentences {
 public:
     static QString none() { return tr("No transcription server announces itself here."); }
     static QString notWritten() { return tr("The result could not be written."); }
+    static QString recommended(const QString& what) { return tr("Recommended: %1").arg(what); }
+    static QString thisComputer(const std::optional<QString>& cpu) {
+        return cpu ? tr("this computer (%1)").arg(*cpu) : tr("this computer");
+    }
+    static QString noComparison() {
+        return tr("No recommendation: the speed of this computer or of the servers is not known.");
+    }
 };
 
 /// What the network says, so that it can neither begin a line or column nor drive the terminal.
@@ -28,11 +38,24 @@ QString addressOf(const MDNSBrowser::Entry& server) {
     return QStringLiteral("%1:%2").arg(plain(server.host)).arg(server.port);
 }
 
+/// One sentence for each kind of recommendation.
+struct RecommendationSentence {
+    QString operator()(const RecommendLocal& recommendation) const {
+        return Sentences::recommended(Sentences::thisComputer(recommendation.local.cpu));
+    }
+    QString operator()(const RecommendRemote& recommendation) const {
+        const MDNSBrowser::Entry& server = recommendation.remote;
+        return Sentences::recommended(plain(server.name) + u'\t' + addressOf(server));
+    }
+    QString operator()(const ShowList&) const { return Sentences::noComparison(); }
+};
+
 }  // namespace
 
-ServersCommand::ServersCommand(DiscoveredServers& servers, Problem problem, Scheduler& scheduler,
-                               Console& console)
+ServersCommand::ServersCommand(DiscoveredServers& servers, const ServerRanker& ranker,
+                               Problem problem, Scheduler& scheduler, Console& console)
     : m_servers(servers),
+      m_ranker(ranker),
       m_problem(std::move(problem)),
       m_scheduler(scheduler),
       m_console(console) {}
@@ -49,23 +72,33 @@ void ServersCommand::report() {
         m_console.complain(*problem);
         return m_onDone(ExitCode::Failed);
     }
-    for (const auto& server : m_servers.remotes()) {
-        if (print(server)) continue;
+    if (m_servers.remotes().empty()) m_console.complain(Sentences::none());
+    if (!printAll()) {
         m_console.complain(Sentences::notWritten());
         return m_onDone(ExitCode::Failed);
     }
-    if (m_servers.remotes().empty()) m_console.complain(Sentences::none());
     m_onDone(ExitCode::Done);
 }
 
-bool ServersCommand::print(const MDNSBrowser::Entry& server) {
-    const QString speed =
-        server.rtf ? QStringLiteral("%1x").arg(*server.rtf, 0, 'f', 1) : QStringLiteral("-");
+bool ServersCommand::printAll() {
+    for (const auto& server : m_servers.remotes()) {
+        if (!m_console.print(line(server))) return false;
+    }
+    return m_console.print(
+        std::visit(RecommendationSentence{}, m_ranker.rank(m_servers.remotes())));
+}
+
+QString ServersCommand::line(const MDNSBrowser::Entry& server) const {
     const QString dash = QStringLiteral("-");
-    return m_console.print(QStringList{plain(server.name), addressOf(server), speed,
-                                       plain(server.model.value_or(dash)),
-                                       plain(server.cpu.value_or(dash))}
-                               .join(u'\t'));
+    const QString speed = server.rtf ? QStringLiteral("%1x").arg(*server.rtf, 0, 'f', 1) : dash;
+    const auto hint = m_ranker.speedHint(server);
+    return QStringList{plain(server.name),
+                       addressOf(server),
+                       speed,
+                       plain(server.model.value_or(dash)),
+                       plain(server.cpu.value_or(dash)),
+                       hint ? ServerCopy::hint(*hint) : dash}
+        .join(u'\t');
 }
 
 }  // namespace quietlark

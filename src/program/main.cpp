@@ -23,6 +23,7 @@
 #include "local_server/model_files.h"
 #include "local_server/model_source.h"
 #include "notifications/notification_center.h"
+#include "platform/linux/processor/linux_processor.h"
 #include "platform/qt/qt_http_client.h"
 #include "platform/qt/qt_http_streams.h"
 #include "platform/qt/qt_scheduler.h"
@@ -33,6 +34,8 @@
 #include "program/examination.h"
 #include "program/quit_signals.h"
 #include "program/single_instance.h"
+#include "servers/hardware_profile.h"
+#include "servers/server_ranker.h"
 #include "transcription/endpoint_file.h"
 #include "transcription/server_endpoint.h"
 #include "transcription/server_resolver.h"
@@ -119,7 +122,10 @@ public:
             if (const auto& unavailable = probe.unavailable()) return unavailable->reason;
             return std::nullopt;
         };
-        ServersCommand command(servers, problem, scheduler, m_console);
+        const LinuxProcessor processor;
+        const HardwareProfile hardware(processor);
+        const ServerRanker ranker(hardware);
+        ServersCommand command(servers, ranker, problem, scheduler, m_console);
         return runToItsEnd(command, arguments);
     }
 

@@ -7,8 +7,11 @@
 
 #include "commands/console.h"
 #include "fakes/fake_local_host_name.h"
+#include "fakes/fake_processor.h"
 #include "fakes/fake_scheduler.h"
 #include "fakes/fake_service_browser.h"
+#include "servers/hardware_profile.h"
+#include "servers/server_ranker.h"
 
 namespace quietlark {
 namespace {
@@ -20,6 +23,12 @@ protected:
     void run() {
         m_command.run({3s}, [this](ExitCode code) { m_exitCodes.push_back(code); });
         m_scheduler.runPosted();
+    }
+    void publish(const QString& name, std::optional<const char*> rtf = std::nullopt) {
+        ResolvedService says{name.toLower() + QStringLiteral(".local."), 8001,
+                             ResolvedService::TxtRecord{{"model", "large"}}};
+        if (rtf) says.txtRecord->insert("rtf", *rtf);
+        m_network.publish(name, says);
     }
     void searchEnds() {
         m_scheduler.runPosted();
@@ -35,26 +44,51 @@ protected:
     std::ostringstream m_results;
     std::ostringstream m_messages;
     Console m_console{m_results, m_messages};
-    ServersCommand m_command{m_servers, [this] { return m_problem; }, m_scheduler, m_console};
+    FakeProcessor m_processor{"Apple M1"};
+    HardwareProfile m_hardware{m_processor};
+    ServerRanker m_ranker{m_hardware};
+    ServersCommand m_command{m_servers, m_ranker, [this] { return m_problem; }, m_scheduler,
+                             m_console};
     std::vector<ExitCode> m_exitCodes;
 };
 
-TEST_F(ServersCommandTest, ListsWhoAnnouncesItself) {
+TEST_F(ServersCommandTest, ListsWhoAnnouncesItselfAndRecommendsTheFastest) {
     run();
-    m_network.publish(QStringLiteral("Office"),
-                      {QStringLiteral("box.local."), 8001,
-                       ResolvedService::TxtRecord{{"rtf", "4.2"}, {"model", "large"}}});
+    publish(QStringLiteral("Attic"), "4.2");
+    publish(QStringLiteral("Office"), "20");
+    publish(QStringLiteral("Hall"));
     searchEnds();
-    EXPECT_EQ(m_results.str(), "Office\tbox.local:8001\t4.2x\tlarge\t-\n");
+    EXPECT_EQ(m_results.str(),
+              "Attic\tattic.local:8001\t4.2x\tlarge\t-\tSlower than this Mac\n"
+              "Office\toffice.local:8001\t20.0x\tlarge\t-\tFaster than this Mac\n"
+              "Hall\thall.local:8001\t-\tlarge\t-\t-\n"
+              "Recommended: Office\toffice.local:8001\n");
     EXPECT_EQ(m_exitCodes, std::vector{ExitCode::Done});
 }
 
-TEST_F(ServersCommandTest, NobodyThereIsAnAnswer) {
+TEST_F(ServersCommandTest, NobodyThereIsAnAnswerAndThisComputerIsRecommended) {
     run();
     searchEnds();
-    EXPECT_EQ(m_results.str(), "");
+    EXPECT_EQ(m_results.str(), "Recommended: this computer (Apple M1)\n");
     EXPECT_EQ(m_messages.str(), "quietlark: No transcription server announces itself here.\n");
     EXPECT_EQ(m_exitCodes, std::vector{ExitCode::Done});
+}
+
+TEST_F(ServersCommandTest, AnUnknownProcessorHasNoNameToGive) {
+    m_processor.brand = QStringLiteral("AMD EPYC");
+    run();
+    searchEnds();
+    EXPECT_EQ(m_results.str(), "Recommended: this computer\n");
+}
+
+TEST_F(ServersCommandTest, WhatCannotBeComparedIsNotRecommended) {
+    m_processor.brand = QStringLiteral("AMD EPYC");
+    run();
+    publish(QStringLiteral("Office"), "20");
+    searchEnds();
+    EXPECT_EQ(m_results.str(),
+              "Office\toffice.local:8001\t20.0x\tlarge\t-\t-\n"
+              "No recommendation: the speed of this computer or of the servers is not known.\n");
 }
 
 TEST_F(ServersCommandTest, WhereNothingCanBeFoundTheReasonIsGiven) {
@@ -70,8 +104,8 @@ TEST_F(ServersCommandTest, ANameCannotForgeALineOrColumn) {
     m_network.publish(QStringLiteral("A\tB\nC\x1b[0m"),
                       {QStringLiteral("h.local"), 1, std::nullopt});
     searchEnds();
-    EXPECT_EQ(std::ranges::count(m_results.str(), '\n'), 1);
-    EXPECT_EQ(std::ranges::count(m_results.str(), '\t'), 4);
+    EXPECT_EQ(std::ranges::count(m_results.str(), '\n'), 2);
+    EXPECT_EQ(std::ranges::count(m_results.str(), '\t'), 5);
     EXPECT_EQ(m_results.str().find('\x1b'), std::string::npos);
 }
 
