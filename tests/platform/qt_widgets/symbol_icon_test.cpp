@@ -24,6 +24,9 @@ const QStringList symbols{
     QStringLiteral("xmark.circle.fill"),
     QStringLiteral("largecircle.fill.circle"),
     QStringLiteral("clock.arrow.circlepath"),
+    QStringLiteral("circle"),
+    QStringLiteral("desktopcomputer"),
+    QStringLiteral("network"),
 };
 
 class SymbolIconTest : public ::testing::TestWithParam<QString> {

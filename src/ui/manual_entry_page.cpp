@@ -1,0 +1,74 @@
+#include "ui/manual_entry_page.h"
+
+#include <QHideEvent>
+#include <QLineEdit>
+#include <QShowEvent>
+#include <QVBoxLayout>
+
+#include "picker/server_picker_model.h"
+#include "ui/page_labels.h"
+#include "ui/probe_row.h"
+
+namespace quietlark {
+
+namespace {
+
+/// Longer than any address; keeps a paste gone wrong out of the field.
+constexpr int maxAddressLength = 1000;
+
+QLabel* makeExamples() {
+    // Isolated, as addresses read from left to right in every language.
+    const QString examples = ManualEntryPage::tr("For example %1, %2 or %3")
+                                 .arg(QStringLiteral("\u2066gpu-box:8001\u2069"),
+                                      QStringLiteral("\u2066192.168.1.20:8001\u2069"),
+                                      QStringLiteral("\u2066https://speech.example.com:443\u2069"));
+    QLabel* label = makePlainLabel(examples);
+    QFont font = label->font();
+    font.setPointSizeF(font.pointSizeF() * 0.9);
+    label->setFont(font);
+    return label;
+}
+
+}  // namespace
+
+ManualEntryPage::ManualEntryPage(ServerPickerModel& model)
+    : m_model(model), m_address(new QLineEdit), m_probe(new ProbeRow) {
+    const QString heading = tr("Enter a server address");
+    m_address->setPlaceholderText(tr("host:port"));
+    m_address->setAccessibleName(heading);
+    m_address->setMaxLength(maxAddressLength);
+    m_address->setClearButtonEnabled(true);
+    m_address->setInputMethodHints(Qt::ImhUrlCharactersOnly | Qt::ImhNoPredictiveText |
+                                   Qt::ImhNoAutoUppercase);
+    QLabel* examples = makeExamples();
+    m_address->setAccessibleDescription(examples->text());
+    setFocusProxy(m_address);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins({});
+    layout->addWidget(makeHeading(heading));
+    layout->addWidget(m_address);
+    layout->addWidget(examples);
+    layout->addWidget(m_probe);
+    layout->addStretch();
+
+    connect(m_address, &QLineEdit::textChanged, &m_model, &ServerPickerModel::setManualHostPort);
+    refresh();
+}
+
+void ManualEntryPage::refresh() {
+    // Set anew, the text would lose its cursor and its undo history.
+    if (m_address->text() != m_model.manualHostPort()) m_address->setText(m_model.manualHostPort());
+    m_probe->setKind(m_model.manualProbe().kind);
+}
+
+void ManualEntryPage::showEvent(QShowEvent* event) {
+    if (!event->spontaneous()) m_model.onManualEntryAppear();
+    QWidget::showEvent(event);
+}
+
+void ManualEntryPage::hideEvent(QHideEvent* event) {
+    if (!event->spontaneous()) m_model.onManualEntryDisappear();
+    QWidget::hideEvent(event);
+}
+
+}  // namespace quietlark

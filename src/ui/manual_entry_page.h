@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QWidget>
+
+class QLineEdit;
+
+namespace quietlark {
+
+class ProbeRow;
+class ServerPickerModel;
+
+/// A field for a server's address, and whether one answers there.
+class ManualEntryPage final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit ManualEntryPage(ServerPickerModel& model);
+
+    void refresh();
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
+private:
+    ServerPickerModel& m_model;
+    QLineEdit* m_address;
+    ProbeRow* m_probe;
+};
+
+}  // namespace quietlark

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QLabel>
+
+namespace quietlark {
+
+/// Text that is never taken for markup, whatever it looks like, and that may take several lines.
+[[nodiscard]] QLabel* makePlainLabel(const QString& text);
+
+/// The same in bold, above a part of a page.
+[[nodiscard]] QLabel* makeHeading(const QString& text);
+
+/// The same, larger still, above a page.
+[[nodiscard]] QLabel* makeTitle(const QString& text);
+
+/// A narrow bar that says that something is going on.
+[[nodiscard]] QWidget* makeBusyBar();
+
+}  // namespace quietlark

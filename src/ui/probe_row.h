@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QWidget>
+
+#include "picker/address_probe.h"
+
+class QLabel;
+
+namespace quietlark {
+
+/// Says how the check of an address stands. Always as high, so that nothing moves when it speaks.
+class ProbeRow final : public QWidget {
+    Q_OBJECT
+
+public:
+    ProbeRow();
+
+    void setKind(ProbeState::Case kind);
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+private:
+    void drawSymbol();
+
+    ProbeState::Case m_kind = ProbeState::Case::idle;
+    QWidget* m_busy;
+    QLabel* m_symbol;
+    QLabel* m_text;
+};
+
+}  // namespace quietlark

@@ -1,0 +1,141 @@
+#include "ui/server_card.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QPainter>
+#include <QStyle>
+
+#include "ui/ink.h"
+#include "ui/symbol_pixmap.h"
+
+namespace quietlark {
+
+namespace {
+
+constexpr int symbolEdge = 32;
+constexpr int markEdge = 16;
+
+/// At the side where a line begins, as the card is mirrored; each text reads in its own direction.
+int textFlags(Qt::LayoutDirection direction, int rest) {
+    return QStyle::visualAlignment(direction, Qt::AlignLeft).toInt() | Qt::AlignAbsolute | rest;
+}
+
+}  // namespace
+
+ServerCard::ServerCard(QString symbol, const QString& title) : m_symbol(std::move(symbol)) {
+    setText(title);
+    setAutoExclusive(true);
+    setAttribute(Qt::WA_Hover);
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);
+    policy.setHeightForWidth(true);
+    setSizePolicy(policy);
+}
+
+void ServerCard::setSubtitle(const QString& subtitle) {
+    if (subtitle == m_subtitle) return;
+    m_subtitle = subtitle;
+    setAccessibleDescription(subtitle);
+    updateGeometry();
+    update();
+}
+
+QSize ServerCard::sizeHint() const {
+    const int width = em() * 26;
+    return {width, heightForWidth(width)};
+}
+
+QSize ServerCard::minimumSizeHint() const {
+    const int width = em() * 15;
+    return {width, heightForWidth(width)};
+}
+
+int ServerCard::heightForWidth(int width) const {
+    const Places at = places({width, 0});
+    return std::max(at.symbol.bottom(), at.subtitle.bottom()) + 1 + em();
+}
+
+void ServerCard::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setLayoutDirection(Qt::LayoutDirectionAuto);
+    drawFrame(painter);
+
+    Places at = places(size());
+    for (QRect* place : {&at.mark, &at.symbol, &at.title, &at.subtitle})
+        *place = QStyle::visualRect(layoutDirection(), rect(), *place);
+    const QColor accent = palette().color(QPalette::Highlight);
+    const QColor text = palette().color(QPalette::Text);
+    const QString mark =
+        isChecked() ? QStringLiteral("largecircle.fill.circle") : QStringLiteral("circle");
+    painter.drawPixmap(at.mark, symbolPixmap(mark, isChecked() ? accent : quietEdge(palette()),
+                                             markEdge, devicePixelRatioF()));
+    painter.drawPixmap(at.symbol, symbolPixmap(m_symbol, text, symbolEdge, devicePixelRatioF()));
+    drawText(painter, at);
+}
+
+bool ServerCard::hitButton(const QPoint& point) const {
+    return rect().contains(point);
+}
+
+ServerCard::Places ServerCard::places(const QSize& size) const {
+    const int margin = em();
+    const int textLeft = margin + markEdge + margin + symbolEdge + margin;
+    const int textWidth = std::max(size.width() - textLeft - margin, 1);
+    const int titleHeight = QFontMetrics(titleFont()).height();
+    const int subtitleHeight =
+        fontMetrics()
+            .boundingRect(QRect(0, 0, textWidth, 0), Qt::TextWordWrap, m_subtitle)
+            .height();
+
+    // What is lower than the rest stands in its middle.
+    const int textHeight = titleHeight + em() / 4 + subtitleHeight;
+    const int room = std::max({textHeight, symbolEdge, size.height() - 2 * margin});
+    const auto top = [&](int height) { return margin + (room - height) / 2; };
+    const int titleTop = top(textHeight);
+    return {
+        .mark = {margin, top(markEdge), markEdge, markEdge},
+        .symbol = {2 * margin + markEdge, top(symbolEdge), symbolEdge, symbolEdge},
+        .title = {textLeft, titleTop, textWidth, titleHeight},
+        .subtitle = {textLeft, titleTop + titleHeight + em() / 4, textWidth, subtitleHeight},
+    };
+}
+
+QFont ServerCard::titleFont() const {
+    QFont bold = font();
+    bold.setBold(true);
+    return bold;
+}
+
+int ServerCard::em() const {
+    return fontMetrics().height();
+}
+
+void ServerCard::drawFrame(QPainter& painter) const {
+    constexpr double radius = 8;
+    const QColor base = palette().color(QPalette::Base);
+    const QColor accent = palette().color(QPalette::Highlight);
+    if (hasFocus()) {
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(blended(accent, palette().color(QPalette::Window), 0.35));
+        painter.drawRoundedRect(rect(), radius + 2, radius + 2);
+    }
+    const QColor edge = isChecked() || underMouse() ? accent : quietEdge(palette());
+    painter.setPen(QPen(edge, isChecked() ? 2 : 1));
+    painter.setBrush(isChecked() ? blended(accent, base, 0.08) : base);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(3, 3, -3, -3), radius, radius);
+}
+
+void ServerCard::drawText(QPainter& painter, const Places& at) const {
+    painter.setFont(titleFont());
+    painter.setPen(palette().color(QPalette::Text));
+    const QString title =
+        painter.fontMetrics().elidedText(text(), Qt::ElideRight, at.title.width());
+    painter.drawText(at.title, textFlags(layoutDirection(), Qt::AlignVCenter), title);
+    painter.setFont(font());
+    painter.setPen(secondaryText(palette()));
+    painter.drawText(at.subtitle, textFlags(layoutDirection(), Qt::AlignTop | Qt::TextWordWrap),
+                     m_subtitle);
+}
+
+}  // namespace quietlark

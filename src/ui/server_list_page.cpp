@@ -1,0 +1,100 @@
+#include "ui/server_list_page.h"
+
+#include <QListView>
+#include <QPushButton>
+#include <QScopedValueRollback>
+#include <QScrollBar>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+#include "picker/server_picker_model.h"
+#include "ui/page_labels.h"
+#include "ui/server_row_delegate.h"
+
+namespace quietlark {
+
+ServerListPage::ServerListPage(ServerPickerModel& model, ServerStep& step)
+    : m_model(model),
+      m_step(step),
+      m_content(new QStackedWidget),
+      m_list(new QListView),
+      m_otherAddress(new QPushButton(tr("Enter another address"))) {
+    setUpList();
+    m_content->addWidget(makeEmptyState());
+    m_content->addWidget(m_list);
+    m_otherAddress->setAutoDefault(true);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins({});
+    layout->addWidget(makeHeading(tr("Servers on your local network")));
+    layout->addWidget(m_content, 1);
+    layout->addWidget(m_otherAddress, 0, Qt::AlignLeading);
+
+    connect(m_otherAddress, &QPushButton::clicked, this,
+            [this] { m_model.setPhase(ServerPickerModel::Phase::manualEntry); });
+    connect(m_list->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &ServerListPage::onSelectionChanged);
+    connect(m_list, &QListView::doubleClicked, &m_model, &ServerPickerModel::advance);
+    refresh();
+}
+
+void ServerListPage::refresh() {
+    const QScopedValueRollback isRefreshing(m_isRefreshing, true);
+    const QModelIndex top = m_list->indexAt({0, 0});
+    const QString topId = top.data(ServerListModel::idRole).toString();
+    const int topY = m_list->visualRect(top).top();
+    m_rows.setRows(m_step.rows());
+    showSelection();
+    keepInPlace(topId, topY);
+
+    const bool isEmpty = m_rows.rowCount() == 0;
+    m_content->setCurrentIndex(isEmpty ? 0 : 1);
+    setFocusProxy(isEmpty ? static_cast<QWidget*>(m_otherAddress) : m_list);
+}
+
+QWidget* ServerListPage::makeEmptyState() {
+    auto* empty = new QWidget;
+    auto* layout = new QVBoxLayout(empty);
+    QLabel* label = makePlainLabel(tr("Looking for servers…"));
+    label->setAlignment(Qt::AlignCenter);
+    layout->addStretch();
+    layout->addWidget(label);
+    layout->addWidget(makeBusyBar(), 0, Qt::AlignHCenter);
+    layout->addStretch();
+    return empty;
+}
+
+void ServerListPage::setUpList() {
+    m_list->setModel(&m_rows);
+    m_list->setItemDelegate(new ServerRowDelegate(m_list));
+    m_list->setAccessibleName(tr("Servers on your local network"));
+    m_list->setUniformItemSizes(true);
+    m_list->setVerticalScrollMode(QListView::ScrollPerPixel);
+    m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_list->setEditTriggers(QListView::NoEditTriggers);
+}
+
+void ServerListPage::onSelectionChanged() {
+    if (m_isRefreshing) return;
+    const QModelIndexList selected = m_list->selectionModel()->selectedIndexes();
+    // A click beside the rows chooses nothing else.
+    if (selected.isEmpty()) return refresh();
+    m_model.setListSelection(selected.first().data(ServerListModel::idRole).toString());
+}
+
+/// The list itself moves on to a neighbour when the selected row goes; the choice does not.
+void ServerListPage::showSelection() {
+    const QModelIndex chosen = m_rows.indexOf(m_model.listSelection().value_or(QString()));
+    if (!chosen.isValid()) return m_list->clearSelection();
+    if (!m_list->selectionModel()->isSelected(chosen))
+        m_list->selectionModel()->setCurrentIndex(chosen, QItemSelectionModel::ClearAndSelect);
+}
+
+/// Scrolls so that the row stands where it stood, however many came or went above it.
+void ServerListPage::keepInPlace(const QString& topId, int topY) {
+    const QModelIndex top = m_rows.indexOf(topId);
+    if (!top.isValid()) return;
+    QScrollBar* const bar = m_list->verticalScrollBar();
+    bar->setValue(bar->value() + m_list->visualRect(top).top() - topY);
+}
+
+}  // namespace quietlark

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QWidget>
+
+#include "ui/server_list_model.h"
+
+class QListView;
+class QPushButton;
+class QStackedWidget;
+
+namespace quietlark {
+
+class ServerPickerModel;
+class ServerStep;
+
+/// The servers on the network, and the way to one that is not there.
+class ServerListPage final : public QWidget {
+    Q_OBJECT
+
+public:
+    ServerListPage(ServerPickerModel& model, ServerStep& step);
+
+    void refresh();
+
+private:
+    [[nodiscard]] QWidget* makeEmptyState();
+    void setUpList();
+    void onSelectionChanged();
+    void showSelection();
+    void keepInPlace(const QString& topId, int topY);
+
+    ServerPickerModel& m_model;
+    ServerStep& m_step;
+    ServerListModel m_rows;
+    QStackedWidget* m_content;
+    QListView* m_list;
+    QPushButton* m_otherAddress;
+    bool m_isRefreshing = false;
+};
+
+}  // namespace quietlark
