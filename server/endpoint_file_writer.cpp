@@ -2,11 +2,15 @@
 
 #include <array>
 #include <cerrno>
+#include <charconv>
 #include <cstdio>
 #include <cstring>
+#include <string_view>
 #include <utility>
 
 #include <fcntl.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -36,6 +40,31 @@ std::string reasonFor(const std::string& path) {
     return std::strerror(error);
 }
 
+/// The port in the line "local=HOST:PORT" of an endpoint file; 0 when there is none.
+int portIn(std::string_view content) {
+    constexpr std::string_view key = "local=";
+    if (!content.starts_with(key)) return 0;
+    const auto line = content.substr(0, content.find('\n'));
+    const auto colon = line.rfind(':');
+    int port = 0;
+    if (colon != std::string_view::npos)
+        std::from_chars(line.data() + colon + 1, line.data() + line.size(), port);
+    return port;
+}
+
+/// On IPv4's loopback address, which a server that shares serves too.
+bool isListening(int port) {
+    const int probe = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    const bool isListening =
+        connect(probe, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+    close(probe);
+    return isListening;
+}
+
 }  // namespace
 
 EndpointFileWriter::EndpointFileWriter(std::string path) : m_path(std::move(path)) {}
@@ -44,20 +73,39 @@ EndpointFileWriter::~EndpointFileWriter() {
     withdraw();
 }
 
+void EndpointFileWriter::removeLeftover() const {
+    // A pipe in its place must not hold us up.
+    const int file = open(m_path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+    if (file < 0) return;
+    struct stat status {};
+    std::array<char, 512> bytes{};
+    const bool isOurs =
+        fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == geteuid();
+    const ssize_t count = isOurs ? read(file, bytes.data(), bytes.size()) : 0;
+    close(file);
+    if (count <= 0) return;
+    const int port = portIn({bytes.data(), static_cast<std::size_t>(count)});
+    if (port > 0 && !isListening(port)) unlink(m_path.c_str());
+}
+
 tl::expected<void, std::string> EndpointFileWriter::publish(
     const EndpointDescription& description) {
     // The name is new and unpredictable, so no link can lie in wait there; rename() replaces a link
     // at the path itself.
     std::string temporaryPath = m_path + ".XXXXXX";
-    m_file = mkostemp(temporaryPath.data(), O_CLOEXEC);
-    const bool isPublished = m_file >= 0 && writeAll(m_file, contentOf(description)) &&
-                             fchmod(m_file, 0644) == 0 &&
+    const int file = mkostemp(temporaryPath.data(), O_CLOEXEC);
+    const bool isPublished = file >= 0 && writeAll(file, contentOf(description)) &&
+                             fchmod(file, 0644) == 0 &&
                              rename(temporaryPath.c_str(), m_path.c_str()) == 0;
-    if (isPublished) return {};
+    if (isPublished) {
+        if (m_file >= 0) close(m_file);
+        m_file = file;
+        return {};
+    }
     const std::string reason = reasonFor(m_path);
-    if (m_file >= 0) {
+    if (file >= 0) {
         unlink(temporaryPath.c_str());
-        close(std::exchange(m_file, -1));
+        close(file);
     }
     return tl::unexpected("Cannot write " + m_path + ": " + reason + ".");
 }

@@ -22,9 +22,13 @@ public:
     EndpointFileWriter(const EndpointFileWriter&) = delete;
     EndpointFileWriter& operator=(const EndpointFileWriter&) = delete;
 
+    /// Takes away what a server that crashed has left there: a file of this user's that names an
+    /// address at which nobody listens.
+    void removeLeftover() const;
+
     /// Puts the file there, in place of what was there before, readable by everyone. Never follows
     /// or writes to what somebody else has put into the folder. The error is a sentence for the
-    /// user. Call it once.
+    /// user.
     [[nodiscard]] tl::expected<void, std::string> publish(const EndpointDescription& description);
 
     /// Takes the file away again, if it is this one.

@@ -5,6 +5,7 @@
 #include <memory>
 #include <sstream>
 
+#include <QTcpServer>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -72,6 +73,38 @@ TEST_F(EndpointFileWriterTest, AFileLeftBehindIsReplaced) {
     write(m_path, "local=127.0.0.1:1\n");
     EXPECT_TRUE(m_writer->publish(m_description));
     EXPECT_NE(read(m_path).find("127.0.0.1:8178"), std::string::npos);
+}
+
+TEST_F(EndpointFileWriterTest, PublishingAgainReplacesTheFile) {
+    EXPECT_TRUE(m_writer->publish(m_description));
+    auto faster = m_description;
+    faster.rtf = 9;
+    EXPECT_TRUE(m_writer->publish(faster));
+    EXPECT_NE(read(m_path).find("rtf=9.00"), std::string::npos);
+    EXPECT_EQ(filesInFolder(), 1U);
+    m_writer->withdraw();
+    EXPECT_FALSE(exists());
+}
+
+TEST_F(EndpointFileWriterTest, WhatACrashLeftBehindIsRemoved) {
+    QTcpServer server;
+    ASSERT_TRUE(server.listen(QHostAddress::LocalHost));
+    write(m_path, ("local=127.0.0.1:" + std::to_string(server.serverPort()) + "\n").c_str());
+    m_writer->removeLeftover();
+    EXPECT_TRUE(exists()) << "somebody listens there";
+    server.close();
+    m_writer->removeLeftover();
+    EXPECT_FALSE(exists());
+}
+
+TEST_F(EndpointFileWriterTest, WhatIsNoLeftoverStays) {
+    write(m_path, "precious");
+    m_writer->removeLeftover();
+    EXPECT_TRUE(exists());
+    unlink(m_path.c_str());
+    ASSERT_EQ(mkfifo(m_path.c_str(), 0600), 0);
+    m_writer->removeLeftover();
+    EXPECT_TRUE(exists());
 }
 
 TEST_F(EndpointFileWriterTest, AnotherServersFileStays) {

@@ -1,0 +1,72 @@
+#include "server/whisper_answer.h"
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace quietlark {
+namespace {
+
+using Json = nlohmann::json;
+
+constexpr const char* replacement = "\xef\xbf\xbd";
+
+/// How many bytes the character at the beginning of `text` has; 0 when it is broken (RFC 3629).
+std::size_t characterLength(std::string_view text) {
+    const auto byte = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    const unsigned char lead = byte(0);
+    if (lead < 0x80) return 1;
+    const std::size_t length = lead >= 0xf0 ? 4 : lead >= 0xe0 ? 3 : 2;
+    if (lead < 0xc2 || lead > 0xf4 || text.size() < length) return 0;
+    for (std::size_t i = 1; i < length; ++i)
+        if ((byte(i) & 0xc0U) != 0x80) return 0;
+    const bool isOverlong = (lead == 0xe0 && byte(1) < 0xa0) || (lead == 0xf0 && byte(1) < 0x90);
+    const bool isNoCharacter = (lead == 0xed && byte(1) > 0x9f) || (lead == 0xf4 && byte(1) > 0x8f);
+    return isOverlong || isNoCharacter ? 0 : length;
+}
+
+std::string withoutBrokenCharacters(std::string_view text) {
+    std::string whole;
+    whole.reserve(text.size());
+    while (!text.empty()) {
+        const std::size_t length = characterLength(text);
+        if (length == 0) {
+            whole += replacement;
+        } else {
+            whole += text.substr(0, length);
+        }
+        text.remove_prefix(length == 0 ? 1 : length);
+    }
+    return whole;
+}
+
+std::string textIn(const Json& object, const char* name) {
+    const auto found = object.find(name);
+    return found != object.end() && found->is_string() ? found->get<std::string>() : std::string();
+}
+
+double numberIn(const Json& object, const char* name) {
+    const auto found = object.find(name);
+    return found != object.end() && found->is_number() ? found->get<double>() : 0;
+}
+
+}  // namespace
+
+std::optional<Transcript> parseWhisperAnswer(std::string_view body) {
+    const Json answer = Json::parse(withoutBrokenCharacters(body), nullptr, false);
+    if (!answer.is_object()) return std::nullopt;
+    const auto text = answer.find("text");
+    if (text == answer.end() || !text->is_string()) return std::nullopt;
+    Transcript transcript{
+        .text = text->get<std::string>(), .language = textIn(answer, "language"), .segments = {}};
+    const auto segments = answer.find("segments");
+    if (segments == answer.end() || !segments->is_array()) return transcript;
+    for (const Json& segment : *segments) {
+        if (!segment.is_object()) continue;
+        transcript.segments.push_back({.startSeconds = numberIn(segment, "start"),
+                                       .endSeconds = numberIn(segment, "end"),
+                                       .text = textIn(segment, "text")});
+    }
+    return transcript;
+}
+
+}  // namespace quietlark

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+
+#include "server/speech_engine.h"
+
+namespace quietlark {
+
+/// Speaks to a running whisper.cpp server on this computer. Any thread; one connection per call.
+class WhisperClient {
+public:
+    /// Where it listens, and below which path: one that only we know, for that server lets every
+    /// web page ask it.
+    struct Address {
+        int port = 0;
+        std::string path;
+    };
+
+    enum class Health { Ready, Loading, NoAnswer };
+
+    explicit WhisperClient(Address address);
+
+    /// What it says of itself. A version that does not know the question is ready when it answers.
+    [[nodiscard]] Health health(std::chrono::milliseconds limit) const;
+
+    /// Has a recording transcribed; `language` is one of whisperLanguage(). Unavailable means that
+    /// the connection was lost.
+    [[nodiscard]] tl::expected<Transcript, EngineError> transcribe(
+        const SpeechRequest& request, const std::string& language) const;
+
+private:
+    Address m_address;
+};
+
+}  // namespace quietlark

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "server/engine_supervisor.h"
+
+namespace quietlark {
+
+/// Whisper, by way of whisper.cpp's server as a child process. transcribe() may be called on any
+/// thread; the child takes one recording after the other.
+class WhisperEngine final : public SpeechEngine {
+public:
+    struct Settings {
+        std::string program;  ///< the path of whisper.cpp's server
+        std::string modelFile;
+        /// Hears when the child becomes ready or ceases to be, on a thread of its own.
+        std::function<void(bool isReady)> onReadyChange = [](bool) {};
+        EngineSupervisor::Times times = {};
+    };
+
+    /// Starts the child; the first transcribe() waits for it.
+    WhisperEngine(const Settings& settings, Log& log);
+
+    [[nodiscard]] std::string modelId() const override;
+    [[nodiscard]] bool understands(std::string_view language) const override;
+    [[nodiscard]] bool isReady() const override;
+    [[nodiscard]] tl::expected<Transcript, EngineError> transcribe(
+        const SpeechRequest& request) override;
+    void stop() override;
+
+private:
+    const std::string m_modelId;
+    EngineSupervisor m_supervisor;
+};
+
+}  // namespace quietlark

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace quietlark {
+
+/// The code by which Whisper's models know a language ("de" for "de", "DE" or "de-AT"); "auto" for
+/// none and for "auto"; absent for a language that they do not know.
+[[nodiscard]] std::optional<std::string> whisperLanguage(std::string_view name);
+
+}  // namespace quietlark

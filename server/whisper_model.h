@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+
+namespace quietlark {
+
+/// Where the application puts the model that it downloads; `dataHome` and `home` are the variables
+/// XDG_DATA_HOME and HOME, or empty. Empty when neither says.
+[[nodiscard]] std::string usualModelFile(const std::string& dataHome, const std::string& home);
+
+/// What to call a model: "whisper-large-v3-turbo" for ggml-large-v3-turbo.bin. A file FILE.name
+/// beside FILE holds the name under which the model was published.
+[[nodiscard]] std::string whisperModelId(const std::string& modelFile);
+
+/// Whether a model of that name was made for English alone, such as "whisper-base.en".
+[[nodiscard]] bool isEnglishOnly(const std::string& modelId);
+
+}  // namespace quietlark
