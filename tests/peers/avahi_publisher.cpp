@@ -14,6 +14,7 @@ namespace {
 constexpr int any = -1;
 constexpr unsigned noFlags = 0;
 constexpr ushort internetClass = 1;
+constexpr ushort hostType = 1;
 constexpr ushort pointerType = 12;
 constexpr ushort textType = 16;
 constexpr ushort addressType = 33;
@@ -28,6 +29,14 @@ QByteArray wireName(const QByteArrayList& labels) {
     for (const QByteArray& label : labels)
         bytes += static_cast<char>(label.size()) + label;
     return bytes + '\0';
+}
+
+/// A TXT record on the wire, where no strings are one empty string.
+QByteArray wireStrings(const QByteArrayList& strings) {
+    QByteArray bytes;
+    for (const QByteArray& string : strings)
+        bytes += static_cast<char>(string.size()) + string;
+    return strings.isEmpty() ? QByteArray(1, '\0') : bytes;
 }
 
 }  // namespace
@@ -51,6 +60,17 @@ void AvahiPublisher::publish(const QString& name, quint16 port, const QByteArray
     callGroup(group, QStringLiteral("Commit"));
 }
 
+void AvahiPublisher::publishAtLocalhost(const QString& name, quint16 port,
+                                        const QByteArrayList& txt) {
+    const QString host = QStringLiteral("localhost");
+    publishSilent(name);
+    const QString group = m_addressGroups[name] = newGroup();
+    addServer(group, name, {host.toUtf8()}, port);
+    addRecord(group, fullName(name), textType, wireStrings(txt));
+    addRecord(group, host, hostType, QByteArray("\x7f\0\0\x01", 4));
+    callGroup(group, QStringLiteral("Commit"));
+}
+
 void AvahiPublisher::update(const QString& name, const QByteArrayList& txt) {
     callGroup(m_groups.at(name), QStringLiteral("UpdateServiceTxt"),
               {any, any, noFlags, name, m_type, domain, QVariant::fromValue(txt)});
@@ -71,25 +91,34 @@ void AvahiPublisher::moveRecords(const QString& name, quint16 port) {
     QString& group = m_addressGroups[name];
     if (!group.isEmpty()) callGroup(group, QStringLiteral("Free"));
     group = newGroup();
-    const QString fullName = name + u'.' + m_type + u'.' + domain;
     const auto host = call(QStringLiteral("/"), serverInterface, QStringLiteral("GetHostName"));
-    QByteArray address(4, '\0');  // priority and weight
-    address += static_cast<char>(port >> 8);
-    address += static_cast<char>(port & 0xff);
-    address += wireName({host.toString().toUtf8(), domain.toUtf8()});
-    addRecord(group, fullName, addressType, address);
-    addRecord(group, fullName, textType, QByteArray(1, '\0'));
+    addServer(group, name, {host.toString().toUtf8(), domain.toUtf8()}, port);
+    addRecord(group, fullName(name), textType, wireStrings({}));
     callGroup(group, QStringLiteral("Commit"));
 }
 
 void AvahiPublisher::withdraw(const QString& name) {
-    callGroup(m_groups.at(name), QStringLiteral("Free"));
-    m_groups.erase(name);
+    for (auto* groups : {&m_groups, &m_addressGroups}) {
+        const auto group = groups->extract(name);
+        if (group) callGroup(group.mapped(), QStringLiteral("Free"));
+    }
 }
 
 QByteArrayList AvahiPublisher::labels(const QString& name) const {
     return QByteArrayList{name.toUtf8()} + m_type.toUtf8().split('.') +
            QByteArrayList{domain.toUtf8()};
+}
+
+QString AvahiPublisher::fullName(const QString& name) const {
+    return name + u'.' + m_type + u'.' + domain;
+}
+
+void AvahiPublisher::addServer(const QString& group, const QString& name,
+                               const QByteArrayList& host, quint16 port) {
+    QByteArray address(4, '\0');  // priority and weight
+    address += static_cast<char>(port >> 8);
+    address += static_cast<char>(port & 0xff);
+    addRecord(group, fullName(name), addressType, address + wireName(host));
 }
 
 void AvahiPublisher::addRecord(const QString& group, const QString& name, ushort type,

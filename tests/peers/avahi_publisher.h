@@ -19,6 +19,10 @@ public:
     /// `txt` as DNS has it: a list of strings, usually KEY=VALUE.
     void publish(const QString& name, quint16 port, const QByteArrayList& txt = {});
 
+    /// As publish(), on a computer of the name "localhost" beside the daemon's own, so that whoever
+    /// finds the service can also reach it. It cannot be updated.
+    void publishAtLocalhost(const QString& name, quint16 port, const QByteArrayList& txt = {});
+
     /// The service keeps its host and port and changes what it says about itself.
     void update(const QString& name, const QByteArrayList& txt);
 
@@ -35,6 +39,9 @@ private:
     QVariant call(const QString& path, const QString& interface, const QString& method,
                   const QVariantList& arguments = {});
     QString newGroup();
+    [[nodiscard]] QString fullName(const QString& name) const;
+    void addServer(const QString& group, const QString& name, const QByteArrayList& host,
+                   quint16 port);
     void addRecord(const QString& group, const QString& name, ushort type, const QByteArray& data);
     [[nodiscard]] QByteArrayList labels(const QString& name) const;
     void callGroup(const QString& group, const QString& method, const QVariantList& arguments = {});
