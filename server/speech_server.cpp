@@ -220,6 +220,8 @@ void SpeechServer::Listener::answer(const httplib::Request& request, httplib::Re
 void SpeechServer::Listener::describeError(const httplib::Request& request,
                                            httplib::Response& out) {
     if (!out.body.empty()) return;
+    // What is left of such a request is not read, so that no other can follow it.
+    out.set_header("Connection", "close");
     fill(out, errorResponse(out.status, {.message = messageFor(out.status)}));
     logRequest(request, out, "");
 }

@@ -80,8 +80,8 @@ TEST_F(EngineChoiceTest, TheModelAndTheProgramMayBeElsewhere) {
 
 TEST_F(EngineChoiceTest, WhatIsMissingIsNamed) {
     m_options.engine = ServerOptions::Engine::Whisper;
-    EXPECT_TRUE(choice().whisper([](bool) {}).error().starts_with(
-        "There is no program whisper-server."));
+    EXPECT_TRUE(
+        choice().whisper([](bool) {}).error().starts_with("There is no program whisper-server."));
     installProgram();
     EXPECT_TRUE(choice().whisper([](bool) {}).error().starts_with("There is no speech model /"));
 }

@@ -172,6 +172,13 @@ TEST_F(SpeechServerTest, BrokenFormsAreRefused) {
               400);
 }
 
+TEST_F(SpeechServerTest, AFormThatIsGivenUpEndsTheConnectionAndSaysSo) {
+    RawHttpClient client(m_server.port());
+    const auto answer = client.ask(postOf("/inference", "--B--\r\n"));
+    EXPECT_EQ(answer.status, 400);
+    EXPECT_NE(answer.head.find("Connection: close"), std::string::npos);
+}
+
 TEST_F(SpeechServerTest, WhatIsNoRequestIsAnsweredAsAnError) {
     RawHttpClient client(m_server.port());
     const auto answer = client.ask("HELO\r\n\r\n");

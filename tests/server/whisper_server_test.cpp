@@ -1,0 +1,148 @@
+#include "server/whisper_server.h"
+
+#include <csignal>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "audio/wav.h"
+#include "server/raw_http_client.h"
+#include "server/server_load.h"
+#include "support/wait.h"
+
+namespace quietlark {
+namespace {
+
+std::string uploadOf(std::int16_t first) {
+    std::vector<std::int16_t> samples(1600);
+    samples.front() = first;
+    const WavBytes wav = WAV::encode(samples, 16000, 1);
+    return postOf("/inference", formOf({reinterpret_cast<const char*>(wav.data()), wav.size()}));
+}
+
+std::string asked(const WhisperServer& server, const std::string& request) {
+    return RawHttpClient(server.port()).ask(request).body;
+}
+
+}  // namespace
+
+TEST(WhisperServerTest, WithItsProgramAndAModelWhisperTranscribes) {
+    WhisperServer server("load 100");
+    EXPECT_TRUE(server.start().starts_with("listening on http://127.0.0.1:"));
+    EXPECT_EQ(asked(server, uploadOf(7)), R"({"text":" samples=1600 first=7 language=auto"})");
+    EXPECT_NE(asked(server, "GET /v1/models HTTP/1.1\r\n\r\n").find("whisper-active"),
+              std::string::npos);
+}
+
+TEST(WhisperServerTest, TheLanguageOfTheOptionsReachesTheEngine) {
+    WhisperServer server("");
+    server.start({QStringLiteral("--language=de")});
+    EXPECT_NE(asked(server, uploadOf(7)).find("language=de"), std::string::npos);
+}
+
+TEST(WhisperServerTest, AWhisperThatDoesNotWorkIsReplacedByPocketSphinx) {
+    WhisperServer server("exit 1");
+    EXPECT_FALSE(server.start().empty());
+    EXPECT_NE(asked(server, "GET /v1/models HTTP/1.1\r\n\r\n").find("pocketsphinx"),
+              std::string::npos);
+    EXPECT_TRUE(server.hasEndpointFile());
+}
+
+TEST(WhisperServerTest, AWhisperThatWasAskedForAndDoesNotWorkIsAFailure) {
+    WhisperServer server("exit 1");
+    EXPECT_TRUE(server.start({QStringLiteral("--engine=whisper")}).empty());
+    EXPECT_EQ(server.process().exitCode(), 1);
+    EXPECT_FALSE(server.hasEndpointFile());
+}
+
+TEST(WhisperServerTest, ItMayBeStoppedWhileTheModelIsLoaded) {
+    WhisperServer server("load 100000");
+    server.launch();
+    ASSERT_TRUE(waitUntil([&] { return server.engineId() > 0; }));
+    kill(static_cast<pid_t>(server.process().processId()), SIGTERM);
+    ASSERT_TRUE(waitUntil([&] { return !server.process().isRunning(); }));
+    EXPECT_EQ(server.process().exitCode(), 0);
+}
+
+TEST(WhisperServerTest, TheEndpointFileIsThereOnlyWhileItCanTranscribe) {
+    WhisperServer server("");
+    server.start();
+    EXPECT_TRUE(server.hasEndpointFile());
+    const pid_t engine = server.engineId();
+    ASSERT_GT(engine, 0);
+    kill(engine, SIGKILL);
+    EXPECT_TRUE(waitUntil([&] { return !server.hasEndpointFile(); }));
+    EXPECT_TRUE(waitUntil([&] { return server.hasEndpointFile(); }));
+    EXPECT_NE(server.engineId(), engine);
+}
+
+TEST(WhisperServerTest, TheEngineEndsWithTheServerHoweverThatEnds) {
+    for (const int signal : {SIGTERM, SIGKILL}) {
+        WhisperServer server("");
+        server.start();
+        const pid_t engine = server.engineId();
+        kill(static_cast<pid_t>(server.process().processId()), signal);
+        EXPECT_TRUE(waitUntil([&] { return kill(engine, 0) != 0; })) << signal;
+    }
+}
+
+TEST(WhisperServerTest, WhatACrashLeftIsRemovedAtTheNextStart) {
+    WhisperServer server("");
+    server.start();
+    kill(static_cast<pid_t>(server.process().processId()), SIGKILL);
+    ASSERT_TRUE(waitUntil([&] { return !server.process().isRunning(); }));
+    EXPECT_TRUE(server.hasEndpointFile());
+    EXPECT_TRUE(server.start({QStringLiteral("--engine=whisper"), QStringLiteral("--model=/none")})
+                    .empty());
+    EXPECT_FALSE(server.hasEndpointFile());
+}
+
+TEST(WhisperServerTest, MixedRequestsOfManyClientsGetTheirOwnAnswers) {
+    WhisperServer server("");
+    server.start();
+    const auto result = ServerLoad(server.port()).run(0, 640);
+    EXPECT_EQ(result.answers, 640);
+    EXPECT_EQ(result.lost, 0);
+    for (const std::string& answer : result.wrong)
+        ADD_FAILURE() << answer;
+}
+
+TEST(WhisperServerTest, AKilledEngineCostsOnlyTheRequestsThatItHeld) {
+    WhisperServer server("answer 2");
+    server.start();
+    std::thread killer([&] {
+        // Its port is asked before anything is killed, so that the load has begun.
+        (void)asked(server, uploadOf(7));
+        kill(server.engineId(), SIGKILL);
+    });
+    const auto result = ServerLoad(server.port()).run(0, 320);
+    killer.join();
+    EXPECT_LE(result.lost, 1);
+    EXPECT_EQ(result.answers + result.lost, 320);
+    for (const std::string& answer : result.wrong)
+        ADD_FAILURE() << answer;
+}
+
+TEST(WhisperServerTest, BenchTellsTheSpeedOfTheEngine) {
+    WhisperServer server("speed 100");
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(QStringLiteral("a.wav")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    const WavBytes wav = WAV::encode(std::vector<std::int16_t>(5 * 48000), 48000, 1);
+    file.write(reinterpret_cast<const char*>(wav.data()), static_cast<qint64>(wav.size()));
+    file.close();
+    EXPECT_EQ(server.start({QStringLiteral("bench"), file.fileName()}), "model=whisper-active");
+    const QByteArray rest = server.process().readAll();
+    EXPECT_TRUE(rest.startsWith("audioSeconds=5.00\nelapsedSeconds=0."));
+    EXPECT_TRUE(rest.contains("\nrtf="));
+    EXPECT_EQ(server.process().exitCode(), 0);
+    EXPECT_FALSE(server.hasEndpointFile());
+}
+
+TEST(WhisperServerTest, BenchNamesAFileThatItCannotRead) {
+    WhisperServer server("");
+    EXPECT_TRUE(server.start({QStringLiteral("bench"), QStringLiteral("/none.wav")}).empty());
+    EXPECT_EQ(server.process().exitCode(), 1);
+}
+
+}  // namespace quietlark
