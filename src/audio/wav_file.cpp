@@ -154,7 +154,17 @@ std::vector<float> WavFile::read(std::size_t first, std::size_t count) const {
     return samples;
 }
 
+std::vector<std::int16_t> WavFile::samples16() const {
+    std::vector<std::int16_t> samples(frames());
+    for (std::size_t i = 0; i < samples.size(); ++i)
+        samples[i] = static_cast<std::int16_t>(littleEndian<std::uint16_t>(m_data, 2 * i));
+    return samples;
+}
+
 std::vector<std::int16_t> WavFile::convertedTo(double rateHz) const {
+    // Already what is wanted: there is nothing to filter, and nothing to lose.
+    if (rateHz == sampleRateHz() && channels() == 1 && m_format.encoding == Encoding::Signed16)
+        return samples16();
     auto converter = SampleConverter::create(sampleRateHz(), channels(), rateHz);
     if (!converter) return {};
     std::vector<std::int16_t> samples;

@@ -50,6 +50,8 @@ private:
         }
     };
 
+    [[nodiscard]] std::vector<std::int16_t> samples16() const;
+
     WavFile(Format format, std::span<const std::uint8_t> data) : m_format(format), m_data(data) {}
     static tl::expected<Format, WavFileError> parseFormat(std::span<const std::uint8_t> chunk);
     static std::optional<Encoding> encodingOf(bool isInteger, std::uint16_t bits);
