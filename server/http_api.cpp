@@ -105,9 +105,15 @@ std::optional<HttpResponse> HttpApi::refusal(const HttpHead& head) const {
 }
 
 std::optional<HttpResponse> HttpApi::uploadRefusal(const HttpHead& head) const {
-    if (!head.contentLength)
+    // Who gives two lengths may mean one to us and the other to somebody before us.
+    if (!head.transferEncoding.empty() && head.contentLength)
+        return errorResponse(400, {.message = "The request says twice how long it is."});
+    if (!head.transferEncoding.empty() && head.transferEncoding != "chunked")
+        return errorResponse(501, {.message = "The upload is encoded, which this server does not "
+                                              "read."});
+    if (head.transferEncoding.empty() && !head.contentLength)
         return errorResponse(411, {.message = "The request does not say how long it is."});
-    if (*head.contentLength > m_settings.limits.bodyBytes)
+    if (head.contentLength.value_or(0) > m_settings.limits.bodyBytes)
         return errorResponse(413, {.message = "The upload is larger than this server takes."});
     if (!head.contentEncoding.empty() && head.contentEncoding != "identity")
         return errorResponse(

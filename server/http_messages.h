@@ -14,6 +14,7 @@ struct HttpHead {
     std::string path;  ///< without the query
     std::string contentType = {};
     std::string contentEncoding = {};
+    std::string transferEncoding = {};
     std::optional<std::uint64_t> contentLength = {};  ///< bytes; absent when it does not say
     std::string host = {};                            ///< the Host field
     std::string origin = {};     ///< the Origin field: the page that a browser asks for

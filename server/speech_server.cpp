@@ -26,13 +26,13 @@ HttpHead headOf(const httplib::Request& request) {
                   .path = request.path,
                   .contentType = request.get_header_value("Content-Type"),
                   .contentEncoding = request.get_header_value("Content-Encoding"),
+                  .transferEncoding = request.get_header_value("Transfer-Encoding"),
                   .contentLength = std::nullopt,
                   .host = request.get_header_value("Host"),
                   .origin = request.get_header_value("Origin"),
                   .fetchSite = request.get_header_value("Sec-Fetch-Site"),
                   .fetchMode = request.get_header_value("Sec-Fetch-Mode")};
-    // The library would follow a chunked body to wherever it leads.
-    if (request.has_header("Content-Length") && !request.has_header("Transfer-Encoding"))
+    if (request.has_header("Content-Length"))
         head.contentLength = request.get_header_value<std::uint64_t>("Content-Length");
     return head;
 }
@@ -176,20 +176,24 @@ std::uint64_t SpeechServer::Listener::prepare(HttpConnection& connection,
                                               httplib::Request& request) {
     request.headers.erase(noRoomField);
     const HttpHead head = headOf(request);
-    const bool isChunked = request.has_header("Transfer-Encoding");
-    const std::uint64_t bodyBytes = isChunked ? 1 : head.contentLength.value_or(0);
+    const bool isChunked = !head.transferEncoding.empty();
+    // A chunked body ends where it says. The library would follow it to wherever that is.
+    const std::uint64_t bodyBytes =
+        isChunked ? m_api.limits().bodyBytes : head.contentLength.value_or(0);
     connection.expectBody(bodyBytes);
     // Answers are short: whole and uncompressed is quickest.
     request.headers.erase("Accept-Encoding");
     request.ranges.clear();
     const bool isWelcome = !m_api.refusal(head);
     const bool isAdmitted = isWelcome && bodyBytes > 0 && m_admission.enter(bodyBytes);
-    if (isAdmitted || bodyBytes == 0) return isAdmitted ? bodyBytes : 0;
-    if (isWelcome) request.set_header(noRoomField, "1");
-    // A refused body is left unread, so that no other request can follow it.
-    request.headers.erase("Connection");
-    request.set_header("Connection", "close");
-    return 0;
+    if (isWelcome && bodyBytes > 0 && !isAdmitted) request.set_header(noRoomField, "1");
+    // A refused body is left unread, and where a chunked one ends only the library knows: no other
+    // request can follow them.
+    if (isChunked || (bodyBytes > 0 && !isAdmitted)) {
+        request.headers.erase("Connection");
+        request.set_header("Connection", "close");
+    }
+    return isAdmitted ? bodyBytes : 0;
 }
 
 std::optional<HttpResponse> SpeechServer::Listener::refusal(const httplib::Request& request) const {

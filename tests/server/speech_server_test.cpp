@@ -1,5 +1,6 @@
 #include "server/speech_server.h"
 
+#include <sstream>
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -18,6 +19,16 @@ constexpr auto getModels = "GET /v1/models HTTP/1.1\r\nHost: localhost\r\n\r\n";
 std::string wavOf(std::size_t samples) {
     const auto wav = WAV::encode(std::vector<std::int16_t>(samples), 16000, 1);
     return {wav.begin(), wav.end()};
+}
+
+const std::string chunkedHead =
+    "POST /inference HTTP/1.1\r\nContent-Type: multipart/form-data; boundary=B\r\n"
+    "Transfer-Encoding: chunked\r\n\r\n";
+
+std::string chunk(const std::string& bytes) {
+    std::stringstream text;
+    text << std::hex << bytes.size() << "\r\n" << bytes << "\r\n";
+    return text.str();
 }
 
 class SpeechServerTest : public testing::Test {
@@ -150,8 +161,30 @@ TEST_F(SpeechServerTest, AnUploadOfUnknownOrImpossibleLengthIsRefused) {
     const std::string head =
         "POST /inference HTTP/1.1\r\nContent-Type: multipart/form-data; boundary=B\r\n";
     EXPECT_EQ(ask(head + "\r\n").status, 411);
-    EXPECT_EQ(ask(head + "Transfer-Encoding: chunked\r\n\r\n5\r\nhello\r\n0\r\n\r\n").status, 411);
     EXPECT_EQ(ask(head + "Content-Length: -1\r\n\r\n").status, 413);
+}
+
+TEST_F(SpeechServerTest, AnUploadInChunksIsReadToItsEnd) {
+    RawHttpClient client(m_server.port());
+    client.send(chunkedHead);
+    const std::string form = formOf(wavOf(16000));
+    for (std::size_t begin = 0; begin < form.size(); begin += 5000)
+        client.send(chunk(form.substr(begin, 5000)));
+    const auto answer = client.ask("0\r\n\r\n");
+    EXPECT_EQ(answer.body, R"({"text":"hello world"})");
+    EXPECT_NE(answer.head.find("Connection: close"), std::string::npos);
+    EXPECT_EQ(m_engine.sampleCount(), 16000U);
+}
+
+TEST_F(SpeechServerTest, ChunksThatMakeNoSenseAreRefused) {
+    EXPECT_EQ(ask(chunkedHead + "5\r\nhello\r\n0\r\n\r\n").status, 400);
+    EXPECT_EQ(ask(chunkedHead + "no number\r\n\r\n").status, 400);
+    EXPECT_EQ(ask("POST /inference HTTP/1.1\r\nTransfer-Encoding: chunked\r\nContent-Length: 5"
+                  "\r\n\r\nhello")
+                  .status,
+              400);
+    EXPECT_EQ(ask("POST /inference HTTP/1.1\r\nTransfer-Encoding: gzip\r\n\r\n").status, 501);
+    EXPECT_EQ(ask(getModels).status, 200);
 }
 
 TEST_F(SpeechServerTest, ACompressedUploadIsRefused) {
@@ -346,6 +379,15 @@ TEST_F(CrowdedServerTest, MoreUploadsThanMayWaitAreToldToComeBack) {
     EXPECT_NE(answer.body.find("server_error"), std::string::npos);
     EXPECT_EQ(RawHttpClient(m_server.port()).ask(getModels).status, 200);
     EXPECT_EQ(first.ask(m_upload.substr(m_upload.size() - 1)).status, 200);
+}
+
+TEST_F(CrowdedServerTest, ChunksWithoutEndAreCutOff) {
+    RawHttpClient client(m_server.port());
+    client.send(chunkedHead + chunk("--B\r\nContent-Disposition: form-data; name=\"a\"\r\n\r\n"));
+    const std::string more = chunk(std::string(10000, 'x'));
+    for (int i = 0; i < 20; ++i)
+        client.send(more);
+    EXPECT_EQ(client.receive().status, 400);
 }
 
 TEST_F(CrowdedServerTest, AnUploadMakesRoomWhenItIsOver) {
