@@ -19,6 +19,8 @@ void AddressProbe::check(const QString& baseAddress) {
 
 void AddressProbe::reset() {
     cancel();
+    m_address.clear();
+    m_askedAddress.clear();
     setState({});
 }
 
@@ -33,6 +35,7 @@ void AddressProbe::waitFor(std::chrono::milliseconds delay) {
 }
 
 void AddressProbe::ask() {
+    m_askedAddress = m_address;
     m_question = m_resolver.resolveServer(
         m_address, ServerResolver::usualTimeout,
         [this](const std::optional<ResolvedServer>& server) { onAnswer(server); });

@@ -43,6 +43,9 @@ public:
 
     [[nodiscard]] const ProbeState& state() const { return m_state; }
 
+    /// Whether state() is about the address that is to be checked, and not about one before it.
+    [[nodiscard]] bool isUpToDate() const { return m_askedAddress == m_address; }
+
     /// Checks this address, and no other any more. The state stays until the check begins.
     void check(const QString& baseAddress);
 
@@ -63,6 +66,7 @@ private:
     const std::function<void()> m_onChange;
     ProbeState m_state;
     QString m_address;
+    QString m_askedAddress;
     std::unique_ptr<QObject> m_wait;  ///< its end calls off the question that would follow
     Cancellable m_question;
 };

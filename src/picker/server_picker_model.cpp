@@ -74,7 +74,8 @@ bool ServerPickerModel::canAdvance() const {
 }
 
 bool ServerPickerModel::canConnect() const {
-    return canAdvance() && (m_phase != Phase::remoteList || selectedRemote());
+    if (m_phase == Phase::remoteList) return selectedRemote().has_value();
+    return canAdvance() && (m_phase != Phase::manualEntry || m_probe.isUpToDate());
 }
 
 void ServerPickerModel::advance() {

@@ -47,7 +47,10 @@ public:
     /// What the user has typed; another text is checked in the background.
     [[nodiscard]] const QString& manualHostPort() const { return m_manualHostPort; }
     void setManualHostPort(const QString& text);
+    /// The last result stays until the next check begins.
     [[nodiscard]] const ProbeState& manualProbe() const { return m_probe.state(); }
+    /// Whether that is about the address as it stands, and not as it was before the last edit.
+    [[nodiscard]] bool manualProbeIsUpToDate() const { return m_probe.isUpToDate(); }
 
     /// How many choices have been stored, and how often the user has cancelled.
     [[nodiscard]] qint64 commitTick() const { return m_commitTick; }
@@ -62,7 +65,7 @@ public:
 
     /// Whether the phase has what it needs: a server chosen, or one that answers.
     [[nodiscard]] bool canAdvance() const;
-    /// As canAdvance(), and the chosen server has not gone.
+    /// As canAdvance(), and the chosen server has not gone, nor the address changed since.
     [[nodiscard]] bool canConnect() const;
     /// Stores the choice, or goes from the cards to the list of servers.
     void advance();

@@ -58,7 +58,8 @@ ManualEntryPage::ManualEntryPage(ServerPickerModel& model)
 void ManualEntryPage::refresh() {
     // Set anew, the text would lose its cursor and its undo history.
     if (m_address->text() != m_model.manualHostPort()) m_address->setText(m_model.manualHostPort());
-    m_probe->setKind(m_model.manualProbe().kind);
+    m_probe->setKind(m_model.manualProbeIsUpToDate() ? m_model.manualProbe().kind
+                                                     : ProbeState::Case::idle);
 }
 
 void ManualEntryPage::showEvent(QShowEvent* event) {

@@ -148,6 +148,20 @@ TEST_F(ManualEntryTest, EditingWhileACheckWaitsCancelsIt) {
     EXPECT_EQ(network.requests().size(), asked + 1);
 }
 
+TEST_F(ManualEntryTest, TheResultBeforeAnEditStaysButDoesNotConnect) {
+    serverAnswersAt("http://box:8001");
+    enterManually();
+    type("box:8001");
+    pauseAndCheck();
+    ASSERT_TRUE(model().canConnect());
+    type("box:8002");
+    EXPECT_EQ(probe(), Probe::ok);
+    EXPECT_FALSE(model().manualProbeIsUpToDate());
+    EXPECT_FALSE(model().canConnect());
+    type("box:8001");
+    EXPECT_TRUE(model().canConnect());
+}
+
 TEST_F(ManualEntryTest, TheSameTextAgainIsNoEdit) {
     type("box:8001");
     scheduler.advance(400ms);

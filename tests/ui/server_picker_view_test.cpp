@@ -248,6 +248,17 @@ TEST_F(ServerPickerViewTest, TheAddressFieldShowsHowItsCheckStands) {
     EXPECT_TRUE(button("connect").isEnabled());
 }
 
+TEST_F(ServerPickerViewTest, AnEditTakesTheResultBeforeItAway) {
+    serverAnswersAt("http://box:2");
+    showManualEntry();
+    write("box:2");
+    pauseAndCheck();
+    write("3");
+    EXPECT_FALSE(reads("Connected"));
+    press(Qt::Key_Return);
+    EXPECT_EQ(model().commitTick(), 0);
+}
+
 TEST_F(ServerPickerViewTest, TheConfiguredAddressIsPrefilledAndChecked) {
     saved(manual("box", 443, "https"));
     showManualEntry();
