@@ -22,8 +22,15 @@ has_ended() {
     ! is_running "$1"
 }
 
+# The system gives the number of a process that has ended to another one, which is then a child of
+# somebody else. It does not as long as anything of the old one's session is left.
+is_somebody_elses() {
+    [ -e "/proc/$1" ] && ! grep -qxE "PPid:[[:space:]]+$$" "/proc/$1/status" 2>/dev/null
+}
+
 # end ID: asks, waits, then leaves nothing of its session behind.
 end() {
+    ! is_somebody_elses "$1" || return 0
     kill -TERM -- "-$1" 2>/dev/null || kill -TERM "$1" 2>/dev/null || return 0
     wait_until 5 has_ended "$1" || true
     kill -KILL -- "-$1" 2>/dev/null || true

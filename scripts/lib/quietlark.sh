@@ -24,9 +24,10 @@ write_configuration() {
 JSON
 }
 
+# start_server [OPTION...]
 start_server() {
     server_since=$EPOCHSECONDS
-    start server "$bin/quietlark-server"
+    start server "$bin/quietlark-server" "$@"
     server_id=$started_id
     wait_for_line 120 "$server_id" "$logs/server.out" '^listening on ' ||
         fail "The speech server did not start."

@@ -110,8 +110,10 @@ std::span<const std::int16_t> SampleConverter::finish() {
 std::size_t SampleConverter::resample(const float* mono, std::size_t frames, std::size_t capacity) {
     m_resampled.resize(capacity);
     std::size_t resampledFrames = 0;
-    soxr_process(m_resampler.get(), mono, frames, nullptr, m_resampled.data(), capacity,
-                 &resampledFrames);
+    // One buffer that cannot be converted is lost, and no more than that.
+    if (soxr_process(m_resampler.get(), mono, frames, nullptr, m_resampled.data(), capacity,
+                     &resampledFrames))
+        return 0;
     const auto resampled = std::span(m_resampled).first(resampledFrames);
     std::ranges::transform(resampled, std::back_inserter(m_output), toInt16);
     return resampledFrames;

@@ -7,7 +7,6 @@
 #include "commands/console.h"
 #include "commands/recording_file.h"
 #include "config/config.h"
-#include "transcription/server_endpoint.h"
 #include "transcription/server_resolver.h"
 
 namespace quietlark {
@@ -18,9 +17,6 @@ struct Sentences {
     Q_DECLARE_TR_FUNCTIONS(TranscribeCommand)
 
 public:
-    static QString noServer() {
-        return tr("No transcription server is configured; name one with --server.");
-    }
     static QString unreachable(const QString& address) {
         return tr("No transcription server could be reached at %1.").arg(address);
     }
@@ -30,11 +26,11 @@ public:
 }  // namespace
 
 TranscribeCommand::TranscribeCommand(ServerResolver& resolver, TranscriptionClient& client,
-                                     const ServerEndpoint& endpoint, const Config& config,
+                                     ConfiguredServer configuredServer, const Config& config,
                                      Console& console)
     : m_resolver(resolver),
       m_client(client),
-      m_endpoint(endpoint),
+      m_configuredServer(std::move(configuredServer)),
       m_config(config),
       m_console(console) {}
 
@@ -44,9 +40,9 @@ void TranscribeCommand::run(const TranscribeArguments& arguments, DoneHandler on
     auto wav = readRecording(arguments.file);
     if (!wav) return fail(wav.error());
     m_wav = std::move(*wav);
-    const auto address =
-        arguments.server ? arguments.server : m_endpoint.baseURL(m_config.serverMode);
-    if (!address) return fail(Sentences::noServer());
+    const ConfiguredServer address =
+        arguments.server ? ConfiguredServer(*arguments.server) : m_configuredServer;
+    if (!address) return fail(address.error());
     m_question = m_resolver.resolveServer(
         *address, ServerResolver::usualTimeout,
         [this, address = *address](const std::optional<ResolvedServer>& server) {

@@ -7,6 +7,7 @@
 
 #include "audio/wav.h"
 #include "commands/command_line.h"
+#include "commands/configured_server.h"
 #include "commands/exit_code.h"
 #include "platform/cancellable.h"
 #include "transcription/resolved_server.h"
@@ -15,7 +16,6 @@
 namespace quietlark {
 
 class Console;
-class ServerEndpoint;
 class ServerResolver;
 struct Config;
 
@@ -25,7 +25,7 @@ public:
     using DoneHandler = std::function<void(ExitCode)>;
 
     TranscribeCommand(ServerResolver& resolver, TranscriptionClient& client,
-                      const ServerEndpoint& endpoint, const Config& config, Console& console);
+                      ConfiguredServer configuredServer, const Config& config, Console& console);
 
     /// Runs once. A recording that cannot be used is refused before any server is asked.
     void run(const TranscribeArguments& arguments, DoneHandler onDone);
@@ -37,7 +37,7 @@ private:
 
     ServerResolver& m_resolver;
     TranscriptionClient& m_client;
-    const ServerEndpoint& m_endpoint;
+    const ConfiguredServer m_configuredServer;
     const Config& m_config;
     Console& m_console;
     WavBytes m_wav;

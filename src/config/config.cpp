@@ -51,6 +51,12 @@ Config Config::load(const QString& path) {
     return fromJson(*content).value_or(Config());
 }
 
+bool Config::isDamaged(const QString& path) {
+    if (!QFileInfo::exists(path)) return false;
+    const auto content = readRegularFile(path, maxFileBytes, FileTrust::Anyone);
+    return !content || !fromJson(*content);
+}
+
 std::optional<Config> Config::fromJson(const QByteArray& json) {
     const QJsonDocument document = QJsonDocument::fromJson(json);
     if (!document.isObject()) return std::nullopt;

@@ -36,6 +36,9 @@ struct Config {
     /// Never writes.
     [[nodiscard]] static Config load(const QString& path);
 
+    /// Whether there is something at `path` that load() cannot make settings of.
+    [[nodiscard]] static bool isDamaged(const QString& path);
+
     /// All or nothing: absent unless every member is there and of its type.
     [[nodiscard]] static std::optional<Config> fromJson(const QByteArray& json);
 

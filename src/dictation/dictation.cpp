@@ -109,13 +109,13 @@ void Dictation::setState(const DictationState& state) {
 
 void Dictation::fail(const QString& message) {
     setState(DictationState::error(message));
-    flashToIdle(Case::error, errorFlash);
+    flashErrorToIdle();
 }
 
 void Dictation::failUnreachable(const QString& message) {
     m_wav.reset();
     setState(DictationState::unreachable(message));
-    flashToIdle(Case::unreachable, unreachableFlash);
+    flashUnreachableToIdle();
 }
 
 // Compares the case alone, so that an error which follows another soon may be cleared by the

@@ -58,6 +58,10 @@ private:
     void setState(const DictationState& state);
     void fail(const QString& message);
     void failUnreachable(const QString& message);
+    void flashErrorToIdle() { flashToIdle(DictationState::Case::error, errorFlash); }
+    void flashUnreachableToIdle() {
+        flashToIdle(DictationState::Case::unreachable, unreachableFlash);
+    }
     void flashToIdle(DictationState::Case flashed, std::chrono::milliseconds delay);
 
     void transcribeAndPaste();

@@ -26,7 +26,7 @@ struct HttpRequest {
 
 /// Any answer with a status, whatever the status is.
 struct HttpResponse {
-    int status = 0;  ///< 0 when what answered did not speak HTTP
+    int status = 0;  ///< 0 when a system's HTTP layer gives an answer that has none
     QByteArray body;
 };
 
@@ -46,6 +46,10 @@ public:
 
     /// Longest body that is accepted, in bytes; a longer one is a TransportError.
     static constexpr qsizetype maxBodyBytes = 8 * 1024 * 1024;
+
+    /// An answer that has begun ends within its request's idle time-out or this, whichever is
+    /// longer; one that drips on is a TransportError.
+    static constexpr std::chrono::milliseconds shortestAnswerLimit{10'000};
 
     virtual ~HttpClient() = default;
 

@@ -9,7 +9,7 @@ Examination::Examination(bool canShowWindows)
       m_pasteboard(m_desktop.scheduler),
       m_resolver(m_http),
       m_config(Config::load(Config::defaultFileURL())),
-      m_serverAddress(ServerEndpoint(m_endpointFile).baseURL(m_config.serverMode)) {
+      m_serverAddress(configuredServer(Config::defaultFileURL(), m_config, m_endpointFile)) {
     m_desktop.localNetworkProbe();
     m_snapshot = m_pasteboard.snapshot([this](const std::optional<PasteboardSnapshot>& snapshot) {
         m_clipboardAnswers = snapshot.has_value();
@@ -78,10 +78,7 @@ std::optional<QString> Examination::hotkeyProblem() const {
 
 std::optional<QString> Examination::serverProblem() const {
     if (m_serverAnswers) return std::nullopt;
-    if (std::holds_alternative<Unconfigured>(m_config.serverMode))
-        return tr("None is chosen; see “serverMode” in %1.").arg(Config::defaultFileURL());
-    if (!m_serverAddress)
-        return tr("The one on this computer does not run; start it with: quietlark-server");
+    if (!m_serverAddress) return m_serverAddress.error();
     return tr("Nothing that Quietlark knows answers at %1.").arg(*m_serverAddress);
 }
 

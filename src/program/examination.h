@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 
+#include "commands/configured_server.h"
 #include "commands/doctor_command.h"
 #include "config/config.h"
 #include "platform/linux/x11/pasteboard/x11_pasteboard.h"
@@ -12,7 +13,6 @@
 #include "platform/qt_widgets/tray_hosts.h"
 #include "program/desktop_adapters.h"
 #include "transcription/endpoint_file.h"
-#include "transcription/server_endpoint.h"
 #include "transcription/server_resolver.h"
 
 namespace quietlark {
@@ -45,7 +45,7 @@ private:
     ServerResolver m_resolver;
     EndpointFile m_endpointFile;
     const Config m_config;
-    const std::optional<QString> m_serverAddress;
+    const ConfiguredServer m_serverAddress;
 
     bool m_clipboardAnswers = false;
     bool m_hasTray = false;

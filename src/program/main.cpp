@@ -37,7 +37,6 @@
 #include "servers/hardware_profile.h"
 #include "servers/server_ranker.h"
 #include "transcription/endpoint_file.h"
-#include "transcription/server_endpoint.h"
 #include "transcription/server_resolver.h"
 
 namespace quietlark {
@@ -65,12 +64,11 @@ public:
         QtHttpClient http;
         QtScheduler scheduler;
         SilentLog log;
-        const EndpointFile endpointFile;
-        const ServerEndpoint endpoint(endpointFile);
         const Config config = Config::load(Config::defaultFileURL());
+        const auto server = configuredServer(Config::defaultFileURL(), config, EndpointFile());
         ServerResolver resolver(http);
         TranscriptionClient client(http, scheduler, log);
-        TranscribeCommand command(resolver, client, endpoint, config, m_console);
+        TranscribeCommand command(resolver, client, server, config, m_console);
         return runToItsEnd(command, arguments);
     }
 

@@ -23,7 +23,9 @@ void SingleInstance::onClaimed(SessionBusService::Claim claim) {
 }
 
 void SingleInstance::onReopened(const tl::expected<void, Unavailable>& reopened) {
-    if (!reopened) m_console.complain(reopened.error().reason);
+    m_console.complain(reopened
+                           ? tr("Quietlark runs already; it has been asked to show its window.")
+                           : reopened.error().reason);
     QCoreApplication::exit(reopened ? EXIT_SUCCESS : EXIT_FAILURE);
 }
 

@@ -81,6 +81,11 @@ std::optional<double> EndpointFile::readRTF() const {
     return rtf ? parseDouble(*rtf) : std::nullopt;
 }
 
+bool EndpointFile::isDistrusted() const {
+    return !readRegularFile(m_path, maxFileBytes, FileTrust::OwnerAndRoot) &&
+           readRegularFile(m_path, maxFileBytes, FileTrust::Anyone);
+}
+
 std::optional<EndpointFile::Pairs> EndpointFile::dict() const {
     const auto content = readRegularFile(m_path, maxFileBytes, FileTrust::OwnerAndRoot);
     if (!content) return std::nullopt;

@@ -26,6 +26,11 @@ public:
     /// Seconds of sound that the server has been measured to transcribe in one second.
     [[nodiscard]] std::optional<double> readRTF() const;
 
+    /// Whether there is a file that can be read, but that somebody else might have written.
+    [[nodiscard]] bool isDistrusted() const;
+
+    [[nodiscard]] const QString& path() const { return m_path; }
+
 private:
     using Pairs = QMap<QString, QString>;
 

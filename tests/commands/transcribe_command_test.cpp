@@ -1,5 +1,6 @@
 #include "commands/transcribe_command.h"
 
+#include <optional>
 #include <sstream>
 
 #include <QFile>
@@ -12,8 +13,6 @@
 #include "config/config.h"
 #include "fakes/fake_http_client.h"
 #include "fakes/fake_scheduler.h"
-#include "transcription/endpoint_file.h"
-#include "transcription/server_endpoint.h"
 #include "transcription/server_resolver.h"
 
 namespace quietlark {
@@ -35,8 +34,9 @@ protected:
     }
     void run(std::optional<QString> server = QStringLiteral("http://h:1"),
              std::optional<QString> language = std::nullopt) {
-        m_command.run({m_path, server, language},
-                      [this](ExitCode code) { m_exitCodes.push_back(code); });
+        m_command.emplace(m_resolver, m_client, m_configured, m_config, m_console);
+        m_command->run({m_path, server, language},
+                       [this](ExitCode code) { m_exitCodes.push_back(code); });
         m_http.runAnswers();
     }
     void expectFailure(const char* words) {
@@ -53,15 +53,14 @@ protected:
     FakeHttpClient m_http;
     FakeScheduler m_scheduler;
     SilentLog m_log;
-    EndpointFile m_endpointFile{m_directory.filePath(QStringLiteral("endpoint"))};
-    ServerEndpoint m_endpoint{m_endpointFile};
+    ConfiguredServer m_configured = tl::unexpected(QStringLiteral("None is configured."));
     ServerResolver m_resolver{m_http};
     TranscriptionClient m_client{m_http, m_scheduler, m_log};
     Config m_config;
     std::ostringstream m_results;
     std::ostringstream m_messages;
     Console m_console{m_results, m_messages};
-    TranscribeCommand m_command{m_resolver, m_client, m_endpoint, m_config, m_console};
+    std::optional<TranscribeCommand> m_command;
     std::vector<ExitCode> m_exitCodes;
 };
 
@@ -74,7 +73,7 @@ TEST_F(TranscribeCommandTest, CleanTextIsPrinted) {
 }
 
 TEST_F(TranscribeCommandTest, ConfiguredServerAndLanguageAreUsed) {
-    m_config.serverMode = ManualRemote{QStringLiteral("h"), 1, QStringLiteral("http")};
+    m_configured = QStringLiteral("http://h:1");
     m_config.language = QStringLiteral("de");
     serverAnswers(200, "hallo");
     run(std::nullopt);
@@ -91,7 +90,7 @@ TEST_F(TranscribeCommandTest, GivenLanguageGoesBeforeTheConfiguredOne) {
 
 TEST_F(TranscribeCommandTest, WithoutAServerNothingIsAsked) {
     run(std::nullopt);
-    expectFailure("--server");
+    expectFailure("None is configured.");
     EXPECT_TRUE(m_http.requests().empty());
 }
 

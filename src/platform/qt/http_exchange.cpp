@@ -44,6 +44,9 @@ HttpExchange::HttpExchange(QNetworkAccessManager& manager, HttpRequest request,
       m_manager(manager),
       m_request(std::move(request)),
       m_onAnswer(std::move(onAnswer)) {
+    m_answerLimit.setSingleShot(true);
+    connect(&m_answerLimit, &QTimer::timeout, this,
+            [this] { finish(tl::unexpected(answerTooSlow(m_request.url))); });
     start();
 }
 
@@ -53,6 +56,7 @@ HttpExchange::~HttpExchange() {
 
 void HttpExchange::withdraw() {
     m_onAnswer = nullptr;
+    m_answerLimit.stop();
     dropReply();
     deleteLater();
 }
@@ -60,6 +64,7 @@ void HttpExchange::withdraw() {
 void HttpExchange::start() {
     const bool isUpload = m_request.method == HttpRequest::Method::Post;
     m_reply = isUpload ? startUpload() : m_manager.get(networkRequest(m_request));
+    connect(m_reply, &QNetworkReply::metaDataChanged, this, &HttpExchange::limitAnswer);
     connect(m_reply, &QNetworkReply::readyRead, this, &HttpExchange::takeBody);
     connect(m_reply, &QNetworkReply::finished, this, &HttpExchange::onFinished);
 }
@@ -80,6 +85,11 @@ QNetworkReply* HttpExchange::startUpload() {
     body->allowRestart();
     connect(reply, &QNetworkReply::socketStartedConnecting, body, &UploadBody::forbidRestart);
     return reply;
+}
+
+void HttpExchange::limitAnswer() {
+    if (m_answerLimit.isActive()) return;
+    m_answerLimit.start(std::max(m_request.idleTimeout, HttpClient::shortestAnswerLimit));
 }
 
 void HttpExchange::takeBody() {
@@ -125,6 +135,7 @@ std::optional<QUrl> HttpExchange::redirectTarget() {
 
 void HttpExchange::finish(HttpClient::Answer answer) {
     const auto onAnswer = std::exchange(m_onAnswer, nullptr);
+    m_answerLimit.stop();
     dropReply();
     deleteLater();
     // Last, as the handler may withdraw or ask again.

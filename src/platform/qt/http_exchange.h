@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QObject>
 #include <QPointer>
+#include <QTimer>
 
 #include "platform/http_client.h"
 
@@ -28,6 +29,7 @@ public:
 private:
     void start();
     [[nodiscard]] QNetworkReply* startUpload();
+    void limitAnswer();
     void takeBody();
     void onFinished();
     /// Where the upload is sent on to, if it may be.
@@ -41,6 +43,7 @@ private:
     QPointer<QNetworkReply> m_reply;
     int m_redirectsLeft = 5;
     QByteArray m_answerBody;
+    QTimer m_answerLimit;  ///< runs from the head of the answer on
 };
 
 }  // namespace quietlark

@@ -107,6 +107,12 @@ TransportError answerTooLong(const QUrl& url) {
                    QStringLiteral("more than %1 bytes").arg(HttpClient::maxBodyBytes));
 }
 
+TransportError answerTooSlow(const QUrl& url) {
+    const Error error = QNetworkReply::OperationCanceledError;
+    return failure(url, error, Sentences::of(error).arg(serverName(url)),
+                   QStringLiteral("its answer does not end"));
+}
+
 TransportError notHttp(const QUrl& url) {
     return failure(url, QNetworkReply::ProtocolUnknownError,
                    Sentences::notHttp().arg(url.toDisplayString()),

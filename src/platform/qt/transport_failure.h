@@ -21,6 +21,9 @@ namespace quietlark {
 /// The body went on beyond what HttpClient accepts.
 [[nodiscard]] TransportError answerTooLong(const QUrl& url);
 
+/// The answer has begun, but does not come to its end.
+[[nodiscard]] TransportError answerTooSlow(const QUrl& url);
+
 /// The address is not one for HTTP.
 [[nodiscard]] TransportError notHttp(const QUrl& url);
 

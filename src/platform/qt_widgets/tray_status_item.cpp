@@ -51,7 +51,6 @@ void TrayStatusItem::install() {
     m_icon->setContextMenu(&m_menu);
     connect(m_icon.get(), &QSystemTrayIcon::activated, this, &TrayStatusItem::onActivated);
     showSymbol();
-    m_icon->show();
 }
 
 void TrayStatusItem::showSymbol() {
@@ -62,6 +61,7 @@ void TrayStatusItem::showSymbol() {
         m_icons.insert(m_symbol, symbolIcon(m_symbol, color));
     }
     m_icon->setIcon(m_icons.value(m_symbol));
+    m_icon->show();
 }
 
 void TrayStatusItem::onActivated(QSystemTrayIcon::ActivationReason reason) {

@@ -128,6 +128,14 @@ TEST_F(QtHttpClientFaultTest, EndlessBodyIsGivenUp) {
     EXPECT_TRUE(waitUntil([this] { return m_server.openConnectionCount() == 0; }));
 }
 
+TEST_F(QtHttpClientFaultTest, BodyThatDripsOnIsGivenUp) {
+    m_idleTimeout = std::chrono::seconds(1);
+    // An hour in all.
+    serverDoes(http_reply::drip(QByteArray(36000, 'x'), std::chrono::milliseconds(100)));
+    expectTransportError(post(url()), "in time");
+    EXPECT_TRUE(waitUntil([this] { return m_server.openConnectionCount() == 0; }));
+}
+
 TEST_F(QtHttpClientFaultTest, BodyThatUnpacksToTooMuchIsGivenUp) {
     // 100 MB of zeros pack a thousandfold; qCompress puts four bytes of its own in front.
     const QByteArray packed = qCompress(QByteArray(100 * 1000 * 1000, '\0')).sliced(4);

@@ -63,8 +63,7 @@ void PulseAudioInput::stop() {
 tl::expected<void, AudioInputError> PulseAudioInput::open() {
     const std::scoped_lock lock(m_mainloop);
     pa_context* context = m_connection.context();
-    if (!context)
-        return tl::unexpected(AudioInputError{QStringLiteral("The audio server does not answer.")});
+    if (!context) return tl::unexpected(AudioInputError{tr("The audio server does not answer.")});
     auto capture = PulseCapture::open(m_mainloop, context, m_format, m_bufferFrames, m_tap);
     if (!capture) return tl::unexpected(capture.error());
     m_capture = std::move(*capture);

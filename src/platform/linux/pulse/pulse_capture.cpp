@@ -4,6 +4,8 @@
 #include <cstring>
 #include <utility>
 
+#include <QCoreApplication>
+
 namespace quietlark {
 namespace {
 
@@ -41,7 +43,8 @@ tl::expected<std::unique_ptr<PulseCapture>, AudioInputError> PulseCapture::open(
         new PulseCapture(mainloop, format, bufferFrames, std::move(tap)));
     if (!capture->connect(context))
         return tl::unexpected(
-            AudioInputError{QStringLiteral("The microphone could not be opened: %1.")
+            AudioInputError{QCoreApplication::translate("PulseAudioInput",
+                                                        "The microphone could not be opened: %1.")
                                 .arg(QString::fromUtf8(pa_strerror(pa_context_errno(context))))});
     return capture;
 }
