@@ -135,7 +135,10 @@ bool HttpConnection::waitWhileBusy(short event) const {
 }
 
 void HttpConnection::allowTransfer(std::uint64_t bytes) {
-    allow(m_patience.transfer + std::chrono::seconds(bytes / m_patience.bytesPerSecond));
+    // What a head announces may be absurd, and is not read then.
+    constexpr std::uint64_t longest = 86400;
+    const std::uint64_t seconds = std::min(bytes / m_patience.bytesPerSecond, longest);
+    allow(m_patience.transfer + std::chrono::seconds(seconds));
 }
 
 bool HttpConnection::fillBuffer() {
