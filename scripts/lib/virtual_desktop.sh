@@ -59,7 +59,7 @@ avahi_answers() {
 # root has everywhere; without it Quietlark reports that it sees no network.
 start_network() {
     [ "$(id -u)" = 0 ] || return 0
-    mkdir "$desktop/network"
+    mkdir -p "$desktop/network"
     cat >"$desktop/network/bus.conf" <<XML
 <busconfig>
   <listen>unix:path=$desktop/network/bus</listen>
@@ -80,6 +80,7 @@ XML
             until [ -S "$0/bus" ]; do sleep 0.01; done
             exec avahi-daemon -f "$0/avahi.conf" --no-drop-root --no-chroot --no-rlimits
         ' "$desktop/network"
+    network_id=$started_id
     wait_until 30 avahi_answers || fail "The virtual network (avahi-daemon) did not start."
 }
 
@@ -89,10 +90,11 @@ window_manager_is_there() {
 
 # The window manager must leave the hotkeys alone: by default it has uses of its own for them.
 start_window_manager() {
-    mkdir "$HOME/.icewm"
+    mkdir -p "$HOME/.icewm"
     printf '%s=""\n' KeySysAddressBar KeySysShowDesktop >"$HOME/.icewm/preferences"
     : >"$HOME/.icewm/keys"
     start window_manager icewm
+    window_manager_id=$started_id
     wait_until 30 window_manager_is_there || fail "The window manager (icewm) did not start."
 }
 

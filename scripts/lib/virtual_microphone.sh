@@ -26,6 +26,7 @@ start_pulseaudio() {
         --load="module-null-sink sink_name=room" \
         --load="module-remap-source master=room.monitor source_name=microphone" \
         --load="module-always-sink"
+    sound_server_id=$started_id
 }
 
 start_pipewire() {
@@ -33,6 +34,7 @@ start_pipewire() {
     wait_until 30 test -S "$XDG_RUNTIME_DIR/pipewire-0" || fail "PipeWire did not start."
     start wireplumber wireplumber
     start sound_server pipewire-pulse
+    sound_server_id=$started_id
     wait_until 30 pactl info || fail "PipeWire's sound server (pipewire-pulse) did not start."
     pactl load-module module-null-sink sink_name=room >/dev/null
     pactl load-module module-remap-source master=room.monitor source_name=microphone >/dev/null
