@@ -111,4 +111,28 @@ const QHash<QString, KeyCode>& keyCodes() {
     return codes;
 }
 
+std::optional<QString> keyToken(KeyCode code) {
+    static const auto tokens = [] {
+        QHash<KeyCode, QString> result;
+        for (const auto& [token, keyCode] : keyCodes().asKeyValueRange())
+            result.insert(keyCode, token);
+        // Keys of two names are written by the one on the keyboard.
+        result.insert(36, QStringLiteral("return"));
+        result.insert(51, QStringLiteral("delete"));
+        result.insert(53, QStringLiteral("escape"));
+        return result;
+    }();
+    const auto found = tokens.constFind(code);
+    if (found == tokens.cend()) return std::nullopt;
+    return *found;
+}
+
+const QSet<KeyCode>& fnIntrinsicCodes() {
+    // The arrows, the block above them with help and forward delete, and F1 to F20.
+    static const QSet<KeyCode> codes{123, 124, 125, 126, 114, 115, 116, 117, 119, 121,
+                                     122, 120, 99,  118, 96,  97,  98,  100, 101, 109,
+                                     103, 111, 105, 107, 113, 106, 64,  79,  80,  90};
+    return codes;
+}
+
 }  // namespace quietlark::HotkeyParse

@@ -3,6 +3,7 @@
 #include <optional>
 
 #include <QHash>
+#include <QSet>
 #include <QString>
 #include <tl/expected.hpp>
 
@@ -41,6 +42,12 @@ struct ParseError {
 
 /// Lower-case token to virtual key code.
 [[nodiscard]] const QHash<QString, KeyCode>& keyCodes();
+
+/// The token that a spec is written with for this key; absent for keys that cannot be named.
+[[nodiscard]] std::optional<QString> keyToken(KeyCode code);
+
+/// The keys whose events always carry the function flag, whether or not Fn is held.
+[[nodiscard]] const QSet<KeyCode>& fnIntrinsicCodes();
 
 }  // namespace HotkeyParse
 }  // namespace quietlark

@@ -23,6 +23,10 @@ using KeyCode = std::uint16_t;
 namespace key_code {
 inline constexpr KeyCode v = 9;
 
+inline constexpr KeyCode deleteBackward = 51;
+inline constexpr KeyCode escape = 53;
+inline constexpr KeyCode deleteForward = 117;
+
 inline constexpr KeyCode rightCommand = 54;
 inline constexpr KeyCode command = 55;
 inline constexpr KeyCode shift = 56;
