@@ -1,7 +1,9 @@
 #include "program/application.h"
 
 #include <cstdlib>
+#include <limits>
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include <QApplication>
@@ -10,9 +12,9 @@
 #include <QProcessEnvironment>
 
 #include "local_server/model_source.h"
+#include "platform/linux/x11/keys/evdev_key_codes.h"
 #include "platform/qt/qt_http_streams.h"
 #include "program/display.h"
-#include "ui/overview.h"
 
 namespace quietlark {
 
@@ -34,6 +36,12 @@ QString invitation(const Config& config, const DictationHotkeys& hotkeys) {
     return Application::tr("ready: %1 to dictate").arg(ways.join(Application::tr(" or ")));
 }
 
+/// Qt passes the window system's own number of a key on.
+std::optional<KeyCode> keyCodeOfNative(quint32 nativeScanCode) {
+    if (nativeScanCode > std::numeric_limits<XKeycode>::max()) return std::nullopt;
+    return keyCodeOf(static_cast<XKeycode>(nativeScanCode));
+}
+
 }  // namespace
 
 Application::Application(SessionBusService& service, Console& console)
@@ -51,13 +59,16 @@ Application::Application(SessionBusService& service, Console& console)
                      [] { return std::make_unique<QtHttpStreams>(); }),
       m_state(stateFiles(), makers()),
       m_statusItem(m_desktop.scheduler),
-      m_windows(contents()),
+      m_keyCapture(keyCodeOfNative),
+      m_keyboard(m_desktop.keyboard, m_keyCapture),
+      m_windowParts(m_state, m_transcription.resolver, m_desktop, m_notifications, m_keyCapture),
+      m_windows(m_windowParts.contents()),
       m_installation(QCoreApplication::applicationFilePath(), QDir::homePath(),
                      qEnvironmentVariable("QUIETLARK_APPLICATIONS")),
       m_defaults(defaultsPath()),
       m_delegate(m_state, {m_statusItem, m_windows, m_shell},
-                 {m_desktop.keyboard, m_desktop.permissions, m_installation, m_defaults},
-                 m_notifications, m_desktop.scheduler),
+                 {m_keyboard, m_desktop.permissions, m_installation, m_defaults}, m_notifications,
+                 m_desktop.scheduler),
       m_gate(m_desktop.scheduler) {
     connect(&m_desktop.keyConnection, &X11KeyConnection::displayLost, this,
             &Application::endWithoutDisplay);
@@ -66,6 +77,10 @@ Application::Application(SessionBusService& service, Console& console)
     connect(&m_state.dictation(), &Dictation::onStateChange, this, &Application::report);
     connect(&m_service, &SessionBusService::reopenRequested, &m_delegate,
             [this] { m_delegate.applicationShouldHandleReopen(m_windows.isAnyVisible()); });
+    connect(&m_windowParts, &WindowParts::onboardingFinished, &m_windows,
+            &AppWindows::onboardingFinished);
+    connect(&m_windowParts, &WindowParts::allPermissionsGranted, &m_windows,
+            &AppWindows::allPermissionsGranted);
     connect(&m_statusItem, &TrayStatusItem::noTray, this, [this] {
         m_console.complain(
             tr("This desktop has no tray for the icon. Start quietlark again to open its window."));
@@ -109,14 +124,6 @@ AppState::Makers Application::makers() {
                 return std::make_unique<Dictation>(std::move(settings), m_recorder, m_transcription,
                                                    m_paster, m_desktop.scheduler);
             }};
-}
-
-QtAppWindows::Contents Application::contents() {
-    const auto make = [this]() -> QWidget* {
-        return new Overview(overview(m_state.config(), m_desktop.permissions.explanations(),
-                                     Config::defaultFileURL()));
-    };
-    return {make, make, make};
 }
 
 void Application::launch() {

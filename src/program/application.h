@@ -8,6 +8,7 @@
 #include "dictation/dictation.h"
 #include "dictation/paster.h"
 #include "dictation/recorder.h"
+#include "hotkeys/uncaptured_key_events.h"
 #include "local_server/background_model_fetcher.h"
 #include "notifications/notification_center.h"
 #include "platform/linux/installation/linux_installation.h"
@@ -17,9 +18,11 @@
 #include "platform/qt/qt_http_client.h"
 #include "platform/qt/qt_worker_thread.h"
 #include "platform/qt/settings_user_defaults.h"
+#include "platform/qt_widgets/qt_key_capture.h"
 #include "platform/qt_widgets/tray_status_item.h"
 #include "program/desktop_adapters.h"
 #include "program/quit_signals.h"
+#include "program/window_parts.h"
 #include "state/app_state.h"
 #include "transcription/endpoint_file.h"
 #include "transcription/transcription_service.h"
@@ -43,7 +46,6 @@ public:
 
 private:
     AppState::Makers makers();
-    QtAppWindows::Contents contents();
     void launch();
     void sayHow(const DictationHotkeys& hotkeys, const QStringList& complaints);
     void report(const DictationState& state);
@@ -68,6 +70,9 @@ private:
     AppState m_state;
 
     TrayStatusItem m_statusItem;
+    QtKeyCapture m_keyCapture;
+    UncapturedKeyEvents m_keyboard;
+    WindowParts m_windowParts;
     QtAppWindows m_windows;
     QtApplicationShell m_shell;
     LinuxInstallation m_installation;

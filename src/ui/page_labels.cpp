@@ -2,6 +2,8 @@
 
 #include <QProgressBar>
 
+#include "ui/ink.h"
+
 namespace quietlark {
 
 QLabel* makePlainLabel(const QString& text) {
@@ -24,6 +26,14 @@ QLabel* makeTitle(const QString& text) {
     QFont font = label->font();
     font.setPointSizeF(font.pointSizeF() * 1.4);
     label->setFont(font);
+    return label;
+}
+
+QLabel* makeCaption(const QString& text) {
+    QLabel* label = makePlainLabel(text);
+    QPalette palette = label->palette();
+    palette.setColor(QPalette::WindowText, secondaryText(palette));
+    label->setPalette(palette);
     return label;
 }
 

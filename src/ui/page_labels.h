@@ -13,6 +13,9 @@ namespace quietlark {
 /// The same, larger still, above a page.
 [[nodiscard]] QLabel* makeTitle(const QString& text);
 
+/// The same with less weight, below a heading.
+[[nodiscard]] QLabel* makeCaption(const QString& text);
+
 /// A narrow bar that says that something is going on.
 [[nodiscard]] QWidget* makeBusyBar();
 

@@ -10,23 +10,35 @@
 #include <QVBoxLayout>
 
 #include "ui/menu_actions.h"
+#include "ui/prefs_view.h"
 
 namespace quietlark {
 
 namespace {
 
-/// Frame and size as the style says, in the middle of the screen that the user is at.
+constexpr QSize prefsContentSize(580, 400);  // points
+constexpr int margin = 20;                   // points
+
+/// In the middle of the screen that the user is at.
+void moveToUser(QWidget& window) {
+    const QScreen* screen = QGuiApplication::screenAt(QCursor::pos());
+    if (!screen) screen = QGuiApplication::primaryScreen();
+    if (!screen) return;
+    QRect place(QPoint(), window.size());
+    place.moveCenter(screen->availableGeometry().center());
+    window.move(place.topLeft());
+}
+
+/// Frame and size as the style says; larger only where the user's font or language needs it.
 void frame(QWidget& window, const WindowStyle& style) {
     window.setWindowTitle(style.title);
     window.setWindowFlag(Qt::WindowStaysOnTopHint, style.isFloating);
     window.setWindowFlag(Qt::WindowMaximizeButtonHint, false);
-    window.setFixedSize(style.contentSize);
-    const QScreen* screen = QGuiApplication::screenAt(QCursor::pos());
-    if (!screen) screen = QGuiApplication::primaryScreen();
-    if (!screen) return;
-    QRect place(QPoint(), style.contentSize);
-    place.moveCenter(screen->availableGeometry().center());
-    window.move(place.topLeft());
+    const int width = std::max(style.contentSize.width(), window.minimumSizeHint().width());
+    const int height = std::max({style.contentSize.height(), window.minimumSizeHint().height(),
+                                 window.heightForWidth(width)});
+    window.setFixedSize(width, height);
+    moveToUser(window);
 }
 
 }  // namespace
@@ -45,6 +57,7 @@ void QtAppWindows::show(Kind kind) {
 }
 
 void QtAppWindows::showServerTab() {
+    windowFor(Kind::preferences).findChild<PrefsView*>()->select(PrefsTab::server);
     show(Kind::preferences);
 }
 
@@ -89,6 +102,7 @@ QWidget& QtAppWindows::windowFor(Kind kind) {
 std::unique_ptr<QWidget> QtAppWindows::makeWindow(Kind kind) {
     auto window = std::make_unique<QWidget>();
     auto* layout = new QVBoxLayout(window.get());
+    layout->setContentsMargins(margin, margin, margin, margin);
     switch (kind) {
         case Kind::onboarding:
             layout->addWidget(m_contents.onboarding());
@@ -99,8 +113,10 @@ std::unique_ptr<QWidget> QtAppWindows::makeWindow(Kind kind) {
             frame(*window, permissionsAlertStyle());
             break;
         case Kind::preferences:
+            // Its tabs reach from edge to edge.
+            layout->setContentsMargins({});
             layout->addWidget(m_contents.preferences());
-            window->setWindowTitle(tr("Quietlark Preferences"));
+            frame(*window, {tr("Quietlark"), prefsContentSize});
             break;
     }
     return window;

@@ -11,6 +11,8 @@
 
 namespace quietlark {
 
+class PrefsView;
+
 /// The application's windows as widgets. Each is made when it is first shown and kept until it is
 /// dropped.
 class QtAppWindows final : public AppWindows {
@@ -21,7 +23,7 @@ public:
     struct Contents {
         std::function<QWidget*()> onboarding;
         std::function<QWidget*()> permissionsAlert;
-        std::function<QWidget*()> preferences;
+        std::function<PrefsView*()> preferences;
     };
 
     explicit QtAppWindows(Contents contents);

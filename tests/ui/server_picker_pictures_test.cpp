@@ -1,61 +1,20 @@
-#include <QDir>
-#include <QPalette>
-#include <QPixmap>
-
+#include "ui/look.h"
 #include "ui/picker_view_fixture.h"
 
 namespace quietlark {
 namespace {
 
-QPalette darkPalette() {
-    QPalette palette(QColor(0x35, 0x35, 0x35), QColor(0x2b, 0x2b, 0x2b));
-    palette.setColor(QPalette::Base, QColor(0x1e, 0x1e, 0x1e));
-    palette.setColor(QPalette::Highlight, QColor(0x35, 0x84, 0xe4));
-    palette.setColor(QPalette::PlaceholderText, QColor(0x9a, 0x9a, 0x9a));
-    return palette;
-}
-
-QPalette lightPalette() {
-    QPalette palette(QColor(0xef, 0xef, 0xef));
-    palette.setColor(QPalette::Highlight, QColor(0x30, 0x8c, 0xc6));
-    palette.setColor(QPalette::HighlightedText, Qt::white);
-    return palette;
-}
-
-/// How the window is drawn; one picture of each state for each.
-struct Look {
-    const char* name;
-    QPalette (*palette)();
-    Qt::LayoutDirection direction;
-};
-
-/// Draws every state. The pictures are kept in the directory that QUIETLARK_PICTURES names, to be
-/// looked at; without it they are only drawn. QT_SCALE_FACTOR=2 draws them for a sharper screen.
 class ServerPickerPicturesTest : public PickerViewFixture,
                                  public testing::WithParamInterface<Look> {
 protected:
-    ServerPickerPicturesTest() {
-        QApplication::setPalette(GetParam().palette());
-        QApplication::setLayoutDirection(GetParam().direction);
-    }
-    ~ServerPickerPicturesTest() override {
-        close();
-        QApplication::setPalette(m_palette);
-        QApplication::setLayoutDirection(Qt::LeftToRight);
-    }
+    ~ServerPickerPicturesTest() override { close(); }
 
-    void take(const char* name) {
-        const QPixmap picture = view().grab();
-        EXPECT_FALSE(picture.isNull());
-        const QString path = qEnvironmentVariable("QUIETLARK_PICTURES");
-        if (path.isEmpty()) return;
-        const QString file = text(GetParam().name) + u'-' + text(name) + text(".png");
-        ASSERT_TRUE(QDir().mkpath(path));
-        EXPECT_TRUE(picture.save(QDir(path).filePath(file)));
+    void take(const char* state) {
+        takePicture(view(), QStringLiteral("server-picker-") + text(state), GetParam());
     }
 
 private:
-    const QPalette m_palette = QApplication::palette();
+    const LookInForce m_look{GetParam()};
 };
 
 TEST_P(ServerPickerPicturesTest, CardsBeforeAndAfterTheInitialScan) {
@@ -120,11 +79,7 @@ TEST_P(ServerPickerPicturesTest, TheAddressAndItsCheck) {
     take("manual-connected");
 }
 
-INSTANTIATE_TEST_SUITE_P(Looks, ServerPickerPicturesTest,
-                         testing::Values(Look{"Light", lightPalette, Qt::LeftToRight},
-                                         Look{"Dark", darkPalette, Qt::LeftToRight},
-                                         Look{"RightToLeft", lightPalette, Qt::RightToLeft}),
-                         [](const auto& test) { return std::string(test.param.name); });
+INSTANTIATE_TEST_SUITE_P(Looks, ServerPickerPicturesTest, testing::ValuesIn(looks), nameOfLook);
 
 }  // namespace
 }  // namespace quietlark

@@ -1,0 +1,58 @@
+#include "screens/done_step_texts.h"
+
+#include <algorithm>
+
+#include <QCoreApplication>
+
+#include "hotkeys/hotkey_display.h"
+#include "picker/network_text.h"
+#include "servers/server_ranker.h"
+
+namespace quietlark {
+
+namespace {
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(DoneStepTexts)
+};
+
+/// How long transcribing takes, such as "2.0x" as long as the recording.
+QString lengthMultiple(double rtf) {
+    return QString::number(1 / rtf, 'f', 1) + u'x';
+}
+
+}  // namespace
+
+QString invocationHint(const Config& config) {
+    const QString hold = config.hotkey.trimmed();
+    if (!hold.isEmpty()) return Texts::tr("hold %1").arg(HotkeyDisplay::displayJoined(hold));
+    const QString toggle = config.toggleHotkey.trimmed();
+    if (!toggle.isEmpty()) return Texts::tr("press %1").arg(HotkeyDisplay::displayJoined(toggle));
+    return Texts::tr("press your hotkey");
+}
+
+std::optional<QString> slowLocalNote(std::optional<double> measuredRTF) {
+    if (!measuredRTF || !(*measuredRTF < slowThreshold)) return std::nullopt;
+    return Texts::tr(
+               "Your machine takes about %1 the audio length to transcribe. You can switch "
+               "to a faster server later in Preferences.")
+        .arg(lengthMultiple(*measuredRTF));
+}
+
+std::optional<QString> slowRemoteNote(const QString& instance,
+                                      const std::vector<MDNSBrowser::Entry>& remotes,
+                                      const HardwareProfile& hardware) {
+    constexpr qsizetype maxShownLength = 100;
+    const auto server = std::ranges::find(remotes, instance, &MDNSBrowser::Entry::name);
+    if (server == remotes.end() || !server->rtf || !(*server->rtf < slowThreshold))
+        return std::nullopt;
+    const auto& variant = hardware.appleSiliconVariant();
+    const auto own = variant ? variant->estimatedRTF() : std::nullopt;
+    if (!own || !(*own > ServerRanker::fasterFrom * *server->rtf)) return std::nullopt;
+    return Texts::tr(
+               "%1 takes about %2 the audio length to transcribe. You can switch to this Mac "
+               "later in Preferences.")
+        .arg(shownNetworkText(server->name, maxShownLength), lengthMultiple(*server->rtf));
+}
+
+}  // namespace quietlark

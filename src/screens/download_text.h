@@ -1,0 +1,26 @@
+#pragma once
+
+#include <optional>
+
+#include <QString>
+
+#include "local_server/model_downloader.h"
+
+namespace quietlark {
+
+/// How the model's download goes, for the user.
+struct DownloadText {
+    QString text;                ///< empty while there is a percentage to show, and at the end
+    std::optional<int> percent;  ///< of a download under way whose size is known
+
+    /// `progress` is from 0 to 1.
+    [[nodiscard]] static DownloadText of(const ModelDownloader::State& state,
+                                         std::optional<double> progress);
+
+    bool operator==(const DownloadText&) const = default;
+};
+
+/// From 0 to 100, of a share from 0 to 1; a half goes to the even neighbour, as printf does it.
+[[nodiscard]] int percentOf(double share);
+
+}  // namespace quietlark

@@ -1,0 +1,33 @@
+#include "ui/download_view.h"
+
+#include <QLabel>
+#include <QProgressBar>
+#include <QVBoxLayout>
+
+#include "screens/download_text.h"
+#include "ui/page_labels.h"
+
+namespace quietlark {
+
+DownloadView::DownloadView(ModelDownloader& downloader)
+    : m_downloader(downloader), m_bar(new QProgressBar), m_text(makeCaption({})) {
+    m_text->setAlignment(Qt::AlignCenter);
+    m_bar->setAccessibleName(tr("Model download"));
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins({});
+    layout->addWidget(m_bar);
+    layout->addWidget(m_text);
+    connect(&m_downloader, &ModelDownloader::stateChanged, this, &DownloadView::refresh);
+    connect(&m_downloader, &ModelDownloader::progressChanged, this, &DownloadView::refresh);
+    refresh();
+}
+
+void DownloadView::refresh() {
+    const auto shown = DownloadText::of(m_downloader.state(), m_downloader.progress());
+    m_bar->setVisible(shown.percent.has_value());
+    m_bar->setValue(shown.percent.value_or(0));
+    m_text->setVisible(!shown.text.isEmpty());
+    m_text->setText(shown.text);
+}
+
+}  // namespace quietlark

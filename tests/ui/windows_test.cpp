@@ -1,0 +1,186 @@
+#include <QPlainTextEdit>
+
+#include "ui/hotkey_capture_view.h"
+#include "ui/windows_fixture.h"
+
+namespace quietlark {
+namespace {
+
+constexpr KeyCode d = 2;
+
+class WindowsTest : public WindowsFixture {
+protected:
+    ~WindowsTest() override { closeAll(); }
+
+    QWidget& openOnboarding(int step, Config config = {}) {
+        config.onboardingStep = step;
+        config.onboardingComplete = false;
+        saved(config);
+        return open(Kind::onboarding);
+    }
+
+    PrefsView& prefs() { return *open(Kind::preferences).findChild<PrefsView*>(); }
+
+    QList<HotkeyCaptureView*> fields() {
+        QList<HotkeyCaptureView*> visible = shown().findChildren<HotkeyCaptureView*>();
+        visible.removeIf([](const HotkeyCaptureView* field) { return !field->isVisible(); });
+        return visible;
+    }
+};
+
+TEST_F(WindowsTest, TheAlertListsWhatIsMissingAndShrinksAsItIsGranted) {
+    open(Kind::permissionsAlert);
+    EXPECT_TRUE(reads("Quietlark needs your permission"));
+    EXPECT_TRUE(button("Grant: Microphone"));
+    privacy.grant(PrivacyGrant::Microphone);
+    scheduler.advance(PermissionPoll::interval);
+    EXPECT_FALSE(button("Grant: Microphone"));
+    EXPECT_TRUE(button("Grant: Accessibility"));
+    EXPECT_EQ(timesAllGranted, 0);
+    grantAll();
+    scheduler.advance(PermissionPoll::interval);
+    EXPECT_EQ(timesAllGranted, 1);
+}
+
+TEST_F(WindowsTest, TheAlertLooksNoMoreOnceItIsClosed) {
+    open(Kind::permissionsAlert).close();
+    grantAll();
+    scheduler.advance(PermissionPoll::interval * 2);
+    EXPECT_EQ(timesAllGranted, 0);
+}
+
+TEST_F(WindowsTest, AGrantButtonKeepsTheFocusWhenAnotherRowGoes) {
+    open(Kind::permissionsAlert);
+    button("Grant: Accessibility")->setFocus();
+    privacy.grant(PrivacyGrant::Microphone);
+    scheduler.advance(PermissionPoll::interval);
+    EXPECT_EQ(QApplication::focusWidget(), button("Grant: Accessibility"));
+}
+
+TEST_F(WindowsTest, TheWizardIsWalkedThroughByReturnAlone) {
+    grantAll();
+    openOnboarding(OnboardingModel::welcomeStep);
+    press(Qt::Key_Return);
+    EXPECT_TRUE(reads("Where should Quietlark transcribe?"));
+    installModel();
+    service.current = ServiceStatus::enabled;
+    press(Qt::Key_Return);
+    EXPECT_TRUE(reads("Grant permissions"));
+    press(Qt::Key_Return);
+    EXPECT_TRUE(reads("Pick your hotkeys"));
+    serverPublishesItsEndpoint();
+    serverAnswersAt("http://127.0.0.1:9000");
+    press(Qt::Key_Return);
+    network.runAnswers();
+    EXPECT_TRUE(reads("You're all set!"));
+    press(Qt::Key_Return);
+    EXPECT_EQ(onboardingsFinished, 1);
+    EXPECT_TRUE(state().config().onboardingComplete);
+}
+
+TEST_F(WindowsTest, ReturnDoesNotPassAStepThatIsNotComplete) {
+    openOnboarding(OnboardingModel::permissionsStep);
+    EXPECT_FALSE(button("Next")->isEnabled());
+    QTest::keyClick(&shown(), Qt::Key_Return);
+    EXPECT_TRUE(reads("Grant permissions"));
+}
+
+TEST_F(WindowsTest, TheWizardReopensAtTheStepItWasClosedAt) {
+    openOnboarding(OnboardingModel::hotkeyStep);
+    QTest::mouseClick(button("Back"), Qt::LeftButton);
+    windows().close(Kind::onboarding);
+    open(Kind::onboarding);
+    EXPECT_TRUE(reads("Grant permissions"));
+}
+
+TEST_F(WindowsTest, TheTrialBoxTakesText) {
+    serverAnswersAt("http://box:8080");
+    openOnboarding(OnboardingModel::doneStep, manualRemote());
+    network.runAnswers();
+    auto* box = shown().findChild<QPlainTextEdit*>();
+    QTest::mouseClick(box->viewport(), Qt::LeftButton);
+    QTest::keyClicks(QApplication::focusWidget(), text("hello"));
+    press(Qt::Key_Return);
+    EXPECT_EQ(box->toPlainText(), text("hello\n"));
+    EXPECT_EQ(onboardingsFinished, 0);
+}
+
+TEST_F(WindowsTest, PreferencesComeForwardOnTheTabThatWasLastSelected) {
+    prefs().select(PrefsTab::hotkey);
+    EXPECT_EQ(prefs().selected(), PrefsTab::hotkey);
+}
+
+TEST_F(WindowsTest, TheServerTabIsShownWhereItIsAskedFor) {
+    prefs();
+    windows().showServerTab();
+    EXPECT_EQ(prefs().selected(), PrefsTab::server);
+}
+
+TEST_F(WindowsTest, TheToggleHotkeyCanBeClearedAndTheHoldHotkeyCannot) {
+    Config config = manualRemote();
+    config.toggleHotkey = text("f5");
+    saved(config);
+    prefs().select(PrefsTab::hotkey);
+    for (HotkeyCaptureView* field : fields()) {
+        field->click();
+        keyCapture.press(key_code::deleteBackward);
+    }
+    EXPECT_EQ(Config::load(files.config).hotkey, config.hotkey);
+    EXPECT_EQ(Config::load(files.config).toggleHotkey, QString());
+}
+
+TEST_F(WindowsTest, ACapturedHotkeyIsStoredAtOnce) {
+    prefs().select(PrefsTab::hotkey);
+    QTest::mouseClick(fields().first(), Qt::LeftButton);
+    EXPECT_TRUE(reads("(Esc to cancel, Delete to clear)"));
+    keyCapture.press(d, modifier::control | modifier::shift);
+    EXPECT_FALSE(reads("(Esc to cancel, Delete to clear)"));
+    EXPECT_EQ(Config::load(files.config).hotkey, text("ctrl+shift+d"));
+}
+
+TEST_F(WindowsTest, ClickingTheSecondFieldEndsTheCaptureOfTheFirst) {
+    prefs().select(PrefsTab::hotkey);
+    fields().first()->click();
+    fields().last()->click();
+    EXPECT_FALSE(fields().first()->capture().isCapturing());
+    EXPECT_TRUE(fields().last()->capture().isCapturing());
+}
+
+TEST_F(WindowsTest, ACaptureEndsWithItsWindow) {
+    prefs().select(PrefsTab::hotkey);
+    fields().first()->click();
+    shown().close();
+    EXPECT_FALSE(keyCapture.holdsKeys());
+}
+
+TEST_F(WindowsTest, TheLaunchSwitchGoesBackWhereTheDesktopRefuses) {
+    loginItem.failure = ServiceError{text("No.")};
+    prefs();
+    auto* launch = qobject_cast<QCheckBox*>(button("Launch at login"));
+    launch->click();
+    EXPECT_FALSE(launch->isChecked());
+}
+
+TEST_F(WindowsTest, TheChoiceOfAServerEndsWithTheSummary) {
+    saved(manualRemote());
+    windows().showServerTab();
+    button("Change Server…")->click();
+    EXPECT_TRUE(reads("Where should Quietlark transcribe?"));
+    button("Cancel")->click();
+    EXPECT_TRUE(button("Change Server…"));
+}
+
+TEST_F(WindowsTest, EverythingThatTakesTheFocusHasAName) {
+    for (const int step : {0, 1, 2, 3, 4}) {
+        openOnboarding(step);
+        for (const QWidget* widget : shown().findChildren<QWidget*>()) {
+            const auto* named = qobject_cast<const QAbstractButton*>(widget);
+            if (!named || !named->isVisible() || named->focusPolicy() == Qt::NoFocus) continue;
+            EXPECT_FALSE(named->text().isEmpty() && named->accessibleName().isEmpty());
+        }
+        windows().close(Kind::onboarding);
+    }
+}
+
+}  // namespace
+}  // namespace quietlark
