@@ -23,7 +23,7 @@ BackgroundModelFetcher::BackgroundModelFetcher(ModelSource source, ModelFiles fi
       m_makeHttp(std::move(makeHttp)) {}
 
 Cancellable BackgroundModelFetcher::fetch(Handlers handlers) {
-    const auto attempt = std::make_shared<Attempt>();
+    auto attempt = std::make_shared<Attempt>();
     auto listener = std::make_shared<Handlers>(std::move(handlers));
     m_worker.post([attempt, source = m_source, files = m_files, makeHttp = m_makeHttp,
                    worker = &m_worker, relay = relayTo(listener)] {

@@ -6,7 +6,9 @@
 #include <QFile>
 #include <arpa/inet.h>
 #include <fcntl.h>
+#include <linux/sockios.h>
 #include <netinet/in.h>
+#include <sys/ioctl.h>
 #include <sys/sendfile.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -26,9 +28,6 @@ qint64 sizeOf(int file) {
 
 int listenOnLoopback() {
     const int listener = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    // Little waits in the kernel, so that what was sent is about what was received.
-    const int bufferBytes = 128 * 1024;
-    ::setsockopt(listener, SOL_SOCKET, SO_SNDBUF, &bufferBytes, sizeof bufferBytes);
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
@@ -64,6 +63,13 @@ QByteArray readHead(int connection) {
         head.append(bytes, count);
     }
     return head;
+}
+
+/// Of what was sent, as far as the other side has not acknowledged it.
+qint64 bytesOnTheWay(int connection) {
+    int bytes = 0;
+    ::ioctl(connection, SIOCOUTQ, &bytes);
+    return bytes;
 }
 
 bool sendText(int connection, const QByteArray& text) {
@@ -154,7 +160,7 @@ void FileServer::answer(int connection, const QByteArray& head) {
         constexpr size_t pieceBytes = 256 * 1024;
         if (::sendfile(connection, m_file, &position, pieceBytes) <= 0) break;
     }
-    recordEnd(index, position - firstByte);
+    recordEnd(index, std::max<qint64>(0, position - firstByte - bytesOnTheWay(connection)));
 }
 
 std::size_t FileServer::record(qint64 firstByte) {
@@ -163,9 +169,9 @@ std::size_t FileServer::record(qint64 firstByte) {
     return m_answers.size() - 1;
 }
 
-void FileServer::recordEnd(std::size_t index, qint64 sentBytes) {
+void FileServer::recordEnd(std::size_t index, qint64 acknowledgedBytes) {
     const std::lock_guard lock(m_mutex);
-    m_answers[index].sentBytes = sentBytes;
+    m_answers[index].acknowledgedBytes = acknowledgedBytes;
 }
 
 }  // namespace quietlark

@@ -16,7 +16,8 @@ class FileServer {
 public:
     struct Answer {
         qint64 firstByte = 0;  ///< of the file
-        qint64 sentBytes = 0;  ///< of its body; set once it has ended
+        /// Of its body, by the client's system; set once it has ended.
+        qint64 acknowledgedBytes = 0;
     };
 
     /// Serves the file at `path`, whatever the request's own path is.
@@ -39,7 +40,7 @@ private:
     void serve(int connection);
     void answer(int connection, const QByteArray& head);
     [[nodiscard]] std::size_t record(qint64 firstByte);
-    void recordEnd(std::size_t index, qint64 sentBytes);
+    void recordEnd(std::size_t index, qint64 acknowledgedBytes);
 
     int m_file;
     qint64 m_fileBytes;

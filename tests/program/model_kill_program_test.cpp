@@ -36,19 +36,26 @@ protected:
     [[nodiscard]] qint64 bytesThere() const {
         return std::max(QFile(m_files.received()).size(), QFile(m_files.partial()).size());
     }
-    /// Where the answers began that have been given since the last call.
-    [[nodiscard]] std::vector<qint64> newBeginnings() {
-        std::vector<qint64> beginnings;
+    /// Looks at the answers that were given to the program that has just ended, and which had found
+    /// so many bytes.
+    void count(qint64 bytesFound) {
+        ASSERT_TRUE(waitUntil([this] { return m_server.openConnectionCount() == 0; }));
         const auto answers = m_server.answers();
-        for (; m_seenAnswers < answers.size(); ++m_seenAnswers)
-            beginnings.push_back(answers[m_seenAnswers].firstByte);
-        return beginnings;
+        for (; m_countedAnswers < answers.size(); ++m_countedAnswers) {
+            const auto& answer = answers[m_countedAnswers];
+            m_mostAskedAgain = std::max(m_mostAskedAgain, bytesFound - answer.firstByte);
+            const qint64 sentAgain = m_sentUpTo - answer.firstByte;
+            if (sentAgain > mebibyte) ++m_costlyKills;
+            m_mostSentAgain = std::max(m_mostSentAgain, sentAgain);
+            m_sentUpTo = answer.firstByte + answer.acknowledgedBytes;
+        }
     }
     /// That whatever is installed is the model; makes room for the next.
     void takeModel() {
         if (!m_files.isInstalled()) return;
         EXPECT_EQ(read(m_files.active()), m_model);
         QFile::remove(m_files.active());
+        m_sentUpTo = 0;
         ++m_installCount;
     }
 
@@ -56,7 +63,11 @@ protected:
     const QString m_digest = sha256(m_model);
     QTemporaryDir m_serverHome;
     FileServer m_server;
-    std::size_t m_seenAnswers = 0;
+    std::size_t m_countedAnswers = 0;
+    qint64 m_sentUpTo = 0;  ///< the byte up to which the model has reached this computer
+    qint64 m_mostAskedAgain = 0;
+    qint64 m_mostSentAgain = 0;
+    int m_costlyKills = 0;  ///< after which more than a mebibyte was sent again
     int m_installCount = 0;
 
 private:
@@ -70,13 +81,12 @@ private:
 
 }  // namespace
 
-TEST_F(ModelKillProgramTest, NoMomentInstallsAWrongFileOrCostsMoreThanAMebibyte) {
+TEST_F(ModelKillProgramTest, NoMomentInstallsAWrongFileOrCostsWhatIsOnTheDisk) {
     constexpr int kills = 200;
     const auto seed = std::random_device()();
     std::cout << "seed " << seed << std::endl;
     std::mt19937 random(seed);
     std::uniform_int_distribution<int> milliseconds(0, 40);
-    qint64 mostFetchedAgain = 0;
     for (int killed = 0; killed < kills;) {
         // The digest would hide bytes that were joined wrongly: every second time there is none.
         m_sha256 = killed % 2 == 0 ? m_digest : QString();
@@ -84,17 +94,22 @@ TEST_F(ModelKillProgramTest, NoMomentInstallsAWrongFileOrCostsMoreThanAMebibyte)
         const bool afterRequest = random() % 4 != 0;
         const bool wasKilled =
             killAt(afterRequest, std::chrono::milliseconds(milliseconds(random)));
-        for (const qint64 beginning : newBeginnings())
-            mostFetchedAgain = std::max(mostFetchedAgain, before - beginning);
-        ASSERT_LE(mostFetchedAgain, mebibyte) << "after " << killed << " kills, seed " << seed;
+        count(before);
+        // Nothing that is on the disk is asked for again.
+        ASSERT_LE(m_mostAskedAgain, 0) << "after " << killed << " kills, seed " << seed;
         takeModel();
         if (wasKilled) ++killed;
     }
+    // By the server's count there is also what has reached this computer, but not the program. That
+    // is bounded too, but for a kill within moments of the request: over the loopback interface the
+    // first burst may fill the system's buffer before its size is set.
+    EXPECT_LE(m_costlyKills, kills / 10) << "seed " << seed;
     m_sha256 = m_digest;
     EXPECT_EQ(run(QStringLiteral("download")).exitCode, 0);
     EXPECT_EQ(read(m_files.active()), m_model);
-    std::cout << m_installCount << " installs, at most " << mostFetchedAgain
-              << " bytes fetched again" << std::endl;
+    std::cout << m_installCount << " installs, at most " << m_mostSentAgain
+              << " bytes sent again, more than a mebibyte after " << m_costlyKills << " kills"
+              << std::endl;
 }
 
 }  // namespace quietlark

@@ -8,6 +8,7 @@
 
 #include "platform/qt/network_policy.h"
 #include "platform/qt/transport_failure.h"
+#include "platform/receive_buffers.h"
 
 namespace quietlark {
 
@@ -16,6 +17,8 @@ namespace {
 // What may wait between the network and the handlers. More makes nothing faster, and is lost when
 // the program or the connection is.
 constexpr qint64 bufferBytes = 256 * 1024;
+// Until the system's buffer is bounded: it grows with what is read from it.
+constexpr qint64 firstBufferBytes = 4 * 1024;
 constexpr qint64 pieceBytes = 128 * 1024;
 
 }  // namespace
@@ -54,7 +57,7 @@ void HttpStreamExchange::send(QNetworkAccessManager& manager) {
     for (const auto& [name, value] : m_request.headers)
         request.setRawHeader(name, value);
     m_reply = manager.get(request);
-    m_reply->setReadBufferSize(bufferBytes);
+    m_reply->setReadBufferSize(firstBufferBytes);
     connect(m_reply, &QNetworkReply::metaDataChanged, this, &HttpStreamExchange::takeHead);
     connect(m_reply, &QNetworkReply::readyRead, this, &HttpStreamExchange::takeBody);
     connect(m_reply, &QNetworkReply::finished, this, &HttpStreamExchange::onFinished);
@@ -63,6 +66,9 @@ void HttpStreamExchange::send(QNetworkAccessManager& manager) {
 void HttpStreamExchange::takeHead() {
     if (m_hasHead || statusOf(*m_reply) == 0) return;
     m_hasHead = true;
+    // Qt gives no access to its socket.
+    boundReceiveBuffersOfNearConnections();
+    m_reply->setReadBufferSize(bufferBytes);
     // A copy, as a handler may withdraw, which empties the originals.
     if (const auto onHead = m_handlers.onHead) onHead(head());
 }
