@@ -74,6 +74,12 @@ TEST_F(ModelServerTest, ARedirectToAnAddressThatIsNotForTheWeb) {
     EXPECT_EQ(failure(download()), "file:///etc/passwd is not an address of a web server.");
 }
 
+TEST_F(ModelServerTest, ARedirectWithinTheServerIsNotResolved) {
+    serverDoes(http_reply::answer(302, {}, "Location: /signed\r\n"));
+    EXPECT_EQ(failure(download()), "/signed is not an address of a web server.");
+    EXPECT_EQ(m_server.requests().size(), 1U);
+}
+
 TEST_F(ModelServerTest, AContentLengthThatIsTooLong) {
     serverDoes(
         http_reply::bytesAndClose("HTTP/1.1 200 OK\r\nContent-Length: 4000000\r\n\r\n" + m_model));

@@ -27,6 +27,11 @@ protected:
     Outcome run(const QString& action) {
         return run(QStringLiteral(QUIETLARK_PROGRAM), {QStringLiteral("model"), action});
     }
+    /// Why runWithMounts() cannot work here; empty when it can.
+    [[nodiscard]] std::string whyNoMounts() {
+        const Outcome outcome = runWithMounts("mount -t tmpfs tmpfs \"$2\"");
+        return outcome.exitCode == 0 ? std::string() : outcome.messages.toStdString();
+    }
     /// A shell script, with the program and the home as its first two arguments, in which file
     /// systems may be mounted: nobody else sees them.
     Outcome runWithMounts(const char* script) {

@@ -2,6 +2,7 @@
 
 #include "peers/http_server.h"
 #include "program/model_program_fixture.h"
+#include "program/terminal_session.h"
 
 namespace quietlark {
 
@@ -27,6 +28,15 @@ protected:
 
     const QByteArray m_model = someBytes(4 * mebibyte);
     HttpServer m_server;
+};
+
+/// On disks of their own, which takes the right to mount them.
+class ModelDiskProgramTest : public ModelProgramTest {
+protected:
+    void SetUp() override {
+        const std::string reason = whyNoMounts();
+        if (!reason.empty()) GTEST_SKIP() << "no disk of one's own: " << reason;
+    }
 };
 
 }  // namespace
@@ -98,7 +108,44 @@ TEST_F(ModelProgramTest, AnInterruptIsACancellationAndTheNextCallContinues) {
     EXPECT_EQ(read(m_files.active()), m_model);
 }
 
-TEST_F(ModelProgramTest, AFullDiskIsASentence) {
+TEST_F(ModelProgramTest, ATerminalShowsABarThatGivesWayToTheResult) {
+    serverDoes(answer());
+    TerminalSession terminal(QStringLiteral(QUIETLARK_PROGRAM), {"model", "download"},
+                             environment());
+    ASSERT_TRUE(waitUntil([&] { return terminal.hasEnded(); }));
+    EXPECT_EQ(terminal.exitCode(), 0);
+    EXPECT_TRUE(terminal.output().startsWith("\r[")) << terminal.output().toStdString();
+    EXPECT_TRUE(terminal.output().contains(" of 4.2 MB\x1b[K"));
+    EXPECT_TRUE(terminal.output().endsWith("\r\x1b[K" + m_files.active().toUtf8() + "\r\n"));
+}
+
+TEST_F(ModelProgramTest, TheBarFitsTheTerminal) {
+    serverDoes(answer());
+    TerminalSession terminal(QStringLiteral(QUIETLARK_PROGRAM), {"model", "download"},
+                             environment());
+    ASSERT_TRUE(waitUntil([&] { return terminal.hasEnded(); }));
+    const QByteArray bar = terminal.output().split('\r').at(1);
+    EXPECT_TRUE(bar.startsWith('[')) << bar.toStdString();
+    EXPECT_LT(bar.indexOf("\x1b[K"), TerminalSession::columns) << bar.toStdString();
+}
+
+TEST_F(ModelProgramTest, ControlCOnATerminalIsACancellationAndTheNextCallContinues) {
+    serverDoes(half());
+    TerminalSession terminal(QStringLiteral(QUIETLARK_PROGRAM), {"model", "download"},
+                             environment());
+    ASSERT_TRUE(waitUntil([this] { return QFile(m_files.received()).size() == 2 * mebibyte; }));
+    terminal.type("\x03");
+    ASSERT_TRUE(waitUntil([&] { return terminal.hasEnded(); }));
+    EXPECT_EQ(terminal.exitCode(), 1);
+    EXPECT_TRUE(terminal.output().endsWith(
+        "\r\x1b[Kquietlark: Stopped; the next download continues from here.\r\n"))
+        << terminal.output().toStdString();
+    serverDoes(answer());
+    EXPECT_EQ(run(QStringLiteral("download")).exitCode, 0);
+    EXPECT_EQ(m_server.requests().back().header("Range"), "bytes=2097152-");
+}
+
+TEST_F(ModelDiskProgramTest, AFullDiskIsASentence) {
     // Nobody can tell beforehand when the server does not say the length.
     serverDoes(http_reply::bytesAndClose("HTTP/1.1 200 OK\r\nETag: \"one\"\r\n\r\n" + m_model));
     const Outcome outcome = runWithMounts(
@@ -112,7 +159,7 @@ TEST_F(ModelProgramTest, AFullDiskIsASentence) {
     EXPECT_FALSE(outcome.results.contains("active.bin\n"));
 }
 
-TEST_F(ModelProgramTest, AFullDiskDoesNotCostWhatIsThere) {
+TEST_F(ModelDiskProgramTest, AFullDiskDoesNotCostWhatIsThere) {
     serverDoes(http_reply::bytesAndClose("HTTP/1.1 200 OK\r\nETag: \"one\"\r\n\r\n" + m_model));
     const Outcome outcome = runWithMounts(
         "mount -t tmpfs -o size=2m tmpfs \"$2\"\n"
@@ -125,7 +172,7 @@ TEST_F(ModelProgramTest, AFullDiskDoesNotCostWhatIsThere) {
     EXPECT_TRUE(outcome.results.contains("state=installed")) << outcome.messages.toStdString();
 }
 
-TEST_F(ModelProgramTest, TooLittleSpaceIsASentenceBeforeTheDownload) {
+TEST_F(ModelDiskProgramTest, TooLittleSpaceIsASentenceBeforeTheDownload) {
     serverDoes(answer());
     const Outcome outcome = runWithMounts(
         "mount -t tmpfs -o size=2m tmpfs \"$2\"\n"
@@ -136,7 +183,7 @@ TEST_F(ModelProgramTest, TooLittleSpaceIsASentenceBeforeTheDownload) {
         << outcome.messages.toStdString();
 }
 
-TEST_F(ModelProgramTest, AModelsDirectoryThatCannotBeWrittenIsASentence) {
+TEST_F(ModelDiskProgramTest, AModelsDirectoryThatCannotBeWrittenIsASentence) {
     serverDoes(answer());
     const Outcome outcome = runWithMounts(
         "mount -t tmpfs tmpfs \"$2\"\n"
@@ -147,7 +194,7 @@ TEST_F(ModelProgramTest, AModelsDirectoryThatCannotBeWrittenIsASentence) {
     EXPECT_EQ(outcome.messages, "quietlark: Install failed: Read-only file system\n");
 }
 
-TEST_F(ModelProgramTest, AModelsDirectoryThatCannotBeMadeIsASentence) {
+TEST_F(ModelDiskProgramTest, AModelsDirectoryThatCannotBeMadeIsASentence) {
     serverDoes(answer());
     const Outcome outcome = runWithMounts(
         "mount -t tmpfs tmpfs \"$2\"\n"
