@@ -34,6 +34,7 @@
 #include "program/examination.h"
 #include "program/quit_signals.h"
 #include "program/single_instance.h"
+#include "program/wording.h"
 #include "servers/hardware_profile.h"
 #include "servers/server_ranker.h"
 #include "transcription/endpoint_file.h"
@@ -187,6 +188,7 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
 int main(int argc, char** argv) {
     const auto application = quietlark::makeApplication(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Quietlark"));
+    quietlark::useWordingOfThisSystem(*application);
     const auto invocation = quietlark::parseCommandLine(QCoreApplication::arguments());
     return std::visit(quietlark::Dispatcher{}, invocation);
 }
