@@ -66,17 +66,11 @@ Application::Application(SessionBusService& service, Console& console)
       m_installation(QCoreApplication::applicationFilePath(), QDir::homePath(),
                      qEnvironmentVariable("QUIETLARK_APPLICATIONS")),
       m_defaults(defaultsPath()),
-      m_delegate(m_state, {m_statusItem, m_windows, m_shell},
-                 {m_keyboard, m_desktop.permissions, m_installation, m_defaults}, m_notifications,
-                 m_desktop.scheduler),
       m_gate(m_desktop.scheduler) {
     connect(&m_desktop.keyConnection, &X11KeyConnection::displayLost, this,
             &Application::endWithoutDisplay);
     connect(&m_quitSignals, &QuitSignals::quitRequested, qApp, &QCoreApplication::quit);
-    connect(&m_delegate, &AppDelegate::hotkeysLoaded, this, &Application::sayHow);
     connect(&m_state.dictation(), &Dictation::onStateChange, this, &Application::report);
-    connect(&m_service, &SessionBusService::reopenRequested, &m_delegate,
-            [this] { m_delegate.applicationShouldHandleReopen(m_windows.isAnyVisible()); });
     connect(&m_windowParts, &WindowParts::onboardingFinished, &m_windows,
             &AppWindows::onboardingFinished);
     connect(&m_windowParts, &WindowParts::allPermissionsGranted, &m_windows,
@@ -127,7 +121,15 @@ AppState::Makers Application::makers() {
 }
 
 void Application::launch() {
-    m_delegate.applicationDidFinishLaunching();
+    // Not before, because it compares with what it has found of the desktop first.
+    m_delegate.emplace(
+        m_state, AppDelegate::Desktop{m_statusItem, m_windows, m_shell},
+        AppDelegate::Computer{m_keyboard, m_desktop.permissions, m_installation, m_defaults},
+        m_notifications, m_desktop.scheduler);
+    connect(&*m_delegate, &AppDelegate::hotkeysLoaded, this, &Application::sayHow);
+    connect(&m_service, &SessionBusService::reopenRequested, &*m_delegate,
+            [this] { m_delegate->applicationShouldHandleReopen(m_windows.isAnyVisible()); });
+    m_delegate->applicationDidFinishLaunching();
     const auto explanations = m_desktop.permissions.explanations();
     for (const auto& explanation : {explanations.microphone, explanations.inputMonitoring,
                                     explanations.accessibility, explanations.localNetwork}) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include <QObject>
 
 #include "app/app_delegate.h"
@@ -77,7 +79,7 @@ private:
     QtApplicationShell m_shell;
     LinuxInstallation m_installation;
     SettingsUserDefaults m_defaults;
-    AppDelegate m_delegate;
+    std::optional<AppDelegate> m_delegate;  ///< from the launch on
     LaunchGate m_gate;
     QString m_saidHow;
 };
