@@ -4,6 +4,12 @@
 # shellcheck source=support.sh
 . "$(dirname "$0")/support.sh"
 
+# Where something is missing from the start, nothing can be lost.
+[ -n "$network_id" ] || {
+    echo 'skipped: a network of its own needs namespaces, and these need root'
+    exit 77
+}
+
 permissions_alert_is_open() {
     xdotool search --onlyvisible --name 'Quietlark needs permissions'
 }
@@ -44,11 +50,9 @@ start_window_manager
 wait_until 30 icon_is_in_tray || fail 'The icon is not in the tray again.'
 dictate_again 'hello worldopen the door' 'turn off the light'
 
-if [ "$(id -u)" = 0 ]; then
-    restarted='Avahi'
-    end "$network_id"
-    start_network
-    wait_until 30 "$bin/quietlark" doctor || fail 'The network is not seen again.'
-    dictate_again 'hello worldopen the doorturn off the light' 'hello how are you'
-fi
+restarted='Avahi'
+end "$network_id"
+start_network
+wait_until 30 "$bin/quietlark" doctor || fail 'The network is not seen again.'
+dictate_again 'hello worldopen the doorturn off the light' 'hello how are you'
 is_running "$quietlark_id" || fail 'Quietlark is no longer running.'
