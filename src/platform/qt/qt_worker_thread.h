@@ -1,8 +1,11 @@
 #pragma once
 
-#include <QThread>
+#include <optional>
+#include <thread>
 
 #include "platform/qt/qt_scheduler.h"
+
+class QEventLoop;
 
 namespace quietlark {
 
@@ -10,17 +13,20 @@ namespace quietlark {
 class QtWorkerThread {
 public:
     QtWorkerThread();
-    /// Waits until everything that was posted has run.
+    /// Waits until everything that was posted has run and the thread has ended, with whatever
+    /// libraries keep for each thread.
     ~QtWorkerThread();
     QtWorkerThread(const QtWorkerThread&) = delete;
     QtWorkerThread& operator=(const QtWorkerThread&) = delete;
 
     /// Runs on the thread what is posted to it; its other operations are for the thread itself.
-    [[nodiscard]] Scheduler& scheduler() { return m_scheduler; }
+    [[nodiscard]] Scheduler& scheduler() { return *m_scheduler; }
 
 private:
-    QThread m_thread;
-    QtScheduler m_scheduler{m_thread};
+    QEventLoop* m_loop = nullptr;  ///< of the thread
+    // QThread::wait() returns while the system's thread is still at its end.
+    std::thread m_thread;
+    std::optional<QtScheduler> m_scheduler;
 };
 
 }  // namespace quietlark

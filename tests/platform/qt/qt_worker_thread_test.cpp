@@ -37,4 +37,30 @@ TEST(QtWorkerThreadTest, HasTimersOfItsOwn) {
     worker.scheduler().post([&] { delete context; });
 }
 
+TEST(QtWorkerThreadTest, LeavesNothingBehindThatIsKeptForEachThread) {
+    static std::atomic<int> kept = 0;
+    struct KeptForEachThread {
+        KeptForEachThread() { ++kept; }
+        ~KeptForEachThread() { --kept; }
+    };
+    {
+        QtWorkerThread worker;
+        worker.scheduler().post([] { thread_local const KeptForEachThread something; });
+    }
+    EXPECT_EQ(kept, 0);
+}
+
+TEST(QtWorkerThreadTest, WhatIsToBeDeletedLaterIsDeletedInTheEnd) {
+    std::atomic<bool> isDeleted = false;
+    {
+        QtWorkerThread worker;
+        worker.scheduler().post([&] {
+            auto* object = new QObject;
+            QObject::connect(object, &QObject::destroyed, object, [&] { isDeleted = true; });
+            object->deleteLater();
+        });
+    }
+    EXPECT_TRUE(isDeleted);
+}
+
 }  // namespace quietlark
