@@ -2,6 +2,7 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QHash>
 #include <QUrl>
 
 namespace quietlark {
@@ -50,6 +51,16 @@ public:
     }
 
 private:
+    struct ActionTexts {
+        QString command;  ///< what the command is for
+        QString action;   ///< what its operand means
+        QString refusal;  ///< of anything else, %1
+    };
+
+    /// A command whose operand is one of a few words.
+    template <typename Arguments, typename Action>
+    static Invocation actionOf(const QHash<QString, Action>& actions, const ActionTexts& texts,
+                               const QStringList& arguments);
     static std::optional<Invocation> parse(QCommandLineParser& parser, const QString& operand,
                                            const QStringList& arguments);
     /// The parser's own text knows the program's path, but not the command.
@@ -132,36 +143,41 @@ Invocation CommandLine::probe(const QStringList& arguments) {
     return ProbeArguments{server};
 }
 
-Invocation CommandLine::model(const QStringList& arguments) {
+template <typename Arguments, typename Action>
+Invocation CommandLine::actionOf(const QHash<QString, Action>& actions, const ActionTexts& texts,
+                                 const QStringList& arguments) {
     const QString operand = QStringLiteral("ACTION");
     QCommandLineParser parser;
-    parser.setApplicationDescription(
-        tr("Prints what there is of the local server’s speech model, or fetches it. A download "
-           "that is stopped, by Ctrl-C or otherwise, is continued by the next."));
-    parser.addPositionalArgument(operand, tr("What to do: status or download."));
+    parser.setApplicationDescription(texts.command);
+    parser.addPositionalArgument(operand, texts.action);
     if (auto outcome = parse(parser, operand, arguments)) return *outcome;
     const QString action = parser.positionalArguments().last();
-    if (action == QLatin1String("status")) return ModelArguments{ModelArguments::Action::Status};
-    if (action == QLatin1String("download")) {
-        return ModelArguments{ModelArguments::Action::Download};
-    }
-    return UsageError{tr("“%1” is neither status nor download.").arg(action)};
+    if (!actions.contains(action)) return UsageError{texts.refusal.arg(action)};
+    return Arguments{actions.value(action)};
+}
+
+Invocation CommandLine::model(const QStringList& arguments) {
+    using Action = ModelArguments::Action;
+    return actionOf<ModelArguments, Action>(
+        {{QStringLiteral("status"), Action::Status},
+         {QStringLiteral("download"), Action::Download}},
+        {tr("Prints what there is of the local server’s speech model, or fetches it. A download "
+            "that is stopped, by Ctrl-C or otherwise, is continued by the next."),
+         tr("What to do: status or download."), tr("“%1” is neither status nor download.")},
+        arguments);
 }
 
 Invocation CommandLine::dictation(const QStringList& arguments) {
-    const QString operand = QStringLiteral("ACTION");
-    QCommandLineParser parser;
-    parser.setApplicationDescription(
-        tr("Drives the program that runs in this session, for desktops that bind keys themselves. "
-           "Prints how dictation stands."));
-    parser.addPositionalArgument(operand, tr("What to do: start, stop, toggle or status."));
-    if (auto outcome = parse(parser, operand, arguments)) return *outcome;
-    const QString action = parser.positionalArguments().last();
-    if (action == QLatin1String("start")) return DictationArguments{DictationOrder::start};
-    if (action == QLatin1String("stop")) return DictationArguments{DictationOrder::stop};
-    if (action == QLatin1String("toggle")) return DictationArguments{DictationOrder::toggle};
-    if (action == QLatin1String("status")) return DictationArguments{DictationOrder::status};
-    return UsageError{tr("“%1” is none of start, stop, toggle and status.").arg(action)};
+    return actionOf<DictationArguments, DictationOrder>(
+        {{QStringLiteral("start"), DictationOrder::start},
+         {QStringLiteral("stop"), DictationOrder::stop},
+         {QStringLiteral("toggle"), DictationOrder::toggle},
+         {QStringLiteral("status"), DictationOrder::status}},
+        {tr("Drives the program that runs in this session, for desktops that bind keys themselves. "
+            "Prints how dictation stands."),
+         tr("What to do: start, stop, toggle or status."),
+         tr("“%1” is none of start, stop, toggle and status.")},
+        arguments);
 }
 
 Invocation CommandLine::servers(const QStringList& arguments) {
