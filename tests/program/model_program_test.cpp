@@ -92,10 +92,11 @@ TEST_F(ModelProgramTest, AnInterruptIsACancellationAndTheNextCallContinues) {
     ASSERT_TRUE(waitUntil([this] { return QFile(m_files.received()).size() == 2 * mebibyte; }));
     ::kill(static_cast<pid_t>(program.processId()), SIGINT);
     ASSERT_TRUE(waitUntil([&] { return program.state() == QProcess::NotRunning; }));
+    const QByteArray messages = program.readAllStandardError();
     EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
-    EXPECT_EQ(program.exitCode(), 1);
-    EXPECT_TRUE(program.readAllStandardError().endsWith(
-        "quietlark: Stopped; the next download continues from here.\n"));
+    EXPECT_EQ(program.exitCode(), 1) << messages.toStdString();
+    EXPECT_TRUE(messages.endsWith("quietlark: Stopped; the next download continues from here.\n"))
+        << messages.toStdString();
     EXPECT_TRUE(run(QStringLiteral("status")).results.startsWith("state=incomplete\n"));
     EXPECT_TRUE(read(m_files.resume()).contains("\"syncedBytes\": 2097152"));
 
