@@ -18,6 +18,10 @@
 
 namespace quietlark {
 
+/// The checksum of what serverOffersTenBytes() promises, "0123456789".
+inline const QByteArray digestOfTenDigits =
+    QByteArrayLiteral("84d89877f0d4041efb6bf91a16f0248f2fd573e6af05c19f96bedb9f882f7882");
+
 /// A whole download over a network that says what the test says, on virtual time: the worker's
 /// thread is the test's own.
 class ModelDownloadFixture : public testing::Test {

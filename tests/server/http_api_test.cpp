@@ -2,16 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "audio/wav.h"
 #include "server/fake_speech_engine.h"
+#include "server/requests.h"
 
 namespace quietlark {
 namespace {
-
-std::string wavOf(std::size_t samples, std::uint32_t rateHz = 16000, std::uint16_t channels = 1) {
-    const auto wav = WAV::encode(std::vector<std::int16_t>(samples), rateHz, channels);
-    return {wav.begin(), wav.end()};
-}
 
 class HttpApiTest : public testing::Test {
 protected:

@@ -133,9 +133,9 @@ TEST_F(JournalLogTest, AJournalThatHangsHoldsNobodyUp) {
 
 TEST_F(JournalLogTest, StandardErrorThatNobodyReadsHoldsNobodyUp) {
     StandardErrorPipe standardError;
-    m_log.write(LogLevel::Error, std::string(1 << 20, 'x'));
+    m_log.write(LogLevel::Error, std::string(1 << 20, 'y'));
     const std::string text = standardError.read();
-    EXPECT_TRUE(text.starts_with("net.quietlark.app[dictation] error: xxx")) << text.size();
+    EXPECT_TRUE(text.starts_with("net.quietlark.app[dictation] error: yyy")) << text.size();
 }
 
 }  // namespace quietlark
