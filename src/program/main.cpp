@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include <QApplication>
+#include <QIcon>
 #include <QProcessEnvironment>
 
 #include "commands/command_line.h"
@@ -177,7 +178,9 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
     reportLostDisplay();
     auto application = std::make_unique<QApplication>(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
-    QApplication::setDesktopFileName(QStringLiteral("net.quietlark.app"));
+    const QString name = QStringLiteral("net.quietlark.app");
+    QApplication::setDesktopFileName(name);
+    QApplication::setWindowIcon(QIcon::fromTheme(name));  // for desktops that do not know the file
     return application;
 }
 

@@ -12,6 +12,15 @@ protected:
     void install(const QString& text = sleepingUnit) {
         ASSERT_TRUE(systemd.installUnit(testUnit, text));
     }
+    /// As an installation for one user has it: a link, to the unit among the program's own files.
+    void installAsLink() {
+        install();
+        ASSERT_TRUE(systemd.run(
+            QStringLiteral("cd $HOME/.local/share/systemd/user && mkdir -p $HOME/.local/opt && "
+                           "mv %1 $HOME/.local/opt && ln -s $HOME/.local/opt/%1 %1 && "
+                           "systemctl --user daemon-reload")
+                .arg(testUnit)));
+    }
     void follow() {
         service.emplace(testUnit, systemd.connectToBus());
         ASSERT_TRUE(waitUntil([this] { return service->isKnown(); }));
@@ -93,6 +102,31 @@ TEST_F(SystemdUserServiceTest, UnregisteringStopsAndDisables) {
     EXPECT_EQ(service->status(), ServiceStatus::notRegistered);
     EXPECT_FALSE(systemctl("is-enabled"));
     EXPECT_FALSE(systemctl("is-active"));
+}
+
+TEST_F(SystemdUserServiceTest, ALinkedUnitIsNotRegisteredUntilItIsEnabled) {
+    installAsLink();
+    follow();
+    EXPECT_EQ(service->status(), ServiceStatus::notRegistered);
+    EXPECT_TRUE(registerIt());
+    EXPECT_EQ(service->status(), ServiceStatus::enabled);
+    EXPECT_TRUE(systemctl("is-active"));
+}
+
+TEST_F(SystemdUserServiceTest, ALinkedUnitIsStillInstalledWhenItIsNoLongerRegistered) {
+    installAsLink();
+    ASSERT_TRUE(systemctl("enable --now"));
+    follow();
+    EXPECT_TRUE(unregisterIt());
+    EXPECT_EQ(service->status(), ServiceStatus::notRegistered);
+    EXPECT_TRUE(registerIt());
+}
+
+TEST_F(SystemdUserServiceTest, ALinkedUnitCanBeMasked) {
+    installAsLink();
+    follow();
+    ASSERT_TRUE(systemctl("mask"));
+    EXPECT_TRUE(becomes(ServiceStatus::requiresApproval));
 }
 
 TEST_F(SystemdUserServiceTest, OneRequestWaitsForTheOther) {

@@ -1,0 +1,124 @@
+# shellcheck shell=bash
+# Quietlark as installed for one user: a folder of its own, $bundle, and links into it. The bundle
+# knows what was made outside of it, so that whoever removes it leaves nothing behind.
+
+application=net.quietlark.app
+service=net.quietlark.server.service
+registered=share/quietlark/registered
+
+data_home() {
+    printf '%s' "${XDG_DATA_HOME:-$HOME/.local/share}"
+}
+
+# links CONTENT: each link, and the part of the bundle that it leads to, for a bundle of this content.
+# The service's is not among the user's configuration, where systemd would remove it when the service
+# is disabled.
+links() {
+    local data part
+    data=$(data_home)
+    for part in quietlark quietlark-server; do
+        printf '%s\t%s\n' "$HOME/.local/bin/$part" "bin/$part"
+    done
+    (cd "$1/share" && printf '%s\n' applications/* metainfo/* icons/hicolor/*/apps/* man/man1/*) |
+        while read -r part; do
+            printf '%s\t%s\n' "$data/$part" "share/$part"
+        done
+    printf '%s\t%s\n' "$data/systemd/user/$service" "lib/systemd/user/$service"
+}
+
+leads_into_bundle() {
+    [[ $(readlink "$1") = "$bundle"/* ]]
+}
+
+# What is not ours stays, and then there is no place for a link of ours.
+require_room_for_links() {
+    local link
+    while IFS=$'\t' read -r link _; do
+        { [ ! -e "$link" ] && [ ! -L "$link" ]; } || leads_into_bundle "$link" ||
+            fail "$link is there already, and is not ours to replace."
+    done < <(links "$1")
+}
+
+# The new bundle takes the place of the old one in a moment, and what the old one knew is passed on.
+install_bundle() {
+    local folder new
+    folder=$(dirname "$bundle")
+    made=$(mkdir_noting "$folder")
+    staged=$(mktemp -d "$folder/.Quietlark.XXXXXX")
+    new="$staged/new$bundle"
+    DESTDIR="$staged/new" cmake --install "$root/build/release" --strip --prefix "$bundle" \
+        >/dev/null || fail "Quietlark could not be installed."
+    require_room_for_links "$new"
+    if [ -e "$bundle/$registered" ]; then
+        cp "$bundle/$registered" "$new/$registered"
+    else
+        printf '%s' "${made:+$made$'\n'}" >"$new/$registered"
+    fi
+    [ ! -e "$bundle" ] || mv "$bundle" "$staged/old"
+    mv "$new" "$bundle"
+}
+
+# Undoes what an installation that did not come to its end has left half done.
+clear_stage() {
+    [ -n "${staged:-}" ] || return 0
+    [ -e "$bundle" ] || [ ! -e "$staged/old" ] || mv "$staged/old" "$bundle"
+    rm -rf "$staged"
+    [ -e "$bundle" ] || remove_made "$(tac <<<"$made")"
+}
+
+# mkdir_noting FOLDER: makes it, and prints it and those above it that were not there.
+mkdir_noting() {
+    [ ! -d "$1" ] || return 0
+    mkdir_noting "$(dirname "$1")"
+    mkdir "$1"
+    printf '%s/\n' "$1"
+}
+
+register() {
+    local link part
+    while IFS=$'\t' read -r link part; do
+        mkdir_noting "$(dirname "$link")" >>"$bundle/$registered"
+        ln -sfn "$bundle/$part" "$link"
+        grep -qxF "$link" "$bundle/$registered" || printf '%s\n' "$link" >>"$bundle/$registered"
+    done < <(links "$bundle")
+    tell_desktop
+}
+
+# Some desktops look for new files only when they are told, by a cache or by the folder's date.
+tell_desktop() {
+    local data
+    data=$(data_home)
+    touch "$data/icons/hicolor" 2>/dev/null || true
+    systemctl --user daemon-reload 2>/dev/null || true
+}
+
+# What was made last goes first.
+unregister() {
+    local paths
+    paths=$(tac "$bundle/$registered") || paths=
+    rm -rf "$bundle"
+    remove_made "$paths"
+    systemctl --user daemon-reload 2>/dev/null || true
+}
+
+# remove_made PATHS: a link that leads elsewhere by now, and a folder in which there is something,
+# are left alone.
+remove_made() {
+    local path
+    while read -r path; do
+        case $path in
+            */) rmdir "$path" 2>/dev/null || true ;;
+            *) ! leads_into_bundle "$path" || rm "$path" ;;
+        esac
+    done <<<"$1"
+}
+
+stop_service() {
+    systemctl --user disable --now "$service" 2>/dev/null || true
+}
+
+# Starting at login is the application's own setting, in a file that names its program.
+forget_autostart() {
+    local entry="${XDG_CONFIG_HOME:-$HOME/.config}/autostart/$application.desktop"
+    ! grep -qF "Exec=\"$bundle/bin/quietlark\"" "$entry" 2>/dev/null || rm "$entry"
+}
