@@ -30,6 +30,19 @@ inline constexpr KeyEventMask keyUp = 1u << 11;
 inline constexpr KeyEventMask flagsChanged = 1u << 12;
 }  // namespace key_event_mask
 
+/// The bit of a kind.
+[[nodiscard]] constexpr KeyEventMask maskOf(KeyEvent::Kind kind) {
+    switch (kind) {
+        case KeyEvent::Kind::KeyDown:
+            return key_event_mask::keyDown;
+        case KeyEvent::Kind::KeyUp:
+            return key_event_mask::keyUp;
+        case KeyEvent::Kind::FlagsChanged:
+            return key_event_mask::flagsChanged;
+    }
+    return 0;
+}
+
 /// Lets the program watch the keyboard. The keystrokes still reach their application; the ones that
 /// this program synthesises are not reported.
 class KeyEventSource {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "servers/blanks.h"
+
 namespace quietlark {
 
 namespace {
@@ -19,17 +21,6 @@ constexpr std::array<std::array<double, 4>, 4> estimates{{
 
 bool isAsciiDigit(QChar c) {
     return c >= u'0' && c <= u'9';
-}
-
-QStringView trimmedOfBlanks(QStringView text) {
-    const auto isBlank = [](QChar c) {
-        return c == u'\t' || c.category() == QChar::Separator_Space;
-    };
-    while (!text.isEmpty() && isBlank(text.front()))
-        text = text.sliced(1);
-    while (!text.isEmpty() && isBlank(text.back()))
-        text.chop(1);
-    return text;
 }
 
 std::optional<Tier> tierNamed(QStringView name) {

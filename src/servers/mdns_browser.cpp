@@ -9,6 +9,8 @@
 #include <QHash>
 #include <QStringDecoder>
 
+#include "servers/blanks.h"
+
 namespace quietlark {
 
 namespace {
@@ -20,17 +22,6 @@ constexpr auto resolveTimeout = 5s;
 
 ServiceQuery transcriptionServers() {
     return {QStringLiteral("_whisper._tcp."), QStringLiteral("local.")};
-}
-
-QStringView trimmedOfBlanks(QStringView text) {
-    const auto isBlank = [](QChar c) {
-        return c == u'\t' || c.category() == QChar::Separator_Space;
-    };
-    while (!text.isEmpty() && isBlank(text.front()))
-        text = text.sliced(1);
-    while (!text.isEmpty() && isBlank(text.back()))
-        text.chop(1);
-    return text;
 }
 
 /// The text of one key; absent when it is missing, empty or not UTF-8.

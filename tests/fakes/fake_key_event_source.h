@@ -72,18 +72,6 @@ private:
         return flags;
     }
 
-    static KeyEventMask maskOf(KeyEvent::Kind kind) {
-        switch (kind) {
-            case KeyEvent::Kind::KeyDown:
-                return key_event_mask::keyDown;
-            case KeyEvent::Kind::KeyUp:
-                return key_event_mask::keyUp;
-            case KeyEvent::Kind::FlagsChanged:
-                return key_event_mask::flagsChanged;
-        }
-        return 0;
-    }
-
     std::shared_ptr<std::map<int, Monitor>> m_monitors = std::make_shared<std::map<int, Monitor>>();
     std::set<KeyCode> m_heldModifierKeys;
     std::optional<Unavailable> m_unavailable;

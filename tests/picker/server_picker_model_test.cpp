@@ -17,18 +17,6 @@ protected:
         model().setPhase(Phase::remoteList);
         model().setListSelection(idOf(name));
     }
-
-    /// How many requests a dictation of one buffer sends.
-    std::size_t dictate() {
-        const std::size_t before = network.requests().size();
-        state().dictation().beginRecord();
-        microphone.hearTone(4096);
-        state().dictation().endRecord();
-        scheduler.runPosted();
-        network.runAnswers();
-        scheduler.advance(Paster::visibilityDelay);
-        return network.requests().size() - before;
-    }
 };
 
 TEST_F(ServerPickerModelTest, EverythingStartsAtItsInitialValue) {

@@ -65,7 +65,21 @@ protected:
 
     void removeModel() { QFile::remove(files.model.active()); }
 
-    void serverPublishesItsEndpoint() { write(endpointPath, "local=127.0.0.1:9000\n"); }
+    void serverPublishesItsEndpoint(const char* more = "") {
+        write(endpointPath, QByteArray("local=127.0.0.1:9000\n") + more);
+    }
+
+    /// A dictation of one buffer, from beginning to end; answers how many requests it sent.
+    std::size_t dictate() {
+        const std::size_t before = network.requests().size();
+        state().dictation().beginRecord();
+        microphone.hearTone(4096);
+        state().dictation().endRecord();
+        scheduler.runPosted();
+        network.runAnswers();
+        scheduler.advance(Paster::visibilityDelay);
+        return network.requests().size() - before;
+    }
 
     /// Everything that is due now has happened, on the main queue and at the service manager.
     void settle() {

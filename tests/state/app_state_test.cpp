@@ -93,18 +93,6 @@ protected:
         network.respondTo(QStringLiteral("http://box:8080/"), 200, "whisper.cpp: POST /inference");
         network.respondTo(QStringLiteral("http://box:8080/inference"), 200, "hello");
     }
-
-    /// A dictation from beginning to end; answers how many questions it asked the network.
-    std::size_t dictate() {
-        const std::size_t before = network.requests().size();
-        state().dictation().beginRecord();
-        microphone.hearTone(4096);
-        state().dictation().endRecord();
-        scheduler.runPosted();
-        network.runAnswers();
-        scheduler.advance(Paster::visibilityDelay);
-        return network.requests().size() - before;
-    }
 };
 
 TEST_F(AppStateDictationTest, DictationUsesTheSettingsOfTheMoment) {

@@ -101,10 +101,7 @@ TEST_P(WindowsPicturesTest, OnboardingDoneWithTheLocalServer) {
 TEST_P(WindowsPicturesTest, OnboardingDoneWithASlowLocalServer) {
     installModel();
     service.current = ServiceStatus::enabled;
-    QFile file(endpointPath);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("local=127.0.0.1:9000\nrtf=0.5\n");
-    file.close();
+    serverPublishesItsEndpoint("rtf=0.5\n");
     serverAnswersAt("http://127.0.0.1:9000");
     openOnboarding(OnboardingModel::doneStep, local());
     network.runAnswers();

@@ -4,22 +4,6 @@
 
 namespace quietlark {
 
-namespace {
-
-KeyEventMask maskOf(KeyEvent::Kind kind) {
-    switch (kind) {
-        case KeyEvent::Kind::KeyDown:
-            return key_event_mask::keyDown;
-        case KeyEvent::Kind::KeyUp:
-            return key_event_mask::keyUp;
-        case KeyEvent::Kind::FlagsChanged:
-            return key_event_mask::flagsChanged;
-    }
-    return 0;
-}
-
-}  // namespace
-
 Cancellable KeyMonitors::add(KeyEventSource::Scope scope, KeyEventMask mask,
                              KeyEventSource::Handler handler) {
     auto monitor = std::make_shared<const Monitor>(Monitor{scope, mask, std::move(handler)});
