@@ -81,6 +81,8 @@ register() {
         ln -sfn "$bundle/$part" "$link"
         grep -qxF "$link" "$bundle/$registered" || printf '%s\n' "$link" >>"$bundle/$registered"
     done < <(links "$bundle")
+    # Which systemd makes when the service is enabled, and leaves there.
+    mkdir_noting "${XDG_CONFIG_HOME:-$HOME/.config}/systemd/user" >>"$bundle/$registered"
     tell_desktop
 }
 

@@ -5,6 +5,8 @@
 . "$(dirname "$0")/support.sh"
 # shellcheck source=../../scripts/lib/virtual_microphone.sh
 . "$root/scripts/lib/virtual_microphone.sh"
+# shellcheck source=service_manager.sh
+. "$root/tests/installation/service_manager.sh"
 
 unit=net.quietlark.server.service
 user=1000
@@ -40,30 +42,14 @@ printf '[Service]\nExecStartPre=/bin/sh %s/look.sh %s\n' "$directory" "$director
 chown -R "$user:$user" "$directory" 2>/dev/null || true
 chmod 755 "$scratch"
 
-# The manager ends with its standard input.
-coproc manager { bash "$root/tests/peers/systemd_user.sh" "$directory" "$user" 2>"$scratch/err"; }
-to_manager=${manager[1]} from_manager=${manager[0]} manager_id=$manager_PID
 at_end() {
-    exec {to_manager}>&-
-    wait "$manager_id" || true
+    end_service_manager
 }
-read -r answer <&"$from_manager"
-if [ "$answer" != ready ]; then
-    echo "$answer"
-    exit 77
-fi
-
-# beside_manager COMMAND: true when it succeeds.
-beside_manager() {
-    local answer
-    printf '%s\n' "$1" >&"$to_manager"
-    read -r answer <&"$from_manager"
-    [ "$answer" = 'exit 0' ]
-}
+start_service_manager "$directory" "$user"
 
 before_failing() {
     beside_manager "systemctl --user --no-pager status $unit" || true
-    cat "$scratch/err" >&2
+    cat "$directory.err" >&2
 }
 
 beside_manager "systemctl --user start $unit" || fail 'The service did not start.'

@@ -1,0 +1,107 @@
+#!/usr/bin/env bash
+# installed.sh BIN user|package: Quietlark is installed, by one's own hand or by the package manager,
+# dictates by way of the speech server that systemd runs for it, and is removed. Then there is
+# nothing left of it.
+# shellcheck source=apart.sh
+. "$(dirname "${BASH_SOURCE[0]}")/apart.sh"
+# shellcheck source=support.sh
+. "$root/tests/end_to_end/support.sh"
+# shellcheck source=../installation/service_manager.sh
+. "$root/tests/installation/service_manager.sh"
+
+kind=$2
+service=net.quietlark.server.service
+# The desktop's programs have a home of their own, so that this one holds nothing but Quietlark's.
+owner="$desktop/owner"
+home="$owner/home"
+mkdir -p "$home/.config/pulse" "$home/.local/share"
+# Which systemd makes when its user has a service enabled, and leaves there.
+[ "$kind" = user ] || mkdir -p "$home/.config/systemd/user"
+head -c 256 /dev/zero >"$home/.config/pulse/cookie" # as everybody has who hears anything
+
+trap 'end_service_manager; close_virtual_desktop' EXIT
+start_service_manager "$owner" 0
+
+before_failing() {
+    show_logs
+    beside_manager "systemctl --user --no-pager status $service" || true
+    tail -n 20 "$owner.err" >&2
+}
+
+# As in a terminal of the owner's.
+as_owner=(env -u QUIETLARK_ENDPOINT_FILE -u XDG_CONFIG_HOME -u XDG_DATA_HOME -u XDG_CACHE_HOME
+    -u XDG_STATE_HOME HOME="$home" PATH="$home/.local/bin:$PATH" XDG_RUNTIME_DIR="$owner/run"
+    DBUS_SESSION_BUS_ADDRESS="unix:path=$owner/run/bus")
+
+# What the home directory holds, and what is elsewhere that was not, or was and is not any more, but for
+# the package manager's own.
+listing() {
+    (cd "$home" && find . -printf '%y %p %l\n' | sort)
+    (cd /mnt/upper && find . -mindepth 1 -path ./var/lib/dpkg -prune -o -printf '%y %p\n') | while read -r type path; do
+        if [ "$type" = c ]; then
+            echo "missing $path"
+        elif [ ! -e "/mnt/lower/$path" ] && [ ! -L "/mnt/lower/$path" ]; then
+            echo "new $path"
+        fi
+    done | sort
+}
+
+install_it() {
+    if [ "$kind" = user ]; then
+        beside_manager "bash $root/scripts/install"
+    else
+        dpkg --install "$package"
+        beside_manager 'systemctl --user daemon-reload'
+    fi
+}
+
+remove_it() {
+    if [ "$kind" = user ]; then
+        beside_manager "bash $root/scripts/install --remove"
+    else
+        beside_manager "systemctl --user disable --now $service"
+        dpkg --purge quietlark
+    fi
+}
+
+preferences_are_open() {
+    xdotool search --onlyvisible --name '^Quietlark( Preferences)?$'
+}
+
+if [ "$kind" = package ]; then
+    package=$(bash "$root/scripts/package" 2>"$logs/package") ||
+        fail "There is no package: $(tail "$logs/package")"
+fi
+listing >"$desktop/before"
+install_it || fail 'It could not be installed.'
+
+# What its windows ask for at the first start is answered; whisper.cpp is not here, so the file that
+# would be its model only has to be there.
+mkdir -p "$home/.local/share/Quietlark/models"
+: >"$home/.local/share/Quietlark/models/active.bin"
+XDG_CONFIG_HOME="$home/.config" write_configuration
+start quietlark "${as_owner[@]}" quietlark
+quietlark_id=$started_id
+wait_for_line 60 "$quietlark_id" "$logs/quietlark.out" '^ready' || fail 'Quietlark did not start.'
+wait_until 60 test -s /tmp/quietlark.endpoint || fail 'The speech server did not start.'
+beside_manager "systemctl --user is-enabled $service" || fail 'The service is not enabled.'
+
+document="$desktop/letter.txt"
+open_mousepad "$document"
+say_holding_hotkey 'open the door'
+expect 'the text' 'open the door' "$(text_of_editor "$document")"
+
+# From the menu, where it runs already: it shows its settings, with the icon.
+[ "$kind" = user ] && menu="$home/.local/share" || menu=/usr/share
+"${as_owner[@]}" gio launch "$menu/applications/net.quietlark.app.desktop" ||
+    fail 'It cannot be started from the menu.'
+wait_until 30 preferences_are_open || fail 'It did not open its window.'
+icon=$(xprop -id "$(preferences_are_open | tail -n 1)" _NET_WM_ICON)
+[[ $icon = *'Icon ('* ]] || fail "The window has no icon: $icon"
+
+end "$quietlark_id"
+remove_it || fail 'It could not be removed.'
+rm -r "$home/.config/Quietlark" "$home/.local/share/Quietlark"
+[ ! -e /tmp/quietlark.endpoint ] || fail 'The speech server is still there.'
+listing >"$desktop/after"
+expect 'what is left of it' '' "$(diff "$desktop/before" "$desktop/after" || true)"
