@@ -86,7 +86,7 @@ ServerProgram::Outcome ServerProgram::use(EngineChoice::Engine engine,
     const std::stop_callback onStop(stop, [this] { m_engine->stop(); });
     const auto speed = measureSpeed(*m_measured);
     if (!speed) return tl::unexpected(speed.error());
-    // The measured engine hears of it only if it was ready at once.
+    // The measured engine may have counted the first, slow time as well.
     m_presence.setSpeed(*speed);
     return {};
 }

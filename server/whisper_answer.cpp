@@ -1,5 +1,6 @@
 #include "server/whisper_answer.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -49,6 +50,27 @@ double numberIn(const Json& object, const char* name) {
     return found != object.end() && found->is_number() ? found->get<double>() : 0;
 }
 
+std::vector<Transcript::Segment> segmentsIn(const Json& answer) {
+    std::vector<Transcript::Segment> segments;
+    const auto found = answer.find("segments");
+    if (found == answer.end() || !found->is_array()) return segments;
+    for (const Json& segment : *found) {
+        if (!segment.is_object()) continue;
+        segments.push_back({.startSeconds = numberIn(segment, "start"),
+                            .endSeconds = numberIn(segment, "end"),
+                            .text = textIn(segment, "text")});
+    }
+    return segments;
+}
+
+/// Without line breaks, and without blanks before and after.
+std::string asOneLine(std::string text) {
+    constexpr const char* blanks = " \t\r";
+    std::erase(text, '\n');
+    text.erase(text.find_last_not_of(blanks) + 1);
+    return text.erase(0, text.find_first_not_of(blanks));
+}
+
 }  // namespace
 
 std::optional<Transcript> parseWhisperAnswer(std::string_view body) {
@@ -56,17 +78,14 @@ std::optional<Transcript> parseWhisperAnswer(std::string_view body) {
     if (!answer.is_object()) return std::nullopt;
     const auto text = answer.find("text");
     if (text == answer.end() || !text->is_string()) return std::nullopt;
-    Transcript transcript{
-        .text = text->get<std::string>(), .language = textIn(answer, "language"), .segments = {}};
-    const auto segments = answer.find("segments");
-    if (segments == answer.end() || !segments->is_array()) return transcript;
-    for (const Json& segment : *segments) {
-        if (!segment.is_object()) continue;
-        transcript.segments.push_back({.startSeconds = numberIn(segment, "start"),
-                                       .endSeconds = numberIn(segment, "end"),
-                                       .text = textIn(segment, "text")});
-    }
-    return transcript;
+    auto segments = segmentsIn(answer);
+    std::string whole;
+    for (const auto& segment : segments)
+        whole += segment.text;
+    if (segments.empty()) whole = text->get<std::string>();
+    return Transcript{.text = asOneLine(std::move(whole)),
+                      .language = textIn(answer, "language"),
+                      .segments = std::move(segments)};
 }
 
 }  // namespace quietlark

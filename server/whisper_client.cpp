@@ -1,5 +1,6 @@
 #include "server/whisper_client.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <httplib.h>
@@ -11,9 +12,45 @@ namespace quietlark {
 namespace {
 
 constexpr const char* loopback = "127.0.0.1";
+/// Some versions hear nothing in what is shorter than a second.
+constexpr std::size_t fewestSamples = SpeechEngine::sampleRateHz * 11 / 10;
 
 httplib::MultipartFormData field(const char* name, std::string value) {
     return {.name = name, .content = std::move(value), .filename = {}, .content_type = {}};
+}
+
+/// The recording as a file, with silence after it where it is very short.
+std::string fileOf(std::span<const std::int16_t> samples) {
+    std::vector<std::int16_t> padded;
+    if (samples.size() < fewestSamples) {
+        padded.assign(samples.begin(), samples.end());
+        padded.resize(fewestSamples);
+        samples = padded;
+    }
+    const auto wav = WAV::encode(samples, SpeechEngine::sampleRateHz, 1);
+    return {wav.begin(), wav.end()};
+}
+
+httplib::MultipartFormDataItems formOf(const SpeechRequest& request, const std::string& language) {
+    return {field("response_format", "verbose_json"),
+            field("language", language),
+            // It cuts long segments in two; this keeps it from doing so within a word.
+            field("split_on_word", "true"),
+            // Otherwise it looks at the recording once more, for how likely each language is.
+            field("no_language_probabilities", "true"),
+            {.name = "file",
+             .content = fileOf(request.samples),
+             .filename = "audio.wav",
+             .content_type = "audio/wav"}};
+}
+
+/// Without times after the end of the recording, where only our silence is.
+Transcript within(double seconds, Transcript transcript) {
+    for (auto& segment : transcript.segments) {
+        segment.startSeconds = std::min(segment.startSeconds, seconds);
+        segment.endSeconds = std::min(segment.endSeconds, seconds);
+    }
+    return transcript;
 }
 
 }  // namespace
@@ -31,13 +68,6 @@ WhisperClient::Health WhisperClient::health(std::chrono::milliseconds limit) con
 
 tl::expected<Transcript, EngineError> WhisperClient::transcribe(const SpeechRequest& request,
                                                                 const std::string& language) const {
-    const auto wav = WAV::encode(request.samples, SpeechEngine::sampleRateHz, 1);
-    const httplib::MultipartFormDataItems form{field("response_format", "verbose_json"),
-                                               field("language", language),
-                                               {.name = "file",
-                                                .content = std::string(wav.begin(), wav.end()),
-                                                .filename = "audio.wav",
-                                                .content_type = "audio/wav"}};
     const auto now = std::chrono::steady_clock::now();
     // Beyond a day, a limit is none, and could not be counted in the library's units. It waits for
     // whole milliseconds, and less than it was told.
@@ -48,13 +78,15 @@ tl::expected<Transcript, EngineError> WhisperClient::transcribe(const SpeechRequ
     httplib::Client client(loopback, m_address.port);
     client.set_tcp_nodelay(true);
     client.set_read_timeout(limit + rounding);
-    const auto answer = client.Post((m_address.path + "/inference").c_str(), form);
+    const auto answer =
+        client.Post((m_address.path + "/inference").c_str(), formOf(request, language));
     if (!answer && std::chrono::steady_clock::now() >= request.deadline)
         return tl::unexpected(EngineError::TimedOut);
     if (!answer) return tl::unexpected(EngineError::Unavailable);
     const auto transcript = parseWhisperAnswer(answer->body);
     if (answer->status != 200 || !transcript) return tl::unexpected(EngineError::Failed);
-    return *transcript;
+    const auto samples = static_cast<double>(request.samples.size());
+    return within(samples / SpeechEngine::sampleRateHz, *transcript);
 }
 
 }  // namespace quietlark

@@ -36,6 +36,7 @@ bool WhisperEngine::isReady() const {
 }
 
 tl::expected<Transcript, EngineError> WhisperEngine::transcribe(const SpeechRequest& request) {
+    if (request.samples.empty()) return Transcript();
     const auto child = m_supervisor.child(request.deadline);
     if (!child) return tl::unexpected(child.error());
     const std::string language =

@@ -1,6 +1,6 @@
 // Stands in for whisper.cpp's server: the same options, addresses and forms of answer, but what it
-// "hears" is how the recording looks. The model file says how it behaves, a word and a number per
-// line:
+// "hears" is how the recording looks, in several segments, the first of which ends within a word.
+// The model file says how it behaves, a word and a number per line:
 //
 //   load MILLISECONDS     takes that long to become ready, and says so meanwhile
 //   answer MILLISECONDS   takes that long for a recording
@@ -11,6 +11,7 @@
 // The first sample of a recording says what happens to it: 101 ends the program, 102 makes it hang,
 // 103 gives a broken answer, 104 an error, 105 text that is no UTF-8.
 
+#include <array>
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
@@ -47,6 +48,26 @@ std::map<std::string, double> behaviourFrom(const std::string& modelFile) {
     return behaviour;
 }
 
+std::string valueOf(const httplib::Request& request, const char* field) {
+    return request.get_file_value(field).content;
+}
+
+/// In verbose_json, each segment as long as the others.
+std::string answerOf(const std::array<std::string, 3>& texts, double seconds) {
+    std::string text;
+    std::string segments;
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        const double length = seconds / static_cast<double>(texts.size());
+        const double start = length * static_cast<double>(i);
+        text += texts[i] + "\\n";
+        segments += std::string(i > 0 ? "," : "") + R"({"id":)" + std::to_string(i) +
+                    R"(,"text":")" + texts[i] + R"(","start":)" + std::to_string(start) +
+                    R"(,"end":)" + std::to_string(start + length) + "}";
+    }
+    return R"({"task":"transcribe","language":"english","duration":)" + std::to_string(seconds) +
+           R"(,"text":")" + text + R"(","segments":[)" + segments + "]}";
+}
+
 class StandIn {
 public:
     explicit StandIn(std::map<std::string, double> behaviour) : m_behaviour(std::move(behaviour)) {}
@@ -76,7 +97,7 @@ private:
     milliseconds time(const char* what) { return milliseconds(std::lround(m_behaviour[what])); }
 
     void infer(const httplib::Request& request, httplib::Response& out) {
-        const std::string file = request.get_file_value("file").content;
+        const std::string file = valueOf(request, "file");
         const auto wav = quietlark::WavFile::parse(
             {reinterpret_cast<const std::uint8_t*>(file.data()), file.size()});
         if (!wav) {
@@ -84,7 +105,10 @@ private:
             return out.set_content(R"({"error":"failed to read audio data"})", "application/json");
         }
         const std::lock_guard lock(m_model);
-        std::cerr << "stand-in has a recording" << std::endl;
+        std::cerr << "stand-in has a recording";
+        for (const char* field : {"split_on_word", "no_language_probabilities"})
+            std::cerr << " " << field << "=" << valueOf(request, field);
+        std::cerr << std::endl;
         const auto samples = wav->convertedTo(wav->sampleRateHz());
         const double seconds = static_cast<double>(samples.size()) / wav->sampleRateHz();
         std::this_thread::sleep_for(time("answer"));
@@ -92,20 +116,16 @@ private:
             std::this_thread::sleep_for(
                 std::chrono::duration<double>(seconds / m_behaviour["speed"]));
         const int first = samples.empty() ? 0 : samples.front();
-        std::string text = " samples=" + std::to_string(samples.size()) +
-                           " first=" + std::to_string(first) +
-                           " language=" + request.get_file_value("language").content;
+        std::array<std::string, 3> segments{
+            " samp", "les=" + std::to_string(samples.size()) + " first=" + std::to_string(first),
+            " language=" + valueOf(request, "language")};
         if (first == EndsIt) std::quick_exit(3);
         if (first == HangsIt) pause();
-        if (first == BrokenText) text += "\xe3\x81";
+        if (first == BrokenText) segments.back() += "\xe3\x81";
         if (first == ErrorAnswer) out.status = 500;
         if (first == ErrorAnswer || first == BrokenAnswer)
             return out.set_content(R"({"error":"failed to process audio"})", "application/json");
-        out.set_content(R"({"task":"transcribe","language":"english","duration":)" +
-                            std::to_string(seconds) + R"(,"text":")" + text +
-                            R"(","segments":[{"id":0,"text":")" + text + R"(","start":0.0,"end":)" +
-                            std::to_string(seconds) + "}]}",
-                        "application/json");
+        out.set_content(answerOf(segments, seconds), "application/json");
     }
 
     std::map<std::string, double> m_behaviour;

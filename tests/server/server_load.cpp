@@ -24,7 +24,7 @@ struct Exchange {
 /// A recording that no other request of the last thousands had. Below 101, as a first sample, the
 /// stand-in does nothing out of the ordinary.
 Exchange recording(int number, const char* path, const std::string& format) {
-    std::vector<std::int16_t> samples(static_cast<std::size_t>(1600 + number % 997));
+    std::vector<std::int16_t> samples(static_cast<std::size_t>(17600 + number % 997));
     samples.front() = static_cast<std::int16_t>(number % 89 + 1);
     const WavBytes wav = WAV::encode(samples, 16000, 1);
     const std::string field =
@@ -33,6 +33,13 @@ Exchange recording(int number, const char* path, const std::string& format) {
                 path, formOf({reinterpret_cast<const char*>(wav.data()), wav.size()}, field)),
             .inBody = "samples=" + std::to_string(samples.size()) +
                       " first=" + std::to_string(samples.front())};
+}
+
+/// The same with the times of its segments, the first of which ends within the first word.
+Exchange subtitles(int number) {
+    Exchange subtitles = recording(number, transcriptions, "vtt");
+    subtitles.inBody.erase(0, std::string("samp").size());
+    return subtitles;
 }
 
 Exchange exchange(int number) {
@@ -71,7 +78,7 @@ Exchange exchange(int number) {
         case 10:
             return recording(number, inference, "text");
         case 11:
-            return recording(number, transcriptions, "vtt");
+            return subtitles(number);
         default:
             return recording(number, number % 2 == 0 ? inference : transcriptions, "json");
     }

@@ -4,12 +4,21 @@
 
 namespace quietlark {
 
+TEST(WhisperAnswerTest, AWordThatIsCutInTwoIsWholeInTheText) {
+    const auto transcript = parseWhisperAnswer(
+        R"({"text":" what your coun\ntry can do\n for you\n","segments":[)"
+        R"({"text":" what your coun"},{"text":"try can do"},{"text":" for you"}]})");
+    ASSERT_TRUE(transcript);
+    EXPECT_EQ(transcript->text, "what your country can do for you");
+    EXPECT_EQ(transcript->segments.size(), 3U);
+}
+
 TEST(WhisperAnswerTest, TextLanguageAndSegmentsAreRead) {
     const auto transcript = parseWhisperAnswer(
         R"({"task":"transcribe","language":"german","duration":2.5,"text":" Guten Tag.\n",)"
         R"("segments":[{"id":0,"start":0.5,"end":2,"text":" Guten Tag.","tokens":[1,2]}]})");
     ASSERT_TRUE(transcript);
-    EXPECT_EQ(transcript->text, " Guten Tag.\n");
+    EXPECT_EQ(transcript->text, "Guten Tag.");
     EXPECT_EQ(transcript->language, "german");
     ASSERT_EQ(transcript->segments.size(), 1U);
     EXPECT_EQ(transcript->segments[0].startSeconds, 0.5);
@@ -19,6 +28,8 @@ TEST(WhisperAnswerTest, TextLanguageAndSegmentsAreRead) {
 
 TEST(WhisperAnswerTest, TheTextAloneIsEnough) {
     EXPECT_EQ(parseWhisperAnswer(R"({"text":""})")->text, "");
+    EXPECT_EQ(parseWhisperAnswer(R"({"text":" \n"})")->text, "");
+    EXPECT_EQ(parseWhisperAnswer(R"({"text":" a coun\ntry\n"})")->text, "a country");
     EXPECT_EQ(parseWhisperAnswer(R"({"text":"a","segments":7,"language":[]})")->text, "a");
     EXPECT_TRUE(parseWhisperAnswer(R"({"text":"a","segments":[7]})")->segments.empty());
 }

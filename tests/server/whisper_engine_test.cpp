@@ -45,7 +45,7 @@ protected:
 
     /// The text of a recording of `length` samples that begins with `first`.
     tl::expected<std::string, EngineError> textOf(
-        std::int16_t first, std::size_t length = 1600, std::string_view language = "",
+        std::int16_t first, std::size_t length = 32000, std::string_view language = "",
         std::chrono::steady_clock::duration limit = seconds(60)) {
         std::vector<std::int16_t> samples(length);
         samples.front() = first;
@@ -81,8 +81,8 @@ protected:
 
 TEST_F(WhisperEngineTest, ARecordingIsTranscribedInItsLanguage) {
     start("");
-    EXPECT_EQ(textOf(7, 1600), " samples=1600 first=7 language=auto");
-    EXPECT_EQ(textOf(8, 3200, "de-AT"), " samples=3200 first=8 language=de");
+    EXPECT_EQ(textOf(7, 32000), "samples=32000 first=7 language=auto");
+    EXPECT_EQ(textOf(8, 48000, "de-AT"), "samples=48000 first=8 language=de");
     EXPECT_EQ(m_engine->modelId(), "whisper-test");
     EXPECT_TRUE(m_engine->isReady());
     EXPECT_TRUE(m_engine->understands("fr"));
@@ -94,8 +94,25 @@ TEST_F(WhisperEngineTest, SegmentsAndLanguageComeAlong) {
     const std::vector<std::int16_t> samples(24000);
     const auto transcript = m_engine->transcribe({.samples = samples}).value();
     EXPECT_EQ(transcript.language, "english");
-    ASSERT_EQ(transcript.segments.size(), 1U);
-    EXPECT_EQ(transcript.segments[0].endSeconds, 1.5);
+    ASSERT_EQ(transcript.segments.size(), 3U);
+    EXPECT_EQ(transcript.segments[2].endSeconds, 1.5);
+}
+
+TEST_F(WhisperEngineTest, TheChildIsAskedForWholeWordsAndNoMoreThanItsText) {
+    start("");
+    EXPECT_TRUE(textOf(7));
+    EXPECT_TRUE(waitUntil([this] {
+        return m_log.contains("has a recording split_on_word=true no_language_probabilities=true");
+    }));
+}
+
+TEST_F(WhisperEngineTest, AVeryShortRecordingIsFollowedBySilence) {
+    start("");
+    const std::vector<std::int16_t> samples{7, 0};
+    const auto transcript = m_engine->transcribe({.samples = samples}).value();
+    EXPECT_EQ(transcript.text, "samples=17600 first=7 language=auto");
+    EXPECT_EQ(transcript.segments.back().endSeconds, 2.0 / 16000);
+    EXPECT_EQ(m_engine->transcribe({})->text, "");
 }
 
 TEST_F(WhisperEngineTest, TheFirstRecordingWaitsForASlowStart) {
@@ -111,7 +128,7 @@ TEST_F(WhisperEngineTest, AnOlderVersionWithoutAHealthQuestionIsReadyWhenItAnswe
 
 TEST_F(WhisperEngineTest, WhoCannotWaitForTheStartIsTold) {
     start("load 100000");
-    EXPECT_EQ(textOf(7, 1600, "", milliseconds(50)).error(), EngineError::Unavailable);
+    EXPECT_EQ(textOf(7, 32000, "", milliseconds(50)).error(), EngineError::Unavailable);
 }
 
 TEST_F(WhisperEngineTest, AProgramThatFailsAtEveryStartIsGivenUp) {
@@ -124,7 +141,7 @@ TEST_F(WhisperEngineTest, ACrashCostsTheRecordingThatItHeldAndNoOther) {
     start("");
     EXPECT_TRUE(textOf(7));
     EXPECT_EQ(textOf(endsIt).error(), EngineError::Unavailable);
-    EXPECT_EQ(textOf(9), " samples=1600 first=9 language=auto");
+    EXPECT_EQ(textOf(9), "samples=32000 first=9 language=auto");
     EXPECT_GE(m_lost, 1);
 }
 
@@ -144,7 +161,7 @@ TEST_F(WhisperEngineTest, AChildThatIsKilledInTheMiddleComesBack) {
 TEST_F(WhisperEngineTest, AChildThatHangsIsReplacedWhenTheTimeIsOver) {
     start("");
     EXPECT_TRUE(textOf(7));
-    EXPECT_EQ(textOf(hangsIt, 1600, "", milliseconds(200)).error(), EngineError::TimedOut);
+    EXPECT_EQ(textOf(hangsIt, 32000, "", milliseconds(200)).error(), EngineError::TimedOut);
     EXPECT_TRUE(recovers());
 }
 
@@ -175,7 +192,7 @@ TEST_F(WhisperEngineTest, BrokenAnswersCostNothingElse) {
     const pid_t child = childId();
     EXPECT_EQ(textOf(brokenAnswer).error(), EngineError::Failed);
     EXPECT_EQ(textOf(errorAnswer).error(), EngineError::Failed);
-    EXPECT_EQ(textOf(brokenText), " samples=1600 first=105 language=auto\xef\xbf\xbd\xef\xbf\xbd");
+    EXPECT_EQ(textOf(brokenText), "samples=32000 first=105 language=auto\xef\xbf\xbd\xef\xbf\xbd");
     EXPECT_TRUE(textOf(7));
     EXPECT_EQ(childId(), child);
 }

@@ -14,7 +14,7 @@ namespace quietlark {
 namespace {
 
 std::string uploadOf(std::int16_t first) {
-    std::vector<std::int16_t> samples(1600);
+    std::vector<std::int16_t> samples(32000);
     samples.front() = first;
     const WavBytes wav = WAV::encode(samples, 16000, 1);
     return postOf("/inference", formOf({reinterpret_cast<const char*>(wav.data()), wav.size()}));
@@ -29,9 +29,18 @@ std::string asked(const WhisperServer& server, const std::string& request) {
 TEST(WhisperServerTest, WithItsProgramAndAModelWhisperTranscribes) {
     WhisperServer server("load 100");
     EXPECT_TRUE(server.start().starts_with("listening on http://127.0.0.1:"));
-    EXPECT_EQ(asked(server, uploadOf(7)), R"({"text":" samples=1600 first=7 language=auto"})");
+    EXPECT_EQ(asked(server, uploadOf(7)), R"({"text":"samples=32000 first=7 language=auto"})");
     EXPECT_NE(asked(server, "GET /v1/models HTTP/1.1\r\n\r\n").find("whisper-active"),
               std::string::npos);
+}
+
+TEST(WhisperServerTest, TheSpeedAtTheStartIsThatOfTheEngineWithoutItsLoading) {
+    WhisperServer server("load 3000\nspeed 2");
+    ASSERT_FALSE(server.start().empty());
+    QFile file(server.endpointFile());
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QString rtf = QString::fromUtf8(file.readAll()).section(QStringLiteral("rtf="), 1);
+    EXPECT_GT(rtf.trimmed().toDouble(), 1.2);
 }
 
 TEST(WhisperServerTest, TheLanguageOfTheOptionsReachesTheEngine) {
