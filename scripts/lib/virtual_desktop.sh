@@ -66,6 +66,7 @@ start_network() {
 <busconfig>
   <listen>unix:path=$desktop/network/bus</listen>
   <policy context="default">
+    <allow user="*"/>
     <allow own="*"/>
     <allow send_destination="*"/>
     <allow receive_sender="*"/>

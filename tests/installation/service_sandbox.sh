@@ -5,6 +5,8 @@
 . "$(dirname "$0")/support.sh"
 # shellcheck source=../../scripts/lib/virtual_microphone.sh
 . "$root/scripts/lib/virtual_microphone.sh"
+# shellcheck source=../../scripts/lib/virtual_desktop.sh
+. "$root/scripts/lib/virtual_desktop.sh"
 # shellcheck source=service_manager.sh
 . "$root/tests/installation/service_manager.sh"
 
@@ -23,7 +25,6 @@ install_into "$bundle"
 ln -s "$bundle/lib/systemd/user/$unit" "$home/.local/share/systemd/user/$unit"
 echo secret | tee "$home/diary" "$home/.config/diary" >"$home/.local/share/mail/diary"
 echo 'no model' >"$home/.local/share/Quietlark/models/active.bin"
-echo "QUIETLARK_ENDPOINT_FILE=$endpoint" >"$home/.config/Quietlark/server.conf"
 
 # What is within its reach, asked in its sandbox just before it starts.
 cat >"$directory/look.sh" <<'SH'
@@ -37,22 +38,31 @@ ls /home /root | xargs echo others:
 ls /dev | grep -E '^(sd|vd|dri|input|snd|video|mem|kvm)' | xargs echo devices:
 grep -E '^(NoNewPrivs|CapBnd|Seccomp):' /proc/self/status | xargs echo
 SH
-printf '[Service]\nExecStartPre=/bin/sh %s/look.sh %s\n' "$directory" "$directory" \
-    >"$home/.config/systemd/user/$unit.d/look.conf"
+printf '%s\n' '[Service]' "ExecStartPre=/bin/sh $directory/look.sh $directory" \
+    "StandardError=append:$directory/server.err" >"$home/.config/systemd/user/$unit.d/look.conf"
 chown -R "$user:$user" "$directory" 2>/dev/null || true
 chmod 755 "$scratch"
 
 at_end() {
     end_service_manager
+    end_all
 }
 start_service_manager "$directory" "$user"
 
 before_failing() {
     beside_manager "systemctl --user --no-pager status $unit" || true
-    cat "$directory.err" >&2
+    cat "$directory.err" "$directory/server.err" >&2
 }
 
-beside_manager "systemctl --user start $unit" || fail 'The service did not start.'
+# start_with SETTING...: sets $address.
+start_with() {
+    printf '%s\n' "QUIETLARK_ENDPOINT_FILE=$endpoint" "$@" >"$home/.config/Quietlark/server.conf"
+    beside_manager "systemctl --user restart $unit" || fail "The service did not start with: $*"
+    wait_until 60 test -s "$endpoint" || fail "The server did not say where it is with: $*"
+    address=$(sed -n 's/^local=//p' "$endpoint")
+}
+
+start_with
 expect 'what it sees' "home: . ./.local ./.local/opt ./.local/share ./.local/share/Quietlark \
 ./.local/share/Quietlark/models ./.local/share/Quietlark/models/active.bin
 model: no model
@@ -60,11 +70,26 @@ others: /home: /root:
 devices:
 CapBnd: 0000000000000000 NoNewPrivs: 1 Seccomp: 2" "$(cat "$directory/seen")"
 
-wait_until 60 test -s "$endpoint" || fail 'The server did not say where it is.'
+# With PocketSphinx.
 synthesise 'open the door' "$scratch/speech.wav"
-address=$(sed -n 's/^local=//p' "$endpoint")
 expect 'the transcript' 'open the door' "$(curl -sS -F "file=@$scratch/speech.wav" \
     -F response_format=text "http://$address/inference" | xargs)"
+
+# With whisper.cpp's server as the user has it, or what stands in for it.
+install -D --owner="$user" "$bin/whisper_stand_in" "$home/.local/bin/whisper-server"
+start_with "QUIETLARK_SERVER_WHISPER_SERVER=$home/.local/bin/whisper-server"
+curl -sS "http://$address/v1/models" | grep -q '"whisper-active"' || fail 'It does not use whisper.cpp.'
+curl -sSf -F "file=@$scratch/speech.wav" "http://$address/inference" | grep -q '"text"' ||
+    fail 'whisper.cpp does not transcribe.'
+
+# On the local network.
+desktop=$scratch logs=$scratch
+DBUS_SYSTEM_BUS_ADDRESS="unix:path=$desktop/network/bus"
+export DBUS_SYSTEM_BUS_ADDRESS
+start_network
+start_with QUIETLARK_SERVER_SHARE=yes "DBUS_SYSTEM_BUS_ADDRESS=$DBUS_SYSTEM_BUS_ADDRESS"
+wait_until 30 grep -q 'announced as' "$directory/server.err" ||
+    fail 'The network does not know of it.'
 
 beside_manager "systemd-analyze --user security --threshold=50 --no-pager $unit" ||
     fail 'The service is less confined than 5.0.'
