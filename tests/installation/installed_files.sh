@@ -11,10 +11,23 @@ check_desktop_file() {
     expect 'what the validator says' '' "$(desktop-file-validate "$scratch/with spaces/$desktop_file")"
 }
 
+# By itself, and beside the desktop file and the icons that it names.
 check_metainfo() {
-    install_into "$scratch/bundle"
+    install_into "$scratch/usr"
     appstreamcli validate --strict --no-net \
+        "$scratch/usr/share/metainfo/net.quietlark.app.metainfo.xml"
+    appstreamcli validate-tree --strict --no-net "$scratch"
+}
+
+check_version() {
+    local version
+    install_into "$scratch/bundle"
+    version=$("$bin/quietlark" --version)
+    version=${version#quietlark }
+    grep -q "<release version=\"$version\"" \
         "$scratch/bundle/share/metainfo/net.quietlark.app.metainfo.xml"
+    expect "the package's version" "quietlark ($version)" \
+        "$(head -n 1 "$root/packaging/debian/changelog" | cut -d ' ' -f 1-2)"
 }
 
 check_manuals() {
