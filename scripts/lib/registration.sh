@@ -115,8 +115,14 @@ remove_made() {
     done <<<"$1"
 }
 
+# Also where no service manager answers, or it ignores a service that its user has masked.
 stop_service() {
+    local units="${XDG_CONFIG_HOME:-$HOME/.config}/systemd/user" link
     systemctl --user disable --now "$service" 2>/dev/null || true
+    for link in "$units/$service" "$units/default.target.wants/$service"; do
+        ! leads_into_bundle "$link" || rm "$link"
+    done
+    rmdir "$units/default.target.wants" 2>/dev/null || true
 }
 
 # Starting at login is the application's own setting, in a file that names its program.

@@ -5,6 +5,7 @@
 
 home="$scratch/home"
 bundle="$home/.local/opt/Quietlark"
+service=net.quietlark.server.service
 
 # A home directory with something in it, and nobody's service manager.
 begin() {
@@ -44,6 +45,12 @@ expect 'files beside the links' './.config/autostart/another.desktop' \
 install_script || fail "It could not be installed again: $(cat "$scratch/err")"
 printf '[Desktop Entry]\nExec="%s/bin/quietlark"\n' "$bundle" \
     >"$home/.config/autostart/net.quietlark.app.desktop"
+# As systemd has it for a service that is enabled.
+units="$home/.config/systemd/user"
+mkdir "$units/default.target.wants"
+for link in "$units/$service" "$units/default.target.wants/$service"; do
+    ln -s "$bundle/lib/systemd/user/$service" "$link"
+done
 install_script --remove || fail "It could not be removed: $(cat "$scratch/err")"
 is_as_before
 

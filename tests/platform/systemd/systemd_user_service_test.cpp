@@ -122,10 +122,11 @@ TEST_F(SystemdUserServiceTest, ALinkedUnitIsStillInstalledWhenItIsNoLongerRegist
     EXPECT_TRUE(registerIt());
 }
 
-TEST_F(SystemdUserServiceTest, ALinkedUnitCanBeMasked) {
+TEST_F(SystemdUserServiceTest, ALinkedUnitThatIsEnabledCanBeMaskedByForce) {
     installAsLink();
+    ASSERT_TRUE(systemctl("enable --now"));
     follow();
-    ASSERT_TRUE(systemctl("mask"));
+    ASSERT_TRUE(systemctl("mask --now --force"));
     EXPECT_TRUE(becomes(ServiceStatus::requiresApproval));
 }
 
