@@ -5,9 +5,9 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QSaveFile>
-#include <QStandardPaths>
 
 #include "config/json_member.h"
+#include "platform/base_directories.h"
 #include "platform/regular_file.h"
 
 namespace quietlark {
@@ -26,10 +26,9 @@ constexpr QLatin1String onboardingStepKey("onboardingStep");
 constexpr qsizetype maxFileBytes = 1024 * 1024;
 
 QString userConfigurationFile() {
-    const QString directory =
-        QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+    const QString directory = configHome();
     if (directory.isEmpty()) qFatal("There is no directory for the user's settings");
-    return directory + QStringLiteral("/Quietlark/config.json");
+    return QDir(directory).filePath(QStringLiteral("Quietlark/config.json"));
 }
 
 tl::unexpected<SaveError> saveError(const QString& path, const QString& reason) {

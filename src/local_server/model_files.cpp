@@ -6,13 +6,13 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QStandardPaths>
+
+#include "platform/base_directories.h"
 
 namespace quietlark {
 
 ModelFiles ModelFiles::atDefaultDirectory() {
-    const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-    return ModelFiles(data + QStringLiteral("/Quietlark/models"));
+    return ModelFiles(QDir(dataHome()).filePath(QStringLiteral("Quietlark/models")));
 }
 
 ModelFiles::ModelFiles(QString directory) : m_directory(std::move(directory)) {}
