@@ -7,24 +7,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/posix/descriptor.h"
+
 namespace quietlark {
 
 namespace {
-
-class Descriptor {
-public:
-    explicit Descriptor(int number) : m_number(number) {}
-    ~Descriptor() {
-        if (m_number >= 0) ::close(m_number);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    [[nodiscard]] int number() const { return m_number; }
-
-private:
-    int m_number;
-};
 
 int openFlags(FileTrust trust) {
     // Opening a pipe for reading waits for a writer unless it is non-blocking.
@@ -59,7 +46,7 @@ std::optional<QByteArray> readToEnd(int descriptor, qsizetype expectedBytes, qsi
 std::optional<QByteArray> readRegularFile(const QString& path, qsizetype maxBytes,
                                           FileTrust trust) {
     const Descriptor file(::open(QFile::encodeName(path).constData(), openFlags(trust)));
-    if (file.number() < 0) return std::nullopt;
+    if (!file.isOpen()) return std::nullopt;
     // Asked of the open file, so that it cannot be another one by the time it is read.
     struct stat status {};
     if (::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;

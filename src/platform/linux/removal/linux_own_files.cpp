@@ -1,0 +1,95 @@
+#include "platform/linux/removal/linux_own_files.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "platform/linux/removal/own_tree.h"
+
+namespace quietlark {
+
+namespace {
+
+const QString programName = QStringLiteral("Quietlark");
+
+/// The directory that holds `path`, by way of links or not: that is where the program has written.
+/// Not open for a path that depends on where the program was started.
+Descriptor openParent(const QString& path) {
+    if (!path.startsWith(u'/')) return {};
+    return Descriptor(::open(QFile::encodeName(QFileInfo(path).path()).constData(),
+                             O_PATH | O_DIRECTORY | O_CLOEXEC));
+}
+
+QByteArray nameIn(const QString& path) {
+    return QFile::encodeName(QFileInfo(path).fileName());
+}
+
+bool standsFor(const QString& entry, const QByteArray& name) {
+    const QByteArray known = QFile::encodeName(entry);
+    return name == known || name.startsWith(known + '.');
+}
+
+/// Only the named entries, and folders on the way to them that this leaves empty.
+void removeEntries(const Descriptor& folder, const QStringList& entries) {
+    for (const QString& entry : entries) {
+        const QString below = entry.section(u'/', 1);
+        const QByteArray name = QFile::encodeName(entry.section(u'/', 0, 0));
+        if (below.isEmpty()) {
+            removeOwnEntries(folder,
+                             [&](const QByteArray& each) { return standsFor(entry, each); });
+            continue;
+        }
+        const Descriptor way = openOwnFolder(folder, name);
+        if (!way.isOpen()) continue;
+        removeEntries(way, {below});
+        ::unlinkat(folder.number(), name.constData(), AT_REMOVEDIR);
+    }
+}
+
+}  // namespace
+
+LinuxOwnFiles::LinuxOwnFiles(QStringList conventionalParents, QStringList keptPlaces)
+    : m_conventionalParents(std::move(conventionalParents)), m_keptPlaces(std::move(keptPlaces)) {}
+
+void LinuxOwnFiles::removeFolder(const Folder& folder) {
+    const QByteArray name = nameIn(folder.path);
+    const Descriptor parent = openParent(folder.path);
+    if (!parent.isOpen() || name != QFile::encodeName(programName)) return;
+    const bool isOurs = isByConvention(folder.path);
+    const Descriptor directory = openOwnFolder(parent, name);
+    if (!directory.isOpen()) {
+        // What a link leads to may be anything; the link itself is all that is there of ours.
+        if (isOurs && QFileInfo(folder.path).isSymLink()) removeFile(folder.path);
+        return;
+    }
+    const bool isKept = std::ranges::any_of(
+        m_keptPlaces, [&](const QString& place) { return isAtOrAbove(directory, place); });
+    if (isOurs && !isKept)
+        removeOwnEntries(directory, [](const QByteArray&) { return true; });
+    else
+        removeEntries(directory, folder.entries);
+    // Refused by the system as long as anything is left.
+    if (!isKept) ::unlinkat(parent.number(), name.constData(), AT_REMOVEDIR);
+}
+
+void LinuxOwnFiles::removeFile(const QString& path) {
+    const Descriptor parent = openParent(path);
+    const QByteArray name = nameIn(path);
+    struct stat status {};
+    if (!parent.isOpen() ||
+        ::fstatat(parent.number(), name.constData(), &status, AT_SYMLINK_NOFOLLOW) != 0)
+        return;
+    // Refused by the system for a folder.
+    if (isOwn(status)) ::unlinkat(parent.number(), name.constData(), 0);
+}
+
+bool LinuxOwnFiles::isByConvention(const QString& path) const {
+    return m_conventionalParents.contains(QDir::cleanPath(QFileInfo(path).path()));
+}
+
+}  // namespace quietlark

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QStringList>
+
+#include "platform/own_files.h"
+
+namespace quietlark {
+
+/// The program's files among the user's others. `~/.config/Quietlark` and the like are the
+/// program's by convention; a Quietlark elsewhere may be anything.
+class LinuxOwnFiles final : public OwnFiles {
+public:
+    /// `conventionalParents`: folders in which one of the program's name is the program's, absolute
+    /// and without a final slash. `keptPlaces`: directories that stay whatever their name, as does
+    /// every directory that holds one, such as the user's home.
+    LinuxOwnFiles(QStringList conventionalParents, QStringList keptPlaces);
+
+    void removeFolder(const Folder& folder) override;
+    void removeFile(const QString& path) override;
+
+private:
+    [[nodiscard]] bool isByConvention(const QString& path) const;
+
+    const QStringList m_conventionalParents;
+    const QStringList m_keptPlaces;
+};
+
+}  // namespace quietlark

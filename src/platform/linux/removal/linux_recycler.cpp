@@ -1,0 +1,89 @@
+#include "platform/linux/removal/linux_recycler.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "platform/linux/removal/own_tree.h"
+
+namespace quietlark {
+
+namespace {
+
+constexpr const char* packageName = "quietlark";
+constexpr const char* program = "bin/quietlark";
+constexpr const char* desktopEntry = "share/applications/net.quietlark.app.desktop";
+
+bool holdsFile(const Descriptor& folder, const char* path) {
+    struct stat status {};
+    return ::fstatat(folder.number(), path, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+           S_ISREG(status.st_mode);
+}
+
+bool holdsNothingElse(const QString& bundlePath) {
+    const QStringList parts{QStringLiteral("bin"), QStringLiteral("lib"), QStringLiteral("share")};
+    const auto entries =
+        QDir(bundlePath)
+            .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    return std::ranges::all_of(entries,
+                               [&](const QString& entry) { return parts.contains(entry); });
+}
+
+}  // namespace
+
+LinuxRecycler::LinuxRecycler(Places places, FreedesktopTrash trash, InstalledLinks links)
+    : m_places(std::move(places)), m_trash(std::move(trash)), m_links(std::move(links)) {}
+
+tl::expected<void, RecycleError> LinuxRecycler::recycle(const QString& bundlePath) {
+    if (const auto objection = objectionTo(bundlePath))
+        return tl::unexpected(RecycleError{*objection});
+    // While they still lead somewhere. Also where the Trash then refuses: all that is left for the
+    // user to remove is the bundle.
+    for (const QString& link : m_links.into(bundlePath))
+        QFile::remove(link);
+    return m_trash.move(bundlePath).map_error([](const QString& sentence) {
+        return RecycleError{sentence};
+    });
+}
+
+std::optional<QString> LinuxRecycler::objectionTo(const QString& bundlePath) const {
+    if (isPackaged(bundlePath)) {
+        return tr("Quietlark was installed as a package. Remove the package %1 with your package "
+                  "manager, for example with: sudo apt remove %1")
+            .arg(QLatin1String(packageName));
+    }
+    const QFileInfo info(bundlePath);
+    const Descriptor parent(
+        ::open(QFile::encodeName(info.path()).constData(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    const Descriptor bundle = openOwnFolder(parent, QFile::encodeName(info.fileName()));
+    const bool isBelowRoot =
+        std::ranges::any_of(m_places.applicationRoots,
+                            [&](const QString& root) { return bundlePath.startsWith(root); });
+    const bool isNamed = info.fileName() == QStringLiteral("Quietlark");
+    const bool holdsHome = std::ranges::any_of(
+        m_places.homes, [&](const QString& home) { return isAtOrAbove(bundle, home); });
+    const bool isProgram = bundle.isOpen() && holdsFile(bundle, program) &&
+                           holdsFile(bundle, desktopEntry) && holdsNothingElse(bundlePath) &&
+                           !holdsHome;
+    if (isBelowRoot && isNamed && isProgram) return std::nullopt;
+    if (isBelowRoot && isNamed && info.isDir() && info.ownerId() != ::geteuid())
+        return tr("%1 belongs to another user, who alone can remove it.").arg(bundlePath);
+    return tr("%1 is not a folder of Quietlark's alone, and has been left as it is. Remove the "
+              "program the way you installed it.")
+        .arg(bundlePath);
+}
+
+bool LinuxRecycler::isPackaged(const QString& bundlePath) const {
+    QFile list(m_places.packageFiles);
+    if (!list.open(QIODevice::ReadOnly)) return false;
+    const QString executable =
+        QFileInfo(bundlePath).isDir() ? bundlePath + u'/' + QLatin1String(program) : bundlePath;
+    return list.readAll().split('\n').contains(QFile::encodeName(executable));
+}
+
+}  // namespace quietlark

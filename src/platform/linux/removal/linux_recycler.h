@@ -1,0 +1,41 @@
+#pragma once
+
+#include <optional>
+
+#include <QCoreApplication>
+#include <QStringList>
+
+#include "platform/linux/removal/freedesktop_trash.h"
+#include "platform/linux/removal/installed_links.h"
+#include "platform/recycler.h"
+
+namespace quietlark {
+
+/// Moves a bundle to the Trash if it is a folder of the program's own: one called Quietlark, below
+/// a directory for applications, of this user's, that holds the program and nothing besides it.
+/// What a package manager has installed is left to that.
+class LinuxRecycler final : public Recycler {
+    Q_DECLARE_TR_FUNCTIONS(LinuxRecycler)
+
+public:
+    /// Where things are on this computer.
+    struct Places {
+        QStringList applicationRoots;  ///< whose folders may be bundles, each with a final slash
+        QStringList homes;             ///< of the user; no folder that holds one is a bundle
+        QString packageFiles;          ///< the list of the files of the package, if it is installed
+    };
+
+    LinuxRecycler(Places places, FreedesktopTrash trash, InstalledLinks links);
+
+    [[nodiscard]] tl::expected<void, RecycleError> recycle(const QString& bundlePath) override;
+
+private:
+    [[nodiscard]] std::optional<QString> objectionTo(const QString& bundlePath) const;
+    [[nodiscard]] bool isPackaged(const QString& bundlePath) const;
+
+    const Places m_places;
+    const FreedesktopTrash m_trash;
+    const InstalledLinks m_links;
+};
+
+}  // namespace quietlark

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace quietlark {
+
+/// What the program has written on this computer, for taking it away again: its own and nothing
+/// else, whatever paths the environment has led it to. Failures are not reported. Main thread.
+class OwnFiles {
+public:
+    struct Folder {
+        QString path;  ///< its last component is the program's name
+        /// What the program writes there, relative to `path`. Each name stands for that file and
+        /// for those that have a point and more behind it, such as temporary ones.
+        QStringList entries;
+    };
+
+    virtual ~OwnFiles() = default;
+
+    /// Removes the folder with everything in it where it is the program's by convention. Where the
+    /// environment has put it elsewhere, only the entries, and the folder if that leaves it empty.
+    /// Follows no link, and leaves what belongs to another user or is another file system.
+    virtual void removeFolder(const Folder& folder) = 0;
+
+    /// Removes that file, or link, if it is this user's. A folder stays.
+    virtual void removeFile(const QString& path) = 0;
+};
+
+}  // namespace quietlark
