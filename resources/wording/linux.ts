@@ -171,7 +171,7 @@
     <name>quietlark::GeneralPane</name>
     <message>
         <source>Stops the server, deletes the model and settings, revokes permissions (admin password required), and moves the app to the Trash.</source>
-        <translation>Stops the server, deletes the model and settings, and moves the program to the trash.</translation>
+        <translation>Stops the server, deletes the model and settings, and moves the program to the Trash.</translation>
     </message>
 </context>
 <context>
@@ -215,6 +215,10 @@ Quit, drag Quietlark to Applications, then open it from there.</source>
         <translation>Quietlark needs to live in /opt, in ~/.local/opt or in a package, so that your system can start the background server reliably.
 
 Quit, move Quietlark there, then open it from there.</translation>
+    </message>
+    <message>
+        <source>This will stop the background server, delete the downloaded model and all settings, revoke granted permissions, and move Quietlark to the Trash. macOS will prompt for your administrator password to revoke the permissions. You can always reinstall by downloading the app again.</source>
+        <translation>This will stop the background server, delete the downloaded model and all settings, and move Quietlark to the Trash. You can always install it again.</translation>
     </message>
 </context>
 </TS>

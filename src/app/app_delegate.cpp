@@ -17,14 +17,14 @@ AppDelegate::AppDelegate(AppState& appState, const Desktop& desktop, const Compu
       m_permissions(computer.permissions),
       m_notifications(notifications),
       m_scheduler(scheduler),
-      m_bundle(computer.installation, computer.defaults),
+      m_bundle(computer.traces.installation, computer.traces.defaults),
       m_status(desktop.statusItem, appState, computer.permissions, scheduler),
       m_windows(desktop.windows, desktop.shell),
       m_registrar(appState.daemon(), m_bundle, m_status, m_windows),
       m_reconciler(appState, m_registrar, m_status, m_windows),
-      m_watch(computer.permissions, appState.daemon(), scheduler) {
-    connect(&desktop.statusItem, &StatusItem::menuNeedsUpdate, this,
-            [this] { m_status.refresh(); });
+      m_watch(computer.permissions, appState.daemon(), scheduler),
+      m_uninstall(appState, m_windows, computer.traces) {
+    connect(&desktop.statusItem, &StatusItem::menuNeedsUpdate, this, &AppDelegate::refresh);
     connect(&desktop.statusItem, &StatusItem::chosen, this, &AppDelegate::perform);
     connect(&desktop.windows, &AppWindows::chosen, this, &AppDelegate::perform);
     connect(&desktop.windows, &AppWindows::onboardingFinished, this,
@@ -33,14 +33,15 @@ AppDelegate::AppDelegate(AppState& appState, const Desktop& desktop, const Compu
     connect(&m_watch, &PermissionsWatch::permissionsLost, &m_windows,
             &WindowPresenter::showPermissionsAlert);
     connect(&m_watch, &PermissionsWatch::approvalRequired, this, &AppDelegate::onApprovalRequired);
-    connect(&m_watch, &PermissionsWatch::ticked, this, [this] { m_status.refresh(); });
+    connect(&m_watch, &PermissionsWatch::ticked, this, &AppDelegate::refresh);
+    connect(&m_uninstall, &Uninstall::confirmed, this, &AppDelegate::stop);
+    connect(&m_uninstall, &Uninstall::finished, this, [this] { m_desktop.shell.terminate(); });
 }
 
 void AppDelegate::applicationDidFinishLaunching() {
     m_desktop.windows.setMainMenu(buildMainMenu(QCoreApplication::applicationName()));
     m_desktop.statusItem.show();
-    connect(&m_appState.dictation(), &Dictation::onStateChange, this,
-            [this] { m_status.refresh(); });
+    connect(&m_appState.dictation(), &Dictation::onStateChange, this, &AppDelegate::refresh);
     m_reconciler.noteServerMode();
     subscribe();
     connect(&m_notifications, &NotificationCenter::posted, this, &AppDelegate::onNotification);
@@ -79,7 +80,7 @@ void AppDelegate::showWhatIsMissing() {
 }
 
 bool AppDelegate::applicationShouldHandleReopen(bool hasVisibleWindows) {
-    if (!hasVisibleWindows) m_windows.openPrefs();
+    if (!hasVisibleWindows && !m_isStopped) m_windows.openPrefs();
     return true;
 }
 
@@ -89,22 +90,33 @@ void AppDelegate::reloadHotkeys() {
     Q_EMIT hotkeysLoaded(*m_hotkeys, complaints);
 }
 
+void AppDelegate::uninstall() {
+    m_uninstall.run();
+}
+
 void AppDelegate::stop() {
+    m_isStopped = true;
+    m_notifications.disconnect(this);
+    m_configSubscription.cancel();
     m_status.stopTimers();
     m_watch.stop();
     m_registrar.callOff();
     m_hotkeys.reset();
 }
 
+void AppDelegate::refresh() {
+    if (!m_isStopped) m_status.refresh();
+}
+
 void AppDelegate::onMainQueue(std::function<void()> action) {
     m_scheduler.post([alive = QPointer(this), action = std::move(action)] {
-        if (alive) action();
+        if (alive && !alive->m_isStopped) action();
     });
 }
 
 void AppDelegate::onNotification(const QString& name) {
     if (name == notification::modelReady) m_reconciler.onModelReady();
-    if (name == notification::uninstallRequested) Q_EMIT uninstallRequested();
+    if (name == notification::uninstallRequested) uninstall();
     if (name == notification::registerDaemonRequested) m_registrar.registerDaemon();
 }
 
@@ -122,7 +134,7 @@ void AppDelegate::finishOnboarding() {
 }
 
 void AppDelegate::perform(MenuAction action) {
-    if (action == MenuAction::openPrefs) m_windows.openPrefs();
+    if (action == MenuAction::openPrefs && !m_isStopped) m_windows.openPrefs();
     if (action == MenuAction::terminate) m_desktop.shell.terminate();
 }
 

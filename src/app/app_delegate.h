@@ -13,14 +13,13 @@
 #include "app/local_server_reconciler.h"
 #include "app/permissions_watch.h"
 #include "app/status_presenter.h"
+#include "app/uninstall.h"
 #include "app/window_presenter.h"
 #include "notifications/notification_center.h"
 #include "permissions/permissions.h"
-#include "platform/installation.h"
 #include "platform/key_event_source.h"
 #include "platform/scheduler.h"
 #include "platform/status_item.h"
-#include "platform/user_defaults.h"
 #include "state/app_state.h"
 
 namespace quietlark {
@@ -43,8 +42,7 @@ public:
     struct Computer {
         KeyEventSource& keyboard;
         Permissions& permissions;
-        const Installation& installation;
-        UserDefaults& defaults;
+        Uninstall::Computer traces;  ///< what the application leaves on it
     };
 
     /// Does nothing yet but read the permissions.
@@ -61,23 +59,22 @@ public:
     /// Replaces the hotkeys by what the settings say; a spec that does not parse means none.
     void reloadHotkeys();
 
-    /// Stops the timers and hotkeys and calls off what is still to be registered; for when the
-    /// application is about to be removed.
-    void stop();
+    /// Asks the user, and removes the application from this computer if that is the answer; the
+    /// process ends with that.
+    void uninstall();
 
 Q_SIGNALS:
     /// The hotkeys are those of the settings now; `complaints` says of each that does not parse
     /// why.
     void hotkeysLoaded(const quietlark::DictationHotkeys& hotkeys, const QStringList& complaints);
 
-    /// The user wants the application removed.
-    void uninstallRequested();
-
 private:
     void subscribe();
     void showWhatIsMissing();
     void onMainQueue(std::function<void()> action);
 
+    void stop();
+    void refresh();
     void onNotification(const QString& name);
     void onApprovalRequired();
     void finishOnboarding();
@@ -96,6 +93,8 @@ private:
     DaemonRegistrar m_registrar;
     LocalServerReconciler m_reconciler;
     PermissionsWatch m_watch;
+    Uninstall m_uninstall;
+    bool m_isStopped = false;
     std::optional<DictationHotkeys> m_hotkeys;  ///< absent until first loaded
     std::optional<ModelDownloader::State> m_lastDownload;
     Cancellable m_configSubscription;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include <QString>
 
 namespace quietlark {
@@ -22,6 +24,16 @@ struct Alert {
     bool operator==(const Alert&) const = default;
 };
 
+/// A question before something is done that cannot be taken back.
+struct Confirmation {
+    QString title;
+    QString text;
+    QString destructiveButton;  ///< the first one, which does it
+    QString cancelButton;       ///< the second one, which a hasty user gets
+
+    bool operator==(const Confirmation&) const = default;
+};
+
 /// The running application as the desktop sees it. Main thread.
 class ApplicationShell {
 public:
@@ -34,7 +46,13 @@ public:
     virtual void activateIgnoringOtherApps() = 0;
 
     /// Shows an alert that keeps the other windows from being used, and returns at once.
-    virtual void show(const Alert& alert) = 0;
+    /// `onClosed`, where there is one, runs once, when it has gone from the screen.
+    virtual void show(const Alert& alert, std::function<void()> onClosed) = 0;
+
+    /// Asks in the same way. `onAnswer` runs once, with whether it was the destructive button that
+    /// made the question go.
+    virtual void ask(const Confirmation& question,
+                     std::function<void(bool confirmed)> onAnswer) = 0;
 
     /// Ends the program when the event loop gets to it.
     virtual void terminate() = 0;

@@ -1,5 +1,7 @@
 #include "app/window_presenter.h"
 
+#include <utility>
+
 namespace quietlark {
 
 WindowPresenter::WindowPresenter(AppWindows& windows, ApplicationShell& shell)
@@ -39,11 +41,37 @@ void WindowPresenter::showMoveToApplicationsAlert() {
                   tr("Quietlark needs to live in your Applications folder so macOS can start the "
                      "background server reliably.\n\nQuit, drag Quietlark to Applications, then "
                      "open it from there."),
-                  tr("OK")});
+                  tr("OK")},
+                 {});
 }
 
 void WindowPresenter::showServerStartFailure(const QString& description) {
-    m_shell.show({Alert::Style::warning, tr("Couldn't start the server"), description, tr("OK")});
+    m_shell.show({Alert::Style::warning, tr("Couldn't start the server"), description, tr("OK")},
+                 {});
+}
+
+void WindowPresenter::askWhetherToUninstall(std::function<void(bool confirmed)> onAnswer) {
+    m_shell.activateIgnoringOtherApps();
+    m_shell.ask({tr("Uninstall Quietlark?"),
+                 tr("This will stop the background server, delete the downloaded model and all "
+                    "settings, revoke granted permissions, and move Quietlark to the Trash. macOS "
+                    "will prompt for your administrator password to revoke the permissions. You "
+                    "can always reinstall by downloading the app again."),
+                 tr("Uninstall"), tr("Cancel")},
+                std::move(onAnswer));
+}
+
+void WindowPresenter::showRecycleFailure(const QString& description,
+                                         std::function<void()> onClosed) {
+    m_shell.show(
+        {Alert::Style::warning, tr("Couldn't move Quietlark to the Trash"), description, tr("OK")},
+        std::move(onClosed));
+}
+
+void WindowPresenter::closeAll() {
+    using Kind = AppWindows::Kind;
+    for (const Kind kind : {Kind::onboarding, Kind::permissionsAlert, Kind::preferences})
+        close(kind);
 }
 
 void WindowPresenter::bringUp(AppWindows::Kind kind) {

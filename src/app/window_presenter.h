@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include <QObject>
 
 #include "app/app_windows.h"
@@ -29,6 +31,15 @@ public:
 
     /// Tells the user why the server on this computer does not start.
     void showServerStartFailure(const QString& description);
+
+    /// Makes this the active application and asks whether the user is sure. `onAnswer` runs once.
+    void askWhetherToUninstall(std::function<void(bool confirmed)> onAnswer);
+
+    /// Tells the user why the program is still there. `onClosed` runs once, when that is read.
+    void showRecycleFailure(const QString& description, std::function<void()> onClosed);
+
+    /// Closes and drops every window.
+    void closeAll();
 
 private:
     void bringUp(AppWindows::Kind kind);

@@ -41,6 +41,12 @@ Cancellable BackgroundModelFetcher::fetch(Handlers handlers) {
     });
 }
 
+void BackgroundModelFetcher::whenStill(std::function<void()> action) {
+    // The worker gets to it after what it has been told before.
+    m_worker.post(
+        [scheduler = &m_scheduler, action = std::move(action)] { scheduler->post(action); });
+}
+
 ModelFetcher::Handlers BackgroundModelFetcher::relayTo(
     const std::shared_ptr<Handlers>& handlers) const {
     // Whoever listens may be gone by the time the news gets there.

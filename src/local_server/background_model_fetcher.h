@@ -22,6 +22,7 @@ public:
                            Scheduler& worker, MakeHttp makeHttp);
 
     [[nodiscard]] Cancellable fetch(Handlers handlers) override;
+    void whenStill(std::function<void()> action) override;
 
 private:
     struct Attempt;

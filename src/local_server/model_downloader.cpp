@@ -37,6 +37,13 @@ void ModelDownloader::cancel() {
     m_task.reset();
 }
 
+void ModelDownloader::stop(std::function<void()> onStopped) {
+    cancel();
+    m_fetcher.whenStill([self = QPointer(this), onStopped = std::move(onStopped)] {
+        if (self) onStopped();
+    });
+}
+
 void ModelDownloader::onNextTurn(std::function<void()> action) {
     m_scheduler.post([self = QPointer(this), action = std::move(action)] {
         if (self) action();

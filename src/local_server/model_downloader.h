@@ -56,6 +56,9 @@ public:
     /// Stops the download and keeps what has been received for the next start(). The state stays.
     void cancel();
 
+    /// As cancel(), and runs `onStopped` later, once the files are no longer touched.
+    void stop(std::function<void()> onStopped);
+
 Q_SIGNALS:
     void stateChanged(const quietlark::ModelDownloader::State& state);
     /// One of progress(), bytesWritten() and totalBytes() has changed.

@@ -27,6 +27,10 @@ public:
     /// thread, never before the call returns. Destroying the handle cancels: what has been received
     /// is kept for the next attempt. The models directory is there. Main thread.
     [[nodiscard]] virtual Cancellable fetch(Handlers handlers) = 0;
+
+    /// Runs `action` on the main thread, never before the call returns, once no fetch that has been
+    /// cancelled before is at work on the files any more. Main thread.
+    virtual void whenStill(std::function<void()> action) = 0;
 };
 
 }  // namespace quietlark

@@ -16,6 +16,9 @@ public:
     /// directories with other programs. Absolute, without a final slash.
     [[nodiscard]] virtual QString bundlePath() const = 0;
 
+    /// What the system knows the program by; absent for one that it knows nothing of.
+    [[nodiscard]] virtual std::optional<QString> bundleIdentifier() const = 0;
+
     /// Directories that applications are installed below, each with its final slash.
     [[nodiscard]] virtual QStringList applicationRoots() const = 0;
 

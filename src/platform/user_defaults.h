@@ -17,6 +17,9 @@ public:
 
     /// Harmless where there is no such value.
     virtual void remove(const QString& key) = 0;
+
+    /// Forgets everything.
+    virtual void removeAll() = 0;
 };
 
 }  // namespace quietlark

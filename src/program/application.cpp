@@ -7,8 +7,6 @@
 #include <utility>
 
 #include <QApplication>
-#include <QDir>
-#include <QFileInfo>
 #include <QProcessEnvironment>
 
 #include "local_server/model_source.h"
@@ -22,10 +20,6 @@ namespace {
 
 AppState::Files stateFiles() {
     return {Config::defaultFileURL(), ModelFiles::atDefaultDirectory(), EndpointFile()};
-}
-
-QString defaultsPath() {
-    return QFileInfo(Config::defaultFileURL()).dir().filePath(QStringLiteral("defaults.ini"));
 }
 
 /// What the user can do now, such as "hold ctrl+alt+space to dictate".
@@ -61,11 +55,9 @@ Application::Application(SessionBusService& service, Console& console)
       m_statusItem(m_desktop.scheduler),
       m_keyCapture(keyCodeOfNative),
       m_keyboard(m_desktop.keyboard, m_keyCapture),
-      m_windowParts(m_state, m_transcription.resolver, m_desktop, m_notifications, m_keyCapture),
+      m_windowParts(m_state, m_transcription.resolver,
+                    {m_desktop, m_keyCapture, m_traces.loginItem}, m_notifications),
       m_windows(m_windowParts.contents()),
-      m_installation(QCoreApplication::applicationFilePath(), QDir::homePath(),
-                     qEnvironmentVariable("QUIETLARK_APPLICATIONS")),
-      m_defaults(defaultsPath()),
       m_gate(m_desktop.scheduler) {
     connect(&m_desktop.keyConnection, &X11KeyConnection::displayLost, this,
             &Application::endWithoutDisplay);
@@ -124,7 +116,7 @@ void Application::launch() {
     // Not before, because it compares with what it has found of the desktop first.
     m_delegate.emplace(
         m_state, AppDelegate::Desktop{m_statusItem, m_windows, m_shell},
-        AppDelegate::Computer{m_keyboard, m_desktop.permissions, m_installation, m_defaults},
+        AppDelegate::Computer{m_keyboard, m_desktop.permissions, m_traces.computer()},
         m_notifications, m_desktop.scheduler);
     connect(&*m_delegate, &AppDelegate::hotkeysLoaded, this, &Application::sayHow);
     connect(&m_service, &SessionBusService::reopenRequested, &*m_delegate,

@@ -13,16 +13,15 @@
 #include "hotkeys/uncaptured_key_events.h"
 #include "local_server/background_model_fetcher.h"
 #include "notifications/notification_center.h"
-#include "platform/linux/installation/linux_installation.h"
 #include "platform/linux/journal/journal_log.h"
 #include "platform/linux/session_bus/session_bus_service.h"
 #include "platform/linux/x11/pasteboard/x11_pasteboard.h"
 #include "platform/qt/qt_http_client.h"
 #include "platform/qt/qt_worker_thread.h"
-#include "platform/qt/settings_user_defaults.h"
 #include "platform/qt_widgets/qt_key_capture.h"
 #include "platform/qt_widgets/tray_status_item.h"
 #include "program/desktop_adapters.h"
+#include "program/own_traces.h"
 #include "program/quit_signals.h"
 #include "program/window_parts.h"
 #include "state/app_state.h"
@@ -74,11 +73,10 @@ private:
     TrayStatusItem m_statusItem;
     QtKeyCapture m_keyCapture;
     UncapturedKeyEvents m_keyboard;
+    OwnTraces m_traces{Config::defaultFileURL()};
     WindowParts m_windowParts;
     QtAppWindows m_windows;
     QtApplicationShell m_shell;
-    LinuxInstallation m_installation;
-    SettingsUserDefaults m_defaults;
     std::optional<AppDelegate> m_delegate;  ///< from the launch on
     LaunchGate m_gate;
     QString m_saidHow;

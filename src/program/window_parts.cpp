@@ -2,9 +2,6 @@
 
 #include <memory>
 
-#include <QCoreApplication>
-#include <QStandardPaths>
-
 #include "ui/general_pane.h"
 #include "ui/hotkey_row.h"
 #include "ui/permissions_alert_view.h"
@@ -12,15 +9,14 @@
 
 namespace quietlark {
 
-WindowParts::WindowParts(AppState& state, ServerResolver& resolver, DesktopAdapters& desktop,
-                         NotificationCenter& notifications, KeyCapture& keyCapture)
+WindowParts::WindowParts(AppState& state, ServerResolver& resolver, const Computer& computer,
+                         NotificationCenter& notifications)
     : m_state(state),
       m_resolver(resolver),
-      m_desktop(desktop),
+      m_desktop(computer.desktop),
+      m_loginItem(computer.loginItem),
       m_notifications(notifications),
-      m_captureCoordinator(keyCapture),
-      m_loginItem(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation),
-                  QCoreApplication::applicationFilePath()) {}
+      m_captureCoordinator(computer.keyCapture) {}
 
 QtAppWindows::Contents WindowParts::contents() {
     return {[this] { return makeOnboarding(); }, [this] { return makePermissionsAlert(); },

@@ -5,7 +5,7 @@
 #include "hotkeys/hotkey_capture_coordinator.h"
 #include "notifications/notification_center.h"
 #include "platform/linux/processor/linux_processor.h"
-#include "platform/linux/xdg/autostart_entry.h"
+#include "platform/login_item.h"
 #include "program/desktop_adapters.h"
 #include "servers/hardware_profile.h"
 #include "servers/server_ranker.h"
@@ -24,8 +24,15 @@ class WindowParts final : public QObject {
     Q_OBJECT
 
 public:
-    WindowParts(AppState& state, ServerResolver& resolver, DesktopAdapters& desktop,
-                NotificationCenter& notifications, KeyCapture& keyCapture);
+    /// What the windows show of this computer.
+    struct Computer {
+        DesktopAdapters& desktop;
+        KeyCapture& keyCapture;
+        LoginItem& loginItem;
+    };
+
+    WindowParts(AppState& state, ServerResolver& resolver, const Computer& computer,
+                NotificationCenter& notifications);
 
     [[nodiscard]] QtAppWindows::Contents contents();
 
@@ -42,13 +49,13 @@ private:
     AppState& m_state;
     ServerResolver& m_resolver;
     DesktopAdapters& m_desktop;
+    LoginItem& m_loginItem;
     NotificationCenter& m_notifications;
     HotkeyCaptureCoordinator m_captureCoordinator;
     EndpointFile m_endpointFile;
     LinuxProcessor m_processor;
     HardwareProfile m_hardware{m_processor};
     ServerRanker m_ranker{m_hardware};
-    AutostartEntry m_loginItem;
 };
 
 }  // namespace quietlark

@@ -47,6 +47,9 @@ public:
     [[nodiscard]] ModelDownloader& modelDownloader() { return *m_modelDownloader; }
     [[nodiscard]] Dictation& dictation();
 
+    /// Where the state is kept.
+    [[nodiscard]] const Files& files() const { return m_files; }
+
     [[nodiscard]] const LocalServerConditions& localServer() const { return m_localServer; }
 
     /// The way of every edit of the settings: puts `config` in place, tells the subscribers, has

@@ -12,6 +12,8 @@ namespace quietlark {
 
 namespace {
 
+const QString usualPath = QStringLiteral("/tmp/quietlark.endpoint");
+
 constexpr QLatin1String localKey("local");
 constexpr QLatin1String displayKey("display");
 constexpr QLatin1String rtfKey("rtf");
@@ -45,6 +47,11 @@ QStringView takeLine(QStringView& text) {
     return line;
 }
 
+/// Empty where the line has none.
+QStringView keyOf(QStringView line) {
+    return trimSpacesAndTabs(line.first(std::max<qsizetype>(line.indexOf(u'='), 0)));
+}
+
 /// A finite decimal number that takes up the whole text, whatever the locale.
 std::optional<double> parseDouble(const QString& text) {
     const QByteArray digits = text.toUtf8();
@@ -63,8 +70,7 @@ std::optional<double> parseDouble(const QString& text) {
 EndpointFile::EndpointFile(QString path) : m_path(std::move(path)) {}
 
 QString EndpointFile::defaultPath() {
-    return qEnvironmentVariable("QUIETLARK_ENDPOINT_FILE",
-                                QStringLiteral("/tmp/quietlark.endpoint"));
+    return qEnvironmentVariable("QUIETLARK_ENDPOINT_FILE", usualPath);
 }
 
 std::optional<QString> EndpointFile::read() const {
@@ -86,6 +92,18 @@ bool EndpointFile::isDistrusted() const {
            readRegularFile(m_path, maxFileBytes, FileTrust::Anyone);
 }
 
+bool EndpointFile::isServers() const {
+    if (m_path == usualPath) return true;
+    const auto content = readRegularFile(m_path, maxFileBytes, FileTrust::OwnerAndRoot);
+    const auto text = content ? decodeUtf8(*content) : std::nullopt;
+    if (!text || !read()) return false;
+    for (QStringView rest = *text; !rest.isEmpty();) {
+        const QStringView key = keyOf(takeLine(rest));
+        if (key != localKey && key != displayKey && key != rtfKey) return false;
+    }
+    return true;
+}
+
 std::optional<EndpointFile::Pairs> EndpointFile::dict() const {
     const auto content = readRegularFile(m_path, maxFileBytes, FileTrust::OwnerAndRoot);
     if (!content) return std::nullopt;
@@ -94,11 +112,10 @@ std::optional<EndpointFile::Pairs> EndpointFile::dict() const {
     Pairs pairs;
     for (QStringView rest = *text; !rest.isEmpty();) {
         const QStringView line = takeLine(rest);
-        const qsizetype separator = line.indexOf(u'=');
-        if (separator < 0) continue;
-        const QStringView key = trimSpacesAndTabs(line.first(separator));
+        const QStringView key = keyOf(line);
         if (key.isEmpty()) continue;
-        pairs[key.toString()] = trimSpacesAndTabs(line.sliced(separator + 1)).toString();
+        const QStringView value = line.sliced(line.indexOf(u'=') + 1);
+        pairs[key.toString()] = trimSpacesAndTabs(value).toString();
     }
     if (pairs.isEmpty()) return std::nullopt;
     return pairs;

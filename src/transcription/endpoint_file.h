@@ -29,6 +29,10 @@ public:
     /// Whether there is a file that can be read, but that somebody else might have written.
     [[nodiscard]] bool isDistrusted() const;
 
+    /// Whether a server must have written the file: it has the usual name, or it says nothing but
+    /// what servers say. The environment may name any other file.
+    [[nodiscard]] bool isServers() const;
+
     [[nodiscard]] const QString& path() const { return m_path; }
 
 private:

@@ -1,10 +1,9 @@
 #pragma once
 
+#include <QMessageBox>
 #include <QPointer>
 
 #include "app/application_shell.h"
-
-class QMessageBox;
 
 namespace quietlark {
 
@@ -16,10 +15,15 @@ public:
     /// The windows ask for the focus themselves when they are shown.
     void activateIgnoringOtherApps() override {}
     /// One alert at a time: a newer one takes the place of the one before.
-    void show(const Alert& alert) override;
+    void show(const Alert& alert, std::function<void()> onClosed) override;
+    /// As an alert. The return and escape keys and closing it are the cancel button.
+    void ask(const Confirmation& question, std::function<void(bool confirmed)> onAnswer) override;
     void terminate() override;
 
 private:
+    QMessageBox& makeBox(QMessageBox::Icon icon, const QString& title, const QString& text);
+    static void bringUp(QMessageBox& box);
+
     ActivationPolicy m_policy = ActivationPolicy::accessory;
     QPointer<QMessageBox> m_alert;
 };

@@ -7,7 +7,11 @@
 #include "fakes/fake_application_shell.h"
 #include "fakes/fake_installation.h"
 #include "fakes/fake_key_event_source.h"
+#include "fakes/fake_login_item.h"
+#include "fakes/fake_own_files.h"
 #include "fakes/fake_privacy.h"
+#include "fakes/fake_privacy_records.h"
+#include "fakes/fake_recycler.h"
 #include "fakes/fake_status_item.h"
 #include "fakes/fake_user_defaults.h"
 #include "state/app_state_fixture.h"
@@ -34,8 +38,11 @@ protected:
         if (!m_delegate) {
             m_delegate = std::make_unique<AppDelegate>(
                 state(), AppDelegate::Desktop{statusItem, windows, shell},
-                AppDelegate::Computer{keyboard, permissions, installation, defaults}, notifications,
-                scheduler);
+                AppDelegate::Computer{
+                    keyboard,
+                    permissions,
+                    {installation, defaults, loginItem, ownFiles, privacyRecords, recycler}},
+                notifications, scheduler);
         }
         return *m_delegate;
     }
@@ -84,6 +91,12 @@ protected:
         settle();
     }
 
+    /// The user wants the application removed, and is sure.
+    void uninstall() {
+        notifications.post(notification::uninstallRequested);
+        shell.answer(true);
+    }
+
     static Config withSpace(Config config) {
         config.hotkey = QStringLiteral("space");
         return config;
@@ -98,6 +111,10 @@ protected:
     FakeKeyEventSource keyboard;
     FakeInstallation installation;
     FakeUserDefaults defaults;
+    FakeLoginItem loginItem;
+    FakeOwnFiles ownFiles;
+    FakePrivacyRecords privacyRecords;
+    FakeRecycler recycler;
 
 private:
     std::unique_ptr<AppDelegate> m_delegate;

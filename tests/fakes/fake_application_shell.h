@@ -1,5 +1,6 @@
 #pragma once
 
+#include <utility>
 #include <vector>
 
 #include "app/application_shell.h"
@@ -15,12 +16,29 @@ public:
         ++m_policyChanges;
     }
     void activateIgnoringOtherApps() override { ++m_activations; }
-    void show(const Alert& alert) override { m_alerts.push_back(alert); }
+    void show(const Alert& alert, std::function<void()> onClosed) override {
+        m_alerts.push_back(alert);
+        m_onClosed = std::move(onClosed);
+    }
+    void ask(const Confirmation& question, std::function<void(bool)> onAnswer) override {
+        m_questions.push_back(question);
+        m_onAnswer = std::move(onAnswer);
+    }
+
+    /// The user has read the last alert.
+    void closeAlert() {
+        if (const auto onClosed = std::exchange(m_onClosed, nullptr)) onClosed();
+    }
+    /// The user answers the last question.
+    void answer(bool confirmed) {
+        if (const auto onAnswer = std::exchange(m_onAnswer, nullptr)) onAnswer(confirmed);
+    }
     void terminate() override { m_isTerminated = true; }
 
     [[nodiscard]] int policyChanges() const { return m_policyChanges; }
     [[nodiscard]] int activations() const { return m_activations; }
     [[nodiscard]] const std::vector<Alert>& alerts() const { return m_alerts; }
+    [[nodiscard]] const std::vector<Confirmation>& questions() const { return m_questions; }
     [[nodiscard]] bool isTerminated() const { return m_isTerminated; }
 
 private:
@@ -28,6 +46,9 @@ private:
     int m_policyChanges = 0;
     int m_activations = 0;
     std::vector<Alert> m_alerts;
+    std::vector<Confirmation> m_questions;
+    std::function<void()> m_onClosed;
+    std::function<void(bool)> m_onAnswer;
     bool m_isTerminated = false;
 };
 

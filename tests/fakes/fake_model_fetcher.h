@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <utility>
+#include <vector>
 
 #include "local_server/model_fetcher.h"
 
@@ -16,6 +17,16 @@ public:
         return Cancellable([this, weak = std::weak_ptr<Handlers>(m_running)] {
             if (weak.lock() == m_running) m_running.reset();
         });
+    }
+
+    void whenStill(std::function<void()> action) override {
+        m_waiting.push_back(std::move(action));
+    }
+
+    /// What has been cancelled has ended, and everybody who waits for that is told.
+    void becomeStill() {
+        for (const auto& action : std::exchange(m_waiting, {}))
+            action();
     }
 
     /// How many fetches have been started so far.
@@ -36,6 +47,7 @@ private:
 
     int m_fetchCount = 0;
     std::shared_ptr<Handlers> m_running;
+    std::vector<std::function<void()>> m_waiting;
 };
 
 }  // namespace quietlark

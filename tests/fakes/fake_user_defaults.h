@@ -16,6 +16,7 @@ public:
     }
     void set(const QString& key, const QString& value) override { m_values[key] = value; }
     void remove(const QString& key) override { m_values.erase(key); }
+    void removeAll() override { m_values.clear(); }
 
 private:
     std::map<QString, QString> m_values;

@@ -172,6 +172,23 @@ TEST_F(ModelDownloaderTest, CancellingLeavesTheStateAndTheNextStartContinues) {
     EXPECT_EQ(m_fetcher.fetchCount(), 2);
 }
 
+TEST_F(ModelDownloaderTest, StoppingTellsWhenTheFilesAreNoLongerTouched) {
+    start();
+    int times = 0;
+    m_downloader->stop([&times] { ++times; });
+    EXPECT_FALSE(m_fetcher.isFetching());
+    EXPECT_EQ(times, 0);
+    m_fetcher.becomeStill();
+    EXPECT_EQ(times, 1);
+}
+
+TEST_F(ModelDownloaderTest, NobodyIsToldOnceTheDownloaderIsGone) {
+    start();
+    m_downloader->stop([] { FAIL(); });
+    m_downloader.reset();
+    m_fetcher.becomeStill();
+}
+
 TEST_F(ModelDownloaderTest, ItsEndIsACancellation) {
     create();
     m_downloader->start();

@@ -298,4 +298,19 @@ TEST_F(ModelServerTest, CancellingWhileBytesArriveIsContinued) {
     EXPECT_EQ(lastRange(), "bytes=" + QByteArray::number(mebibyte) + '-');
 }
 
+TEST_F(ModelServerTest, StoppedItBringsNothingBackOfWhatIsThenRemoved) {
+    serverDoes(http_reply::bytesAndSilence(head(0) + m_model.first(mebibyte)));
+    start();
+    ASSERT_TRUE(waitUntil([this] { return m_downloader->bytesWritten() == mebibyte; }));
+    bool isStill = false;
+    m_downloader->stop([&isStill] { isStill = true; });
+    EXPECT_FALSE(isStill);
+    ASSERT_TRUE(waitUntil([&isStill] { return isStill; }));
+    EXPECT_TRUE(QFile::exists(m_files.resume()));
+    QDir(m_files.directory()).removeRecursively();
+    m_downloader.reset();
+    EXPECT_TRUE(waitUntil([this] { return m_server.openConnectionCount() == 0; }));
+    EXPECT_FALSE(QFile::exists(m_files.directory()));
+}
+
 }  // namespace quietlark

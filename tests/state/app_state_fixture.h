@@ -58,6 +58,9 @@ protected:
         return *m_state;
     }
 
+    /// The next state() is loaded anew.
+    void restart() { m_state.reset(); }
+
     void installModel() {
         ASSERT_TRUE(files.model.ensureDirectory().has_value());
         write(files.model.active(), "model");
@@ -81,11 +84,13 @@ protected:
         return network.requests().size() - before;
     }
 
-    /// Everything that is due now has happened, on the main queue and at the service manager.
+    /// Everything that is due now has happened, on the main queue, at the service manager and
+    /// where the model is fetched.
     void settle() {
         for (int turn = 0; turn < 4; ++turn) {
             scheduler.runPosted();
             service.answer();
+            fetcher.becomeStill();
         }
         scheduler.runPosted();
     }

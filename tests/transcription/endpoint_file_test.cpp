@@ -48,6 +48,33 @@ TEST_F(EndpointFileTest, LastOfRepeatedKeysWins) {
     expectNoLocal("local=a\nlocal=\n");
 }
 
+TEST_F(EndpointFileTest, AFileThatSaysNothingElseIsAServers) {
+    write("local=127.0.0.1:8080\ndisplay=desk:8080\nrtf=2.5\n");
+    EXPECT_TRUE(m_endpointFile.isServers());
+    write(" local = h:1");
+    EXPECT_TRUE(m_endpointFile.isServers());
+}
+
+TEST_F(EndpointFileTest, AFileThatSaysAnythingElseIsNot) {
+    for (const char* content : {"", "local=\n", "rtf=1\n", "local=h:1\nDear diary\n",
+                                "local=h:1\n\nrtf=1\n", "local=h:1\npath=/usr/bin\n", "\xff"}) {
+        write(content);
+        EXPECT_FALSE(m_endpointFile.isServers()) << content;
+    }
+}
+
+TEST_F(EndpointFileTest, AFileThatIsMissingOrDistrustedIsNot) {
+    EXPECT_FALSE(EndpointFile(QString()).isServers());
+    EXPECT_FALSE(EndpointFile(QStringLiteral("/missing")).isServers());
+    write("local=h:1\n");
+    ASSERT_EQ(::chmod(QFile::encodeName(m_endpointFile.path()).constData(), 0666), 0);
+    EXPECT_FALSE(m_endpointFile.isServers());
+}
+
+TEST_F(EndpointFileTest, TheUsualNameIsAServersWhateverTheFileSays) {
+    EXPECT_TRUE(EndpointFile(QStringLiteral("/tmp/quietlark.endpoint")).isServers());
+}
+
 TEST_F(EndpointFileTest, KeysAreCaseSensitiveAndOthersIgnored) {
     expectNoLocal("Local=a\nhost=b\n");
 }

@@ -1,5 +1,7 @@
 #include "platform/qt/settings_user_defaults.h"
 
+#include <QFile>
+
 namespace quietlark {
 
 SettingsUserDefaults::SettingsUserDefaults(const QString& path)
@@ -17,6 +19,12 @@ void SettingsUserDefaults::set(const QString& key, const QString& value) {
 
 void SettingsUserDefaults::remove(const QString& key) {
     m_settings.remove(key);
+    m_settings.sync();
+}
+
+void SettingsUserDefaults::removeAll() {
+    // Writing an empty file would write to whatever a link leads to.
+    QFile::remove(m_settings.fileName());
     m_settings.sync();
 }
 

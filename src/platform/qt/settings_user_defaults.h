@@ -15,6 +15,8 @@ public:
     [[nodiscard]] std::optional<QString> string(const QString& key) const override;
     void set(const QString& key, const QString& value) override;
     void remove(const QString& key) override;
+    /// Removes the file; of a link, the link.
+    void removeAll() override;
 
 private:
     QSettings m_settings;

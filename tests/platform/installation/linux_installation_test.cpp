@@ -47,6 +47,10 @@ TEST_F(LinuxInstallationTest, ApplicationsBelongInThreePlaces) {
               QStringLiteral("/opt/ /home/me/.local/opt/ /usr/"));
 }
 
+TEST_F(LinuxInstallationTest, TheIdentifierIsThatOfTheDesktopEntry) {
+    EXPECT_EQ(installation.bundleIdentifier(), QStringLiteral("net.quietlark.app"));
+}
+
 TEST_F(LinuxInstallationTest, TheModificationDateHasItsFraction) {
     modifiedAt(1'700'000'000, 250'000'000);
     EXPECT_EQ(installation.executableModificationDate(), 1'700'000'000.25);

@@ -1,7 +1,9 @@
 #include <functional>
 #include <memory>
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -59,6 +61,15 @@ TYPED_TEST(UserDefaultsContractTest, WhatWasRemovedIsAbsentAndRemovingItAgainIsH
     EXPECT_FALSE(this->defaults->string(key).has_value());
 }
 
+TYPED_TEST(UserDefaultsContractTest, OnceAllIsRemovedNothingIsLeftAndAllCanBeSetAgain) {
+    this->defaults->set(key, QStringLiteral("one"));
+    this->defaults->removeAll();
+    EXPECT_FALSE(this->defaults->string(key).has_value());
+    this->defaults->removeAll();
+    this->defaults->set(key, QStringLiteral("two"));
+    EXPECT_EQ(this->defaults->string(key), QStringLiteral("two"));
+}
+
 class SettingsUserDefaultsTest : public ::testing::Test {
 protected:
     QTemporaryDir directory;
@@ -74,6 +85,28 @@ TEST_F(SettingsUserDefaultsTest, TheNextRunFindsWhatWasSetEvenAfterACrash) {
 TEST_F(SettingsUserDefaultsTest, ReadingCreatesNoFile) {
     EXPECT_FALSE(SettingsUserDefaults(path).string(key).has_value());
     EXPECT_FALSE(QFile::exists(path));
+}
+
+TEST_F(SettingsUserDefaultsTest, OnceAllIsRemovedThereIsNoFileAlsoWhenTheProgramEnds) {
+    {
+        SettingsUserDefaults defaults(path);
+        defaults.set(key, QStringLiteral("one"));
+        defaults.removeAll();
+        EXPECT_FALSE(QFile::exists(path));
+    }
+    EXPECT_TRUE(QDir(directory.path()).isEmpty());
+}
+
+TEST_F(SettingsUserDefaultsTest, RemovingAllWhereALinkLeadsElsewhereLeavesThat) {
+    const QString elsewhere = directory.filePath(QStringLiteral("thesis"));
+    QFile file(elsewhere);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("[General]\nkey=value\n");
+    file.close();
+    ASSERT_TRUE(QFile::link(elsewhere, path));
+    SettingsUserDefaults(path).removeAll();
+    EXPECT_FALSE(QFileInfo(path).isSymLink());
+    EXPECT_EQ(QFileInfo(elsewhere).size(), 20);
 }
 
 TEST_F(SettingsUserDefaultsTest, AFileThatIsNoneOfOursReadsAsEmpty) {

@@ -16,6 +16,11 @@ public:
 
     [[nodiscard]] QString bundlePath() const override;
 
+    /// That of the desktop entry, wherever the program lies.
+    [[nodiscard]] std::optional<QString> bundleIdentifier() const override {
+        return QStringLiteral("net.quietlark.app");
+    }
+
     /// "/opt/", "~/.local/opt/", and "/usr/" for what a package manager has installed.
     [[nodiscard]] QStringList applicationRoots() const override { return m_applicationRoots; }
 

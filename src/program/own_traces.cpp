@@ -1,0 +1,55 @@
+#include "program/own_traces.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <pwd.h>
+#include <unistd.h>
+
+#include "platform/base_directories.h"
+
+namespace quietlark {
+
+namespace {
+
+QString furtherRoot() {
+    return qEnvironmentVariable("QUIETLARK_APPLICATIONS");
+}
+
+QString defaultsBeside(const QString& settingsFile) {
+    return QFileInfo(settingsFile).dir().filePath(QStringLiteral("defaults.ini"));
+}
+
+/// Whatever HOME says.
+QString registeredHome() {
+    const passwd* user = ::getpwuid(::geteuid());
+    return user ? QFile::decodeName(user->pw_dir) : QString();
+}
+
+/// Of the roots of applications the ones that are not a package manager's.
+QStringList bundleRoots(const Installation& installation) {
+    QStringList roots = installation.applicationRoots();
+    roots.removeAll(QStringLiteral("/usr/"));
+    return roots;
+}
+
+InstalledLinks installedLinks() {
+    return InstalledLinks(QDir::homePath(), {configHome(), usualConfigHome()},
+                          {dataHome(), usualDataHome()});
+}
+
+}  // namespace
+
+OwnTraces::OwnTraces(const QString& settingsFile)
+    : installation(QCoreApplication::applicationFilePath(), QDir::homePath(), furtherRoot()),
+      defaults(defaultsBeside(settingsFile)),
+      loginItem(configHome(), QCoreApplication::applicationFilePath()),
+      files({usualConfigHome(), usualDataHome()},
+            {QDir::rootPath(), QDir::homePath(), registeredHome(), installation.bundlePath()}),
+      recycler({bundleRoots(installation),
+                {QDir::homePath(), registeredHome()},
+                QStringLiteral("/var/lib/dpkg/info/quietlark.list")},
+               FreedesktopTrash(dataHome()), installedLinks()) {}
+
+}  // namespace quietlark
