@@ -34,9 +34,9 @@ QStringList bundleRoots(const Installation& installation) {
     return roots;
 }
 
-InstalledLinks installedLinks() {
-    return InstalledLinks(QDir::homePath(), {configHome(), usualConfigHome()},
-                          {dataHome(), usualDataHome()});
+Registration registration() {
+    return Registration(QDir::homePath(), {configHome(), usualConfigHome()},
+                        {dataHome(), usualDataHome()});
 }
 
 }  // namespace
@@ -50,6 +50,6 @@ OwnTraces::OwnTraces(const QString& settingsFile)
       recycler({bundleRoots(installation),
                 {QDir::homePath(), registeredHome()},
                 QStringLiteral("/var/lib/dpkg/info/quietlark.list")},
-               FreedesktopTrash(dataHome()), installedLinks()) {}
+               FreedesktopTrash(dataHome()), registration()) {}
 
 }  // namespace quietlark

@@ -80,7 +80,7 @@ protected:
     LinuxOwnFiles ownFiles{{at("config"), at("data")}, {directory.path()}};
     LinuxRecycler recycler{{{at("opt/")}, {}, at("no-package")},
                            FreedesktopTrash(at("data")),
-                           InstalledLinks(directory.path(), {}, {})};
+                           Registration(directory.path(), {}, {})};
     std::optional<AppDelegate> delegate;
 };
 

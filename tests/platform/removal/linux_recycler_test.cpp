@@ -19,7 +19,7 @@ protected:
         return LinuxRecycler(
                    {{at("opt/"), at("home/.local/opt/")}, {at("home")}, at("dpkg/quietlark.list")},
                    FreedesktopTrash(at("home/.local/share")),
-                   InstalledLinks(at("home"), {at("home/.config")}, {at("home/.local/share")}))
+                   Registration(at("home"), {at("home/.config")}, {at("home/.local/share")}))
             .recycle(path);
     }
 
@@ -52,6 +52,20 @@ TEST_F(LinuxRecyclerTest, ABundleOfOurOwnGoesToTheTrashWithItsLinks) {
     EXPECT_EQ(listing("home/.local/bin"), "other");
     EXPECT_EQ(listing("home/.config"), "autostart");
     EXPECT_TRUE(exists("home/.local/share/Trash/files/Quietlark/bin/quietlark"));
+}
+
+TEST_F(LinuxRecyclerTest, FoldersThatWereMadeForItGoWhereNothingElseIsInThem) {
+    link("home/.local/bin/quietlark", at("home/.local/opt/Quietlark/bin/quietlark"));
+    link("home/.local/share/man/man1/quietlark.1", at("home/.local/opt/Quietlark/share/man"));
+    write("home/.local/share/man/man1/other.1");
+    write("home/.local/opt/Quietlark/share/quietlark/registered",
+          at("home/.local/opt/").toUtf8() + '\n' + at("home/.local/bin/").toUtf8() + '\n' +
+              at("home/.local/share/man/").toUtf8() + '\n' +
+              at("home/.local/share/man/man1/").toUtf8() + '\n');
+    ASSERT_TRUE(recycle("home/.local/opt/Quietlark").has_value());
+    EXPECT_EQ(listing("home/.local/share/man"), "man1 man1/other.1");
+    EXPECT_FALSE(exists("home/.local/bin"));
+    EXPECT_FALSE(exists("home/.local/opt"));
 }
 
 TEST_F(LinuxRecyclerTest, AFolderBelowARootPassesToo) {
@@ -139,7 +153,7 @@ TEST_F(LinuxRecyclerTest, AFolderThatHoldsTheHomeDirectoryIsRefused) {
     makeFolder("opt/Quietlark/share/home");
     const auto recycled =
         LinuxRecycler({{at("opt/")}, {at("opt/Quietlark/share/home")}, at("no-package")},
-                      FreedesktopTrash(at("home/.local/share")), InstalledLinks(at("home"), {}, {}))
+                      FreedesktopTrash(at("home/.local/share")), Registration(at("home"), {}, {}))
             .recycle(at("opt/Quietlark"));
     EXPECT_FALSE(recycled.has_value());
     EXPECT_TRUE(exists("opt/Quietlark/bin/quietlark"));

@@ -36,19 +36,23 @@ bool holdsNothingElse(const QString& bundlePath) {
 
 }  // namespace
 
-LinuxRecycler::LinuxRecycler(Places places, FreedesktopTrash trash, InstalledLinks links)
-    : m_places(std::move(places)), m_trash(std::move(trash)), m_links(std::move(links)) {}
+LinuxRecycler::LinuxRecycler(Places places, FreedesktopTrash trash, Registration registration)
+    : m_places(std::move(places)),
+      m_trash(std::move(trash)),
+      m_registration(std::move(registration)) {}
 
 tl::expected<void, RecycleError> LinuxRecycler::recycle(const QString& bundlePath) {
     if (const auto objection = objectionTo(bundlePath))
         return tl::unexpected(RecycleError{*objection});
-    // While they still lead somewhere. Also where the Trash then refuses: all that is left for the
-    // user to remove is the bundle.
-    for (const QString& link : m_links.into(bundlePath))
+    // Also where the Trash then refuses: all that is left for the user to remove is the bundle.
+    const Registration::Traces traces = m_registration.of(bundlePath);
+    for (const QString& link : traces.links)
         QFile::remove(link);
-    return m_trash.move(bundlePath).map_error([](const QString& sentence) {
-        return RecycleError{sentence};
-    });
+    const auto moved = m_trash.move(bundlePath);
+    // Refused by the system where there is something in them.
+    for (const QString& folder : traces.folders)
+        QDir().rmdir(folder);
+    return moved.map_error([](const QString& sentence) { return RecycleError{sentence}; });
 }
 
 std::optional<QString> LinuxRecycler::objectionTo(const QString& bundlePath) const {

@@ -6,7 +6,7 @@
 #include <QStringList>
 
 #include "platform/linux/removal/freedesktop_trash.h"
-#include "platform/linux/removal/installed_links.h"
+#include "platform/linux/removal/registration.h"
 #include "platform/recycler.h"
 
 namespace quietlark {
@@ -25,7 +25,7 @@ public:
         QString packageFiles;          ///< the list of the files of the package, if it is installed
     };
 
-    LinuxRecycler(Places places, FreedesktopTrash trash, InstalledLinks links);
+    LinuxRecycler(Places places, FreedesktopTrash trash, Registration registration);
 
     [[nodiscard]] tl::expected<void, RecycleError> recycle(const QString& bundlePath) override;
 
@@ -35,7 +35,7 @@ private:
 
     const Places m_places;
     const FreedesktopTrash m_trash;
-    const InstalledLinks m_links;
+    const Registration m_registration;
 };
 
 }  // namespace quietlark

@@ -1,4 +1,4 @@
-#include "platform/linux/removal/installed_links.h"
+#include "platform/linux/removal/registration.h"
 
 #include <filesystem>
 #include <system_error>
@@ -6,10 +6,16 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QSet>
+
+#include "platform/regular_file.h"
 
 namespace quietlark {
 
 namespace {
+
+// Hundreds of times what one holds.
+constexpr qsizetype longestListBytes = 1024 * 1024;
 
 const QStringList belowHome{QStringLiteral(".local/bin/quietlark"),
                             QStringLiteral(".local/bin/quietlark-server")};
@@ -21,6 +27,8 @@ const QStringList belowConfigHome{
 
 const QStringList belowDataHome{QStringLiteral("applications/net.quietlark.app.desktop"),
                                 QStringLiteral("icons/hicolor/*/apps/net.quietlark.app*"),
+                                QStringLiteral("man/man1/quietlark.1"),
+                                QStringLiteral("man/man1/quietlark-server.1"),
                                 QStringLiteral("metainfo/net.quietlark.app.metainfo.xml"),
                                 QStringLiteral("systemd/user/net.quietlark.server.service")};
 
@@ -54,10 +62,32 @@ std::filesystem::path endOf(const QString& link) {
     return failure ? std::filesystem::path() : end;
 }
 
+QSet<QString> foldersOnTheWayTo(const QStringList& paths) {
+    QSet<QString> folders;
+    for (const QString& path : paths) {
+        for (QString at = QFileInfo(path).path(); at != QDir::rootPath() && !folders.contains(at);
+             at = QFileInfo(at).path())
+            folders << at;
+    }
+    return folders;
+}
+
+/// A line each, in the order in which they were made, with a final slash.
+QStringList foldersMadeFor(const QString& bundle) {
+    const auto list = readRegularFile(bundle + QStringLiteral("/share/quietlark/registered"),
+                                      longestListBytes, FileTrust::OwnerAndRoot);
+    QStringList folders;
+    for (const QByteArray& line : list.value_or(QByteArray()).split('\n')) {
+        if (line.size() > 1 && line.endsWith('/'))
+            folders.prepend(QFile::decodeName(line).chopped(1));
+    }
+    return folders;
+}
+
 }  // namespace
 
-InstalledLinks::InstalledLinks(const QString& home, const QStringList& configHomes,
-                               const QStringList& dataHomes) {
+Registration::Registration(const QString& home, const QStringList& configHomes,
+                           const QStringList& dataHomes) {
     const auto add = [this](const QString& folder, const QStringList& places) {
         for (const QString& place : places)
             m_patterns << folder + u'/' + place;
@@ -70,17 +100,23 @@ InstalledLinks::InstalledLinks(const QString& home, const QStringList& configHom
     m_patterns.removeDuplicates();
 }
 
-QStringList InstalledLinks::into(const QString& bundlePath) const {
+Registration::Traces Registration::of(const QString& bundlePath) const {
     const QString bundle = QFileInfo(bundlePath).canonicalFilePath();
     if (bundle.isEmpty()) return {};
-    QStringList links;
+    Traces traces;
+    QStringList places{bundlePath};
     for (const QString& pattern : m_patterns) {
         for (const QString& path : pathsLike(pattern)) {
             const QString end = QFile::decodeName(QByteArray::fromStdString(endOf(path).native()));
-            if (end.startsWith(bundle + u'/')) links << path;
+            if (end.startsWith(bundle + u'/')) traces.links << path;
+            places << path;
         }
     }
-    return links;
+    const auto folders = foldersOnTheWayTo(places);
+    for (const QString& folder : foldersMadeFor(bundle)) {
+        if (folders.contains(folder)) traces.folders << folder;
+    }
+    return traces;
 }
 
 }  // namespace quietlark

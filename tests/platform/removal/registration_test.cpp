@@ -1,13 +1,13 @@
-#include "platform/linux/removal/installed_links.h"
+#include "platform/linux/removal/registration.h"
 
 #include "platform/removal/file_tree.h"
 
 namespace quietlark {
 namespace {
 
-class InstalledLinksTest : public FileTree {
+class RegistrationTest : public FileTree {
 protected:
-    InstalledLinksTest() {
+    RegistrationTest() {
         write("home/.local/opt/Quietlark/bin/quietlark");
         write("home/.local/opt/Quietlark/share/systemd/user/net.quietlark.server.service");
     }
@@ -16,19 +16,33 @@ protected:
         return at("home/.local/opt/Quietlark/") + QString::fromUtf8(path);
     }
 
+    /// The list that installing leaves in the bundle.
+    void note(const QStringList& paths) const {
+        write("home/.local/opt/Quietlark/share/quietlark/registered",
+              paths.join(u'\n').toUtf8() + '\n');
+    }
+
+    Registration::Traces traces() const {
+        return Registration(at("home"), {at("home/.config"), at("home/.config")},
+                            {at("home/.local/share")})
+            .of(at("home/.local/opt/Quietlark"));
+    }
+
     /// Below the home directory, in one line.
-    std::string found() const {
-        const InstalledLinks links(at("home"), {at("home/.config"), at("home/.config")},
-                                   {at("home/.local/share")});
-        QStringList paths = links.into(at("home/.local/opt/Quietlark"));
-        paths.sort();
+    std::string belowHome(QStringList paths) const {
         for (QString& path : paths)
             path = QDir(at("home")).relativeFilePath(path);
         return paths.join(u' ').toStdString();
     }
+    std::string links() const {
+        QStringList paths = traces().links;
+        paths.sort();
+        return belowHome(paths);
+    }
+    std::string folders() const { return belowHome(traces().folders); }
 };
 
-TEST_F(InstalledLinksTest, AllThatInstallingLeavesIsFound) {
+TEST_F(RegistrationTest, AllThatInstallingLeavesIsFound) {
     link("home/.local/bin/quietlark", bundle("bin/quietlark"));
     link("home/.local/bin/quietlark-server", bundle("bin/quietlark-server"));
     link("home/.local/share/applications/net.quietlark.app.desktop", bundle("share/a"));
@@ -40,7 +54,7 @@ TEST_F(InstalledLinksTest, AllThatInstallingLeavesIsFound) {
     link("home/.config/systemd/user/net.quietlark.server.service",
          bundle("share/systemd/user/net.quietlark.server.service"));
     link("home/.config/autostart/net.quietlark.app.desktop", bundle("share/f"));
-    EXPECT_EQ(found(),
+    EXPECT_EQ(links(),
               ".config/autostart/net.quietlark.app.desktop "
               ".config/systemd/user/net.quietlark.server.service "
               ".local/bin/quietlark .local/bin/quietlark-server "
@@ -51,18 +65,18 @@ TEST_F(InstalledLinksTest, AllThatInstallingLeavesIsFound) {
               ".local/share/metainfo/net.quietlark.app.metainfo.xml");
 }
 
-TEST_F(InstalledLinksTest, ALinkByWayOfAnotherIsFound) {
+TEST_F(RegistrationTest, ALinkByWayOfAnotherIsFound) {
     link("home/.config/systemd/user/net.quietlark.server.service",
          QStringLiteral("../../../.local/opt/Quietlark/share/systemd/user/"
                         "net.quietlark.server.service"));
     link("home/.config/systemd/user/default.target.wants/net.quietlark.server.service",
          QStringLiteral("../net.quietlark.server.service"));
-    EXPECT_EQ(found(),
+    EXPECT_EQ(links(),
               ".config/systemd/user/default.target.wants/net.quietlark.server.service "
               ".config/systemd/user/net.quietlark.server.service");
 }
 
-TEST_F(InstalledLinksTest, FilesAndLinksToOtherPlacesAreNot) {
+TEST_F(RegistrationTest, FilesAndLinksToOtherPlacesAreNot) {
     write("home/.local/bin/quietlark");
     write("home/.local/opt/Quietlark2/bin/quietlark");
     link("home/.local/bin/quietlark-server", at("home/.local/opt/Quietlark2/bin/quietlark"));
@@ -71,20 +85,48 @@ TEST_F(InstalledLinksTest, FilesAndLinksToOtherPlacesAreNot) {
     link("home/.config/systemd/user/net.quietlark.server.service",
          QStringLiteral("net.quietlark.server.service"));
     link("home/.local/share/metainfo/net.quietlark.app.metainfo.xml", QStringLiteral("/dev/null"));
-    EXPECT_EQ(found(), "");
+    EXPECT_EQ(links(), "");
 }
 
-TEST_F(InstalledLinksTest, LinksIntoTheBundleUnderOtherNamesAreTheUsers) {
+TEST_F(RegistrationTest, LinksIntoTheBundleUnderOtherNamesAreTheUsers) {
     link("home/.local/bin/dictate", bundle("bin/quietlark"));
     link("home/Desktop/net.quietlark.app.desktop", bundle("share/a"));
-    EXPECT_EQ(found(), "");
+    EXPECT_EQ(links(), "");
 }
 
-TEST_F(InstalledLinksTest, WithoutTheBundleThereAreNone) {
+TEST_F(RegistrationTest, WithoutTheBundleThereAreNone) {
     link("home/.local/bin/quietlark", bundle("bin/quietlark"));
-    const InstalledLinks links(at("home"), {}, {});
-    EXPECT_TRUE(links.into(at("missing")).isEmpty());
-    EXPECT_TRUE(links.into(QString()).isEmpty());
+    const Registration registration(at("home"), {}, {});
+    EXPECT_TRUE(registration.of(at("missing")).links.isEmpty());
+    EXPECT_TRUE(registration.of(QString()).links.isEmpty());
+}
+
+// Folders
+
+TEST_F(RegistrationTest, FoldersMadeForTheBundleAreToldFromTheInside) {
+    link("home/.local/share/icons/hicolor/48x48/apps/net.quietlark.app.png", bundle("share/c"));
+    note({at("home/.local/opt/"), at("home/.local/bin/"), at("home/.local/bin/quietlark"),
+          at("home/.local/share/icons/hicolor/"), at("home/.local/share/icons/hicolor/48x48/"),
+          at("home/.local/share/icons/hicolor/48x48/apps/"), at("home/.config/systemd/user/")});
+    EXPECT_EQ(folders(),
+              ".config/systemd/user .local/share/icons/hicolor/48x48/apps "
+              ".local/share/icons/hicolor/48x48 .local/share/icons/hicolor .local/bin .local/opt");
+}
+
+TEST_F(RegistrationTest, WhatElseTheListNamesIsNotOurs) {
+    note({at("home/work/"), at("home/.local/opt/Other/"), QStringLiteral("/"), QString(),
+          QStringLiteral("bin/"), at("home/.local/bin/../../work/"), at("home/.config/autostart")});
+    EXPECT_EQ(folders(), "");
+}
+
+TEST_F(RegistrationTest, AListThatSomebodyElseMightHaveWrittenIsNotBelieved) {
+    note({at("home/.local/opt/")});
+    EXPECT_EQ(folders(), ".local/opt");
+    ASSERT_TRUE(QFile::setPermissions(bundle("share/quietlark/registered"),
+                                      QFile::ReadOwner | QFile::WriteOther));
+    EXPECT_EQ(folders(), "");
+    ASSERT_TRUE(QFile::remove(bundle("share/quietlark/registered")));
+    EXPECT_EQ(folders(), "");
 }
 
 }  // namespace
