@@ -1,6 +1,6 @@
 #include "ui/server_list_page.h"
 
-#include <QListView>
+#include <QItemSelectionModel>
 #include <QPushButton>
 #include <QScopedValueRollback>
 #include <QScrollBar>
@@ -9,6 +9,7 @@
 
 #include "picker/server_picker_model.h"
 #include "ui/page_labels.h"
+#include "ui/server_list_view.h"
 #include "ui/server_row_delegate.h"
 
 namespace quietlark {
@@ -17,7 +18,7 @@ ServerListPage::ServerListPage(ServerPickerModel& model, ServerStep& step)
     : m_model(model),
       m_step(step),
       m_content(new QStackedWidget),
-      m_list(new QListView),
+      m_list(new ServerListView),
       m_otherAddress(new QPushButton(tr("Enter another address"))) {
     setUpList();
     m_content->addWidget(makeEmptyState());
@@ -81,12 +82,18 @@ void ServerListPage::onSelectionChanged() {
     m_model.setListSelection(selected.first().data(ServerListModel::idRole).toString());
 }
 
-/// The list itself moves on to a neighbour when the selected row goes; the choice does not.
+/// The list itself moves on to a neighbour when the selected row goes; the choice does not. Until
+/// there is one the keyboard begins at the first row.
 void ServerListPage::showSelection() {
+    QItemSelectionModel& selection = *m_list->selectionModel();
     const QModelIndex chosen = m_rows.indexOf(m_model.listSelection().value_or(QString()));
-    if (!chosen.isValid()) return m_list->clearSelection();
-    if (!m_list->selectionModel()->isSelected(chosen))
-        m_list->selectionModel()->setCurrentIndex(chosen, QItemSelectionModel::ClearAndSelect);
+    if (!chosen.isValid()) {
+        selection.clearSelection();
+        if (!selection.currentIndex().isValid() || !m_list->hasFocus())
+            selection.setCurrentIndex(m_rows.index(0), QItemSelectionModel::NoUpdate);
+    } else if (selection.currentIndex() != chosen || !selection.isSelected(chosen)) {
+        selection.setCurrentIndex(chosen, QItemSelectionModel::ClearAndSelect);
+    }
 }
 
 /// Scrolls so that the row stands where it stood, however many came or went above it.

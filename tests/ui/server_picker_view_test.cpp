@@ -1,23 +1,13 @@
 #include <QAccessible>
-#include <QScrollBar>
 
 #include "ui/picker_view_fixture.h"
-#include "ui/server_list_model.h"
 
 namespace quietlark {
 namespace {
 
 using namespace std::chrono_literals;
 
-class ServerPickerViewTest : public PickerViewFixture {
-protected:
-    void publishMany(int count) {
-        for (int i = 0; i < count; ++i)
-            publish(QByteArray("Box " + QByteArray::number(i)).constData());
-    }
-    /// The name of the row at the upper edge of the list.
-    QString topName() { return list().indexAt({1, 1}).data().toString(); }
-};
+using ServerPickerViewTest = PickerViewFixture;
 
 TEST_F(ServerPickerViewTest, TheCardsSayWhatTheyStandFor) {
     installModel();
@@ -155,79 +145,6 @@ TEST_F(ServerPickerViewTest, ConnectWaitsForAServer) {
     EXPECT_TRUE(button("connect").isEnabled());
     withdraw("Box");
     EXPECT_FALSE(button("connect").isEnabled());
-}
-
-TEST_F(ServerPickerViewTest, WithoutServersTheListSaysThatItLooks) {
-    showList();
-    EXPECT_TRUE(reads("Servers on your local network"));
-    EXPECT_TRUE(reads("Looking for servers…"));
-    publish("Box");
-    EXPECT_FALSE(reads("Looking for servers…"));
-    EXPECT_EQ(names(), QStringList{text("Box")});
-}
-
-TEST_F(ServerPickerViewTest, TheSelectionStaysWhileServersComeAndGo) {
-    publish("A");
-    publish("B");
-    publish("C");
-    showList();
-    model().setListSelection(idOf("B"));
-    EXPECT_EQ(selectedName(), text("B"));
-    withdraw("A");
-    publish("D");
-    EXPECT_EQ(selectedName(), text("B"));
-    EXPECT_EQ(model().listSelection(), idOf("B"));
-}
-
-TEST_F(ServerPickerViewTest, ASelectedServerThatGoesLeavesNoOtherSelected) {
-    publish("A");
-    publish("B");
-    showList();
-    model().setListSelection(idOf("A"));
-    withdraw("A");
-    EXPECT_EQ(selectedName(), QString());
-    EXPECT_EQ(model().listSelection(), idOf("A"));
-    publish("A");
-    EXPECT_EQ(selectedName(), text("A"));
-}
-
-TEST_F(ServerPickerViewTest, AClickBesideTheRowsKeepsTheSelection) {
-    publish("A");
-    showList();
-    model().setListSelection(idOf("A"));
-    QTest::mouseClick(list().viewport(), Qt::LeftButton, {},
-                      list().viewport()->rect().bottomLeft() - QPoint(-5, 5));
-    EXPECT_EQ(selectedName(), text("A"));
-}
-
-TEST_F(ServerPickerViewTest, TheScrollPositionStaysWhileServersComeAndGo) {
-    publishMany(40);
-    showList();
-    list().scrollTo(list().model()->index(20, 0), QListView::PositionAtTop);
-    const QString top = topName();
-    ASSERT_EQ(top, text("Box 20"));
-    withdraw("Box 3");
-    withdraw("Box 30");
-    publish("Late");
-    EXPECT_EQ(topName(), top);
-}
-
-TEST_F(ServerPickerViewTest, WhatTheNetworkSendsIsNeverMarkup) {
-    publish("<h1>Big</h1>");
-    showList();
-    EXPECT_EQ(names(), QStringList{text("<h1>Big</h1>")});
-    const QString tip = list().model()->index(0, 0).data(Qt::ToolTipRole).toString();
-    EXPECT_FALSE(tip.contains(text("<h1>")));
-    for (const QLabel* label : view().findChildren<QLabel*>())
-        EXPECT_TRUE(label->textFormat() == Qt::PlainText || label->text().isEmpty());
-}
-
-TEST_F(ServerPickerViewTest, ALongNameDoesNotWidenTheWindow) {
-    showList();
-    const int before = view().minimumSizeHint().width();
-    publish(QByteArray(5000, 'x').constData());
-    EXPECT_EQ(view().minimumSizeHint().width(), before);
-    EXPECT_FALSE(list().horizontalScrollBar()->isVisible());
 }
 
 TEST_F(ServerPickerViewTest, TheAddressFieldShowsHowItsCheckStands) {
