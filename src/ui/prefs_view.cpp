@@ -40,6 +40,9 @@ PrefsView::PrefsView(const std::map<PrefsTab, QWidget*>& panes) : m_tabs(new QTa
 void PrefsView::select(PrefsTab tab) {
     m_tabs->setCurrentIndex(
         static_cast<int>(std::ranges::find(allPrefsTabs, tab) - allPrefsTabs.begin()));
+    // On from the tab itself to the first control below it.
+    m_tabs->setFocus();
+    focusNextChild();
 }
 
 PrefsTab PrefsView::selected() const {

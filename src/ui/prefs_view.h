@@ -18,6 +18,7 @@ public:
     /// Takes the panes, one for each tab.
     explicit PrefsView(const std::map<PrefsTab, QWidget*>& panes);
 
+    /// Shows that pane and gives it the keyboard.
     void select(PrefsTab tab);
     [[nodiscard]] PrefsTab selected() const;
 

@@ -116,6 +116,14 @@ TEST_F(WindowsTest, TheServerTabIsShownWhereItIsAskedFor) {
     EXPECT_EQ(prefs().selected(), PrefsTab::server);
 }
 
+TEST_F(WindowsTest, WhereAServerIsToBeChosenTheKeyboardChoosesIt) {
+    windows().showServerTab();
+    ASSERT_TRUE(shown().isActiveWindow());
+    press(Qt::Key_Down);
+    press(Qt::Key_Return);
+    EXPECT_TRUE(reads("Servers on your local network"));
+}
+
 TEST_F(WindowsTest, TheToggleHotkeyCanBeClearedAndTheHoldHotkeyCannot) {
     Config config = manualRemote();
     config.toggleHotkey = text("f5");
