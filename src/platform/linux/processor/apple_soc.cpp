@@ -15,7 +15,7 @@ struct Soc {
     QLatin1String brand;
 };
 
-// The larger chip of the third generation comes in two cuts with a number each, both sold as Max.
+// M3 Max has an ID for each of its sizes: t6031 with 16 processor cores and t6034 with 14.
 constexpr std::array socs{
     Soc{"apple,t8103", QLatin1String("Apple M1")},
     Soc{"apple,t6000", QLatin1String("Apple M1 Pro")},

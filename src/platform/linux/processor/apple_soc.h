@@ -9,8 +9,10 @@ namespace quietlark {
 /// "compatible" property: identifiers that each end in NUL, among them one such as "apple,t6020".
 /// Empty when it names no such chip, or one that is not known here. Any thread.
 ///
-/// The identifiers are those of the kernel's device-tree bindings (arm/apple.yaml); for the third
-/// and fourth generation those that Apple's own device trees use in the same place.
+/// The kernel's binding (Documentation/devicetree/bindings/arm/apple.yaml) makes the identifier of
+/// the chip's SoC ID. It names the M1 and M2 families and the M3; its patches of July 2026 name M3
+/// Pro, Max and Ultra ("dt-bindings: arm: apple: Add M3 Pro/Max/Ultra devices (T603x)") and M4. The
+/// IDs of M4 Pro and Max are those of Asahi Linux (docs/hw/soc/soc-codenames.md).
 [[nodiscard]] QString appleSocBrand(const QByteArray& compatible);
 
 }  // namespace quietlark
