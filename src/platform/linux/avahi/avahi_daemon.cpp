@@ -20,7 +20,7 @@ AvahiDaemon::AvahiDaemon(SystemBus& bus) : m_bus(bus) {
     connect(&m_bus, &SystemBus::opened, this, &AvahiDaemon::findOwner);
     connect(&m_bus, &SystemBus::closed, this, [this] {
         m_owner.clear();
-        m_calls.clear();
+        dropCalls();
         setState(State::NoBus);
     });
 }
@@ -76,11 +76,17 @@ void AvahiDaemon::useOwner(const QString& owner) {
             connection.connect(owner, QString(), interface, QString(), this,
                                SLOT(receive(QDBusMessage)));
     }
-    m_calls.clear();
+    dropCalls();
     const bool hadOwner = !std::exchange(m_owner, QString()).isEmpty();
     if (hadOwner || owner.isEmpty()) setState(State::Absent);
     m_owner = owner;
     if (!owner.isEmpty()) setState(State::Running);
+}
+
+void AvahiDaemon::dropCalls() {
+    m_calls.clear();
+    m_preparations = 0;
+    m_early.clear();
 }
 
 void AvahiDaemon::setState(State state) {
@@ -96,8 +102,27 @@ void AvahiDaemon::call(const QString& path, const QString& interface, const QStr
     m_calls.add(*m_bus.connection(), message, context, std::move(onReply));
 }
 
+void AvahiDaemon::prepare(const QString& method, const QVariantList& arguments,
+                          CallQueue::ReplyHandler onReply) {
+    if (m_owner.isEmpty()) return;
+    ++m_preparations;
+    call(QStringLiteral("/"), QStringLiteral("org.freedesktop.Avahi.Server2"), method, arguments,
+         this, [this, onReply = std::move(onReply)](const QDBusMessage& reply) {
+             const bool isLast = --m_preparations == 0;
+             onReply(reply);
+             if (isLast) m_early.clear();
+         });
+}
+
 void AvahiDaemon::listen(const QString& path, SignalHandler onSignal) {
     m_listeners[path] = std::move(onSignal);
+    for (const QDBusMessage& signal : std::exchange(m_early, {})) {
+        if (signal.path() == path) {
+            receive(signal);
+        } else {
+            m_early.push_back(signal);
+        }
+    }
 }
 
 void AvahiDaemon::forget(const QString& path) {
@@ -106,10 +131,15 @@ void AvahiDaemon::forget(const QString& path) {
 
 void AvahiDaemon::receive(const QDBusMessage& signal) {
     // A signal that was under way when its daemon ended is of no use any more.
+    if (signal.service() != m_owner) return;
     const auto listener = m_listeners.find(signal.path());
-    if (signal.service() != m_owner || listener == m_listeners.end()) return;
-    const auto onSignal = listener->second;
-    onSignal(signal);
+    if (listener != m_listeners.end()) {
+        const auto onSignal = listener->second;
+        onSignal(signal);
+    } else if (m_preparations > 0) {
+        // The daemon may signal at once what it knows, and that arrive before the object's path.
+        m_early.push_back(signal);
+    }
 }
 
 }  // namespace quietlark

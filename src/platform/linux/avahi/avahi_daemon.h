@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <map>
+#include <vector>
 
 #include <QDBusMessage>
 #include <QObject>
@@ -40,8 +41,14 @@ public:
     void call(const QString& path, const QString& interface, const QString& method,
               const QVariantList& arguments, QObject* context, CallQueue::ReplyHandler onReply);
 
+    /// As call(), for a method that makes an object of the daemon's and replies with its path. What
+    /// the object signals before `onReply` runs is kept for it.
+    void prepare(const QString& method, const QVariantList& arguments,
+                 CallQueue::ReplyHandler onReply);
+
     using SignalHandler = std::function<void(const QDBusMessage& signal)>;
-    /// Passes on the signals of one of the daemon's objects until forget().
+    /// Passes on the signals of one of the daemon's objects until forget(); those that were kept at
+    /// once.
     void listen(const QString& path, SignalHandler onSignal);
     void forget(const QString& path);
 
@@ -56,6 +63,7 @@ private Q_SLOTS:
 private:
     void findOwner();
     void useOwner(const QString& owner);
+    void dropCalls();
     void setState(State state);
 
     SystemBus& m_bus;
@@ -64,6 +72,8 @@ private:
     QString m_owner;  ///< the unique name of the daemon that runs
     bool m_hasHeardOfOwner = false;
     std::map<QString, SignalHandler> m_listeners;  ///< by object path
+    int m_preparations = 0;                        ///< under way
+    std::vector<QDBusMessage> m_early;  ///< of objects that nobody listens to yet, meanwhile
 };
 
 }  // namespace quietlark

@@ -37,8 +37,7 @@ AvahiObject::AvahiObject(AvahiDaemon& daemon, Kind kind, const QVariantList& arg
             daemon->call(path, interface, QStringLiteral("Free"), {}, daemon, {});
         }
     };
-    m_daemon.call(QStringLiteral("/"), QStringLiteral("org.freedesktop.Avahi.Server2"),
-                  nameOf(kind) + QStringLiteral("Prepare"), arguments, &m_daemon, onPrepared);
+    m_daemon.prepare(nameOf(kind) + QStringLiteral("Prepare"), arguments, onPrepared);
 }
 
 AvahiObject::~AvahiObject() {
@@ -49,16 +48,17 @@ AvahiObject::~AvahiObject() {
 
 void AvahiObject::start(const QString& path) {
     m_path = path;
-    m_daemon.listen(m_path, [this](const QDBusMessage& signal) {
-        const auto signalled = m_handlers.signalled;
-        signalled(signal);
-    });
     m_daemon.call(m_path, m_interface, QStringLiteral("Start"), {}, this,
                   [this](const QDBusMessage& reply) {
                       if (!isReply(reply)) return refuse();
                       const auto started = m_handlers.started;
                       if (started) started();
                   });
+    // Last, as what was signalled already may end this object.
+    m_daemon.listen(m_path, [this](const QDBusMessage& signal) {
+        const auto signalled = m_handlers.signalled;
+        signalled(signal);
+    });
 }
 
 void AvahiObject::refuse() {

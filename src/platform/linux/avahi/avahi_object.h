@@ -11,8 +11,8 @@
 
 namespace quietlark {
 
-/// A browser or resolver that the Avahi daemon runs for us; it ends with this object. Prepared
-/// first, listened to, and only then started, so that none of its signals is lost.
+/// A browser or resolver that the Avahi daemon runs for us; it ends with this object. None of its
+/// signals is lost, however early it comes.
 class AvahiObject final : public QObject {
     Q_OBJECT
 
