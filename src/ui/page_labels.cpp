@@ -1,16 +1,42 @@
 #include "ui/page_labels.h"
 
+#include <QEvent>
 #include <QProgressBar>
+#include <QStyle>
 
 #include "ui/ink.h"
 
 namespace quietlark {
 
+namespace {
+
+/// Begins its lines where those of the page begin. A QLabel goes by its text, which in a mirrored
+/// window may be one that reads from left to right.
+class PlainLabel final : public QLabel {
+public:
+    explicit PlainLabel(const QString& text) : QLabel(text) {
+        setTextFormat(Qt::PlainText);
+        setWordWrap(true);
+        align();
+    }
+
+protected:
+    void changeEvent(QEvent* event) override {
+        if (event->type() == QEvent::LayoutDirectionChange) align();
+        QLabel::changeEvent(event);
+    }
+
+private:
+    void align() {
+        if (alignment().testFlag(Qt::AlignHCenter)) return;
+        setAlignment(QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft) | Qt::AlignVCenter);
+    }
+};
+
+}  // namespace
+
 QLabel* makePlainLabel(const QString& text) {
-    auto* label = new QLabel(text);
-    label->setTextFormat(Qt::PlainText);
-    label->setWordWrap(true);
-    return label;
+    return new PlainLabel(text);
 }
 
 QLabel* makeHeading(const QString& text) {

@@ -68,7 +68,7 @@ void ServerCard::paintEvent(QPaintEvent*) {
     const QColor text = palette().color(QPalette::Text);
     const QString mark =
         isChecked() ? QStringLiteral("largecircle.fill.circle") : QStringLiteral("circle");
-    painter.drawPixmap(at.mark, symbolPixmap(mark, isChecked() ? accent : quietEdge(palette()),
+    painter.drawPixmap(at.mark, symbolPixmap(mark, isChecked() ? accent : secondaryText(palette()),
                                              markEdge, devicePixelRatioF()));
     painter.drawPixmap(at.symbol, symbolPixmap(m_symbol, text, symbolEdge, devicePixelRatioF()));
     drawText(painter, at);

@@ -1,0 +1,162 @@
+#include <algorithm>
+#include <cmath>
+#include <functional>
+
+#include <QAccessible>
+#include <QImage>
+
+#include "ui/ink.h"
+#include "ui/look.h"
+#include "ui/picker_view_fixture.h"
+
+namespace quietlark {
+namespace {
+
+/// Where something other than the ground is drawn in that part of a widget, in its coordinates. The
+/// ground is what the part's first pixel has.
+QRect inkIn(QWidget& widget, const QRect& part) {
+    const QImage image = widget.grab(part).toImage();
+    const auto scale = image.devicePixelRatio();
+    QRect ink;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (image.pixel(x, y) != image.pixel(0, 0)) ink |= QRect(x, y, 1, 1);
+        }
+    }
+    return QRectF(ink.topLeft() / scale, ink.size() / scale).toRect().translated(part.topLeft());
+}
+
+/// Of the relative luminances, as WCAG 2 has it: from 1 for equals to 21.
+double contrast(const QColor& one, const QColor& other) {
+    const auto luminance = [](const QColor& color) {
+        const auto linear = [](float part) {
+            return part <= 0.04045F ? part / 12.92F : std::pow((part + 0.055F) / 1.055F, 2.4F);
+        };
+        return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
+               0.0722 * linear(color.blueF());
+    };
+    const auto [darker, lighter] = std::minmax(luminance(one), luminance(other));
+    return (lighter + 0.05) / (darker + 0.05);
+}
+
+/// The choice of a server as it looks, light, dark and mirrored.
+class ServerPickerLookTest : public PickerViewFixture, public testing::WithParamInterface<Look> {
+protected:
+    ~ServerPickerLookTest() override { close(); }
+
+    [[nodiscard]] bool isMirrored() const { return GetParam().direction == Qt::RightToLeft; }
+
+    /// Does the same on every page of the choice.
+    void onEveryPage(const std::function<void()>& check) {
+        publish("Fast", "20");
+        publish("A server whose name is as long as a name of a server can be, 63", "5");
+        for (const Phase phase : {Phase::cards, Phase::remoteList, Phase::manualEntry}) {
+            view();
+            model().setPhase(phase);
+            layOut();
+            check();
+        }
+        withdraw("Fast");
+        withdraw("A server whose name is as long as a name of a server can be, 63");
+        model().setPhase(Phase::remoteList);
+        layOut();
+        check();
+    }
+
+    template <typename Widget>
+    QList<Widget*> visible() {
+        QList<Widget*> all = view().findChildren<Widget*>();
+        all.removeIf([](const Widget* widget) { return !widget->isVisible(); });
+        return all;
+    }
+
+    /// The part of that width at the side at which lines begin, or else at the other one.
+    [[nodiscard]] QRect side(const QRect& whole, int width, bool whereLinesBegin) const {
+        const QRect left(whole.left(), whole.top(), width, whole.height());
+        return whereLinesBegin == isMirrored() ? left.translated(whole.width() - width, 0) : left;
+    }
+
+private:
+    /// As large as a window makes it that adapts to what is in it.
+    void layOut() {
+        const QSize least = view().size().expandedTo(view().minimumSizeHint());
+        view().resize(least.expandedTo({0, view().heightForWidth(least.width())}));
+        QApplication::processEvents();
+    }
+
+    const LookInForce m_look{GetParam()};
+};
+
+TEST_P(ServerPickerLookTest, EveryLineBeginsWhereThePageDoes) {
+    constexpr int bearing = 4;  // what a letter may keep free beside it
+    onEveryPage([&] {
+        for (QLabel* label : visible<QLabel>()) {
+            if (label->text().isEmpty() || label->alignment().testFlag(Qt::AlignHCenter)) continue;
+            const QRect ink = inkIn(*label, label->rect());
+            const int gap = isMirrored() ? label->rect().right() - ink.right() : ink.left();
+            EXPECT_LE(gap, bearing) << label->text().toStdString();
+        }
+    });
+}
+
+TEST_P(ServerPickerLookTest, TheMarksStandWhereTheLinesBegin) {
+    view();
+    const int em = view().fontMetrics().height();
+    const QRect inside = card("network").rect().adjusted(em / 2, em / 2, -em / 2, -em / 2);
+    EXPECT_FALSE(inkIn(card("network"), side(inside, 2 * em, true)).isEmpty());
+    EXPECT_TRUE(inkIn(card("network"), side(inside, 2 * em, false)).isEmpty());
+    publish("A");
+    publish("B");
+    model().setPhase(Phase::remoteList);
+    QWidget& rows = *list().viewport();
+    // The first row has the focus, which is drawn all over it.
+    const QRect row = list().visualRect(list().model()->index(1, 0)).adjusted(2, 2, -2, -2);
+    EXPECT_FALSE(inkIn(rows, side(row, 2 * em, true)).isEmpty());
+    EXPECT_TRUE(inkIn(rows, side(row, 2 * em, false)).isEmpty());
+}
+
+TEST_P(ServerPickerLookTest, EveryTextHasItsRoomAtEveryTextSize) {
+    const QFont usual = QApplication::font();
+    for (const double size : {1.0, 1.25, 1.5, 2.0}) {
+        QFont font = usual;
+        font.setPointSizeF(usual.pointSizeF() * size);
+        QApplication::setFont(font);
+        onEveryPage([&] {
+            for (const QLabel* label : visible<QLabel>())
+                EXPECT_GE(label->height(), label->heightForWidth(label->width()))
+                    << label->text().toStdString() << " at " << size;
+            for (const QAbstractButton* each : visible<QAbstractButton>()) {
+                EXPECT_GE(each->width(), each->minimumSizeHint().width());
+                EXPECT_GE(each->height(), each->hasHeightForWidth()
+                                              ? each->heightForWidth(each->width())
+                                              : each->sizeHint().height())
+                    << each->text().toStdString() << " at " << size;
+            }
+        });
+        close();
+        dropModel();
+    }
+    QApplication::setFont(usual);
+}
+
+TEST_P(ServerPickerLookTest, EverythingThatTakesTheFocusHasAName) {
+    onEveryPage([this] {
+        for (QWidget* widget : visible<QWidget>()) {
+            if (widget->focusPolicy() == Qt::NoFocus || !widget->isEnabled()) continue;
+            const auto* const seen = QAccessible::queryAccessibleInterface(widget);
+            EXPECT_FALSE(seen->text(QAccessible::Name).isEmpty())
+                << widget->metaObject()->className();
+        }
+    });
+}
+
+TEST_P(ServerPickerLookTest, WhatIsQuietCanStillBeRead) {
+    const QPalette palette = QApplication::palette();
+    EXPECT_GE(contrast(secondaryText(palette), palette.color(QPalette::Base)), 4.5);
+    EXPECT_GE(contrast(secondaryText(palette), palette.color(QPalette::Window)), 4.5);
+}
+
+INSTANTIATE_TEST_SUITE_P(Looks, ServerPickerLookTest, testing::ValuesIn(looks), nameOfLook);
+
+}  // namespace
+}  // namespace quietlark
