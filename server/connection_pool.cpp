@@ -1,5 +1,6 @@
 #include "server/connection_pool.h"
 
+#include <system_error>
 #include <utility>
 
 #include <sys/eventfd.h>
@@ -14,9 +15,7 @@ void ConnectionPool::enqueue(std::function<void()> connection) {
     m_connections.push_back(std::move(connection));
     if (m_connections.size() <= m_idleThreads) {
         m_changed.notify_one();
-    } else if (m_threads.size() < m_mostThreads) {
-        m_threads.emplace_back([this] { serve(); });
-    } else {
+    } else if (m_threads.size() >= m_mostThreads || !addThread()) {
         eventfd_write(m_crowdedEvent, 1);
     }
 }
@@ -29,6 +28,16 @@ void ConnectionPool::shutdown() {
     m_changed.notify_all();
     for (std::thread& thread : m_threads)
         thread.join();
+}
+
+bool ConnectionPool::addThread() {
+    try {
+        m_threads.emplace_back([this] { serve(); });
+        return true;
+    } catch (const std::system_error&) {
+        // The system has no more to give; those there are take the connection when they can.
+        return false;
+    }
 }
 
 void ConnectionPool::serve() {

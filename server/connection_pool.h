@@ -24,6 +24,7 @@ public:
     void shutdown() override;
 
 private:
+    [[nodiscard]] bool addThread();
     void serve();
 
     const std::size_t m_mostThreads;

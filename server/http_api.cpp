@@ -42,6 +42,9 @@ constexpr std::string_view indexPage = R"(<!DOCTYPE html>
 </html>
 )";
 
+/// For the log alone: nobody is there to read it. Web servers call it so, though no standard does.
+constexpr int statusClientHasLeft = 499;
+
 const Route* routeOf(std::string_view path) {
     const auto found = std::ranges::find(routes, path, &Route::path);
     if (found != routes.end()) return &*found;
@@ -63,6 +66,8 @@ HttpResponse failure(EngineError error) {
             return unavailableResponse("The server is stopping.");
         case EngineError::Busy:
             return unavailableResponse("The server is busy with other recordings.");
+        case EngineError::Abandoned:
+            return errorResponse(statusClientHasLeft, {.message = "The client has left."});
         case EngineError::Unavailable:
             return unavailableResponse("The speech engine is not running.");
         case EngineError::TimedOut:
@@ -161,11 +166,11 @@ HttpResponse HttpApi::transcription(const HttpRequest& request) {
                         "This server's speech model does not understand this language.");
     const auto file = request.form.find("file");
     if (file == request.form.end()) return badField("file", "The form has no field named file.");
-    return transcribe(file->second, language, *format);
+    return transcribe(request, file->second, language, *format);
 }
 
-HttpResponse HttpApi::transcribe(std::string_view file, std::string_view language,
-                                 TranscriptFormat format) {
+HttpResponse HttpApi::transcribe(const HttpRequest& request, std::string_view file,
+                                 std::string_view language, TranscriptFormat format) {
     const auto wav =
         WavFile::parse({reinterpret_cast<const std::uint8_t*>(file.data()), file.size()});
     if (!wav) return badField("file", wav.error().description);
@@ -175,9 +180,11 @@ HttpResponse HttpApi::transcribe(std::string_view file, std::string_view languag
                                    .parameter = "file"});
 
     const auto deadline = std::chrono::steady_clock::now() + m_settings.limits.time;
-    const auto samples = wav->convertedTo(SpeechEngine::sampleRateHz);
-    const auto transcript =
-        m_engine.transcribe({.samples = samples, .language = language, .deadline = deadline});
+    const auto transcript = m_engine.transcribe(
+        {.samples = SpeechSamples([&wav] { return wav->convertedTo(SpeechEngine::sampleRateHz); }),
+         .language = language,
+         .deadline = deadline,
+         .isAbandoned = request.isAbandoned});
     HttpResponse response = transcript
                                 ? HttpResponse{.contentType = std::string(contentTypeOf(format)),
                                                .body = formatted(*transcript, format, seconds)}

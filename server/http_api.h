@@ -36,8 +36,8 @@ private:
     [[nodiscard]] HttpResponse health() const;
     [[nodiscard]] HttpResponse model(std::string_view id) const;
     [[nodiscard]] HttpResponse transcription(const HttpRequest& request);
-    [[nodiscard]] HttpResponse transcribe(std::string_view file, std::string_view language,
-                                          TranscriptFormat format);
+    [[nodiscard]] HttpResponse transcribe(const HttpRequest& request, std::string_view file,
+                                          std::string_view language, TranscriptFormat format);
 
     SpeechEngine& m_engine;
     const Settings m_settings;

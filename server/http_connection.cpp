@@ -68,6 +68,13 @@ bool HttpConnection::isRequestComplete() const {
     return m_progress == Progress::Body && m_readable == 0;
 }
 
+bool HttpConnection::hasClientLeft() const {
+    if (m_bufferBegin < m_bufferEnd) return false;
+    char byte = 0;
+    const ssize_t count = recv(m_socket, &byte, 1, MSG_PEEK | MSG_DONTWAIT);
+    return count == 0 || (count < 0 && errno != EAGAIN && errno != EINTR);
+}
+
 bool HttpConnection::is_readable() const {
     return m_bufferBegin < m_bufferEnd || waitWhileBusy(POLLIN);
 }

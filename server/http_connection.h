@@ -46,6 +46,9 @@ public:
     /// Whether the request has been read to its end, so that another can follow it.
     [[nodiscard]] bool isRequestComplete() const;
 
+    /// Whether the client has closed its side of the connection. Any thread, while nothing is read.
+    [[nodiscard]] bool hasClientLeft() const;
+
     [[nodiscard]] bool is_readable() const override;
     [[nodiscard]] bool is_writable() const override;
     ssize_t read(char* bytes, std::size_t size) override;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -27,6 +28,8 @@ struct HttpRequest {
     std::string_view method;
     std::string_view path;
     std::map<std::string_view, std::string_view> form;  ///< the first field of each name
+    /// Whether the client no longer waits for the answer. Any thread.
+    std::function<bool()> isAbandoned = [] { return false; };
 };
 
 struct HttpResponse {

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <iostream>
@@ -5,6 +6,7 @@
 #include <thread>
 
 #include <pthread.h>
+#include <sys/resource.h>
 
 #include "platform/linux/journal/journal_log.h"
 #include "server/avahi_announcer.h"
@@ -19,6 +21,15 @@ enum ExitCode { Done = 0, Failed = 1, WrongUsage = 2 };
 std::optional<std::string> environmentVariable(const std::string& name) {
     const char* const value = std::getenv(name.c_str());
     return value ? std::optional<std::string>(value) : std::nullopt;
+}
+
+/// Every connection takes a descriptor, and more of them may wait than most systems give unasked.
+void allowManyConnections() {
+    constexpr rlim_t wanted = 4096;
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur >= wanted) return;
+    limit.rlim_cur = std::min(wanted, limit.rlim_max);
+    setrlimit(RLIMIT_NOFILE, &limit);
 }
 
 /// Requests the stop when the program is told to end.
@@ -56,6 +67,7 @@ private:
 };
 
 ExitCode run(const ServerOptions& options) {
+    allowManyConnections();
     const SignalThread signals;
     JournalLog log("net.quietlark.server", "requests");
     const bool isBench = options.action == ServerOptions::Action::Bench;

@@ -22,11 +22,11 @@ bool MeasuredEngine::isReady() const {
 tl::expected<Transcript, EngineError> MeasuredEngine::transcribe(const SpeechRequest& request) {
     // The wait for an engine that is just being started again says nothing about its speed.
     const bool counts = m_engine.isReady();
+    const double seconds = static_cast<double>(request.samples.get().size()) / sampleRateHz;
     const auto start = std::chrono::steady_clock::now();
     auto transcript = m_engine.transcribe(request);
     const auto elapsed = std::chrono::steady_clock::now() - start;
     if (!transcript || !counts) return transcript;
-    const double seconds = static_cast<double>(request.samples.size()) / sampleRateHz;
     if (const auto speed = m_meter.add(seconds, elapsed)) m_onSpeed(*speed);
     return transcript;
 }

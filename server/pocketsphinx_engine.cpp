@@ -77,8 +77,10 @@ bool PocketSphinxEngine::understands(std::string_view language) const {
 
 tl::expected<Transcript, EngineError> PocketSphinxEngine::transcribe(const SpeechRequest& request) {
     Transcript transcript{.text = {}, .language = "english", .segments = {}};
-    for (const auto piece : speechSegments(request.samples, sampleRateHz)) {
+    const auto samples = request.samples.get();
+    for (const auto piece : speechSegments(samples, sampleRateHz)) {
         if (m_isStopping) return tl::unexpected(EngineError::Stopping);
+        if (request.isAbandoned()) return tl::unexpected(EngineError::Abandoned);
         if (std::chrono::steady_clock::now() >= request.deadline)
             return tl::unexpected(EngineError::TimedOut);
         const auto text = textOf(piece);
@@ -87,7 +89,7 @@ tl::expected<Transcript, EngineError> PocketSphinxEngine::transcribe(const Speec
         if (!transcript.text.empty()) transcript.text += ' ';
         transcript.text += *text;
         // The recogniser leaves silence out before it counts time, so its own times are of no use.
-        const auto first = static_cast<double>(piece.data() - request.samples.data());
+        const auto first = static_cast<double>(piece.data() - samples.data());
         const auto last = first + static_cast<double>(piece.size());
         transcript.segments.push_back({.startSeconds = first / sampleRateHz,
                                        .endSeconds = last / sampleRateHz,

@@ -1,5 +1,7 @@
 #include "server/serial_engine.h"
 
+#include <algorithm>
+
 namespace quietlark {
 
 /// A place in the queue, given up when it ends.
@@ -21,14 +23,25 @@ public:
     Turn(const Turn&) = delete;
     Turn& operator=(const Turn&) = delete;
 
-    /// False when it has not come by then.
-    [[nodiscard]] bool comesBefore(std::chrono::steady_clock::time_point deadline) const {
-        std::unique_lock lock(m_shared.m_mutex);
-        return m_shared.m_turnEnded.wait_until(lock, deadline,
-                                               [this] { return m_shared.m_queue.front() == this; });
+    /// Waits until it has come.
+    [[nodiscard]] tl::expected<void, EngineError> await(const SpeechRequest& request) const {
+        while (true) {
+            const auto now = std::chrono::steady_clock::now();
+            const bool hasCome =
+                comesBefore(std::min(now + SpeechRequest::glance, request.deadline));
+            if (request.isAbandoned()) return tl::unexpected(EngineError::Abandoned);
+            if (hasCome) return {};
+            if (now >= request.deadline) return tl::unexpected(EngineError::Busy);
+        }
     }
 
 private:
+    [[nodiscard]] bool comesBefore(std::chrono::steady_clock::time_point time) const {
+        std::unique_lock lock(m_shared.m_mutex);
+        return m_shared.m_turnEnded.wait_until(lock, time,
+                                               [this] { return m_shared.m_queue.front() == this; });
+    }
+
     SerialEngine& m_shared;
 };
 
@@ -48,7 +61,8 @@ bool SerialEngine::isReady() const {
 
 tl::expected<Transcript, EngineError> SerialEngine::transcribe(const SpeechRequest& request) {
     const Turn turn(*this);
-    if (!turn.comesBefore(request.deadline)) return tl::unexpected(EngineError::Busy);
+    const auto come = turn.await(request);
+    if (!come) return tl::unexpected(come.error());
     return m_engine.transcribe(request);
 }
 

@@ -10,7 +10,7 @@ namespace quietlark {
 
 /// Lets any number of threads share an engine that serves one at a time: in the order in which they
 /// came, so that nobody waits longer than those before him take. Who has no turn by his deadline
-/// gets EngineError::Busy.
+/// gets EngineError::Busy; whoever has left by his turn is passed over.
 class SerialEngine final : public SpeechEngine {
 public:
     explicit SerialEngine(SpeechEngine& engine);

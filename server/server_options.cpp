@@ -108,7 +108,7 @@ constexpr std::array<Option, 13> knownOptions = {{
      }},
     {"--max-waiting",
      [](ServerOptions& options, const std::string& value) {
-         return setNumber(options.limits.waiting, value, 0, 10000, "The number of waiting uploads");
+         return setNumber(options.limits.waiting, value, 0, 1000, "The number of waiting uploads");
      }},
 }};
 

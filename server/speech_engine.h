@@ -2,12 +2,13 @@
 
 #include <chrono>
 #include <cstdint>
-#include <span>
+#include <functional>
 #include <string>
 #include <string_view>
 
 #include <tl/expected.hpp>
 
+#include "server/speech_samples.h"
 #include "server/transcript.h"
 
 namespace quietlark {
@@ -15,17 +16,23 @@ namespace quietlark {
 /// Why an engine has no text for a recording.
 enum class EngineError {
     Stopping,     ///< the program ends before it can be finished
+    Abandoned,    ///< nobody waits for it any more
     Failed,       ///< the recogniser gave up
     Busy,         ///< others were before it until its time was over
     TimedOut,     ///< it would take longer than it may
     Unavailable,  ///< the recogniser is not running, and did not come back in time
 };
 
-/// A recording to be transcribed. A view of samples that are kept elsewhere.
+/// A recording to be transcribed.
 struct SpeechRequest {
-    std::span<const std::int16_t> samples;  ///< one channel at SpeechEngine::sampleRateHz
-    std::string_view language = {};         ///< as a client named it; empty when it did not
+    /// How often those who take long ask whether a request is abandoned.
+    static constexpr std::chrono::milliseconds glance{250};
+
+    SpeechSamples samples = {};      ///< one channel at SpeechEngine::sampleRateHz
+    std::string_view language = {};  ///< as a client named it; empty when it did not
     std::chrono::steady_clock::time_point deadline = std::chrono::steady_clock::time_point::max();
+    /// Whether nobody waits for the text any more. Any thread.
+    std::function<bool()> isAbandoned = [] { return false; };
 };
 
 /// Turns recorded speech into text.
@@ -45,8 +52,8 @@ public:
     /// Whether a recording would be transcribed at once, were it the only one. Any thread.
     [[nodiscard]] virtual bool isReady() const = 0;
 
-    /// Takes as long as it takes, though not much longer than to the request's deadline. On which
-    /// threads it may be called is up to the engine.
+    /// Takes as long as it takes, though not much longer than to the request's deadline, or until
+    /// it is abandoned. On which threads it may be called is up to the engine.
     [[nodiscard]] virtual tl::expected<Transcript, EngineError> transcribe(
         const SpeechRequest& request) = 0;
 

@@ -13,13 +13,18 @@
 namespace quietlark {
 namespace {
 
-/// Each connection keeps one, mostly asleep.
-constexpr std::size_t mostThreads = 64;
+/// Beside the uploads that are let in: for those that are told to come back, and other questions.
+constexpr std::size_t otherConnections = 32;
 constexpr int waitingConnections = 128;
 constexpr std::size_t requestsPerConnection = 1000;
 constexpr std::size_t longestLoggedPath = 128;
-/// Set in a request that there is no room for, on its way through the library; no client's own.
-constexpr const char* noRoomField = "Quietlark-No-Room";
+
+/// What is known of the request that a thread answers beside what the library passes on.
+struct Visit {
+    const HttpConnection* connection = nullptr;
+    bool hasRoom = true;
+};
+thread_local Visit visit;
 
 HttpHead headOf(const httplib::Request& request) {
     HttpHead head{.method = request.method,
@@ -39,6 +44,7 @@ HttpHead headOf(const httplib::Request& request) {
 
 HttpRequest contentOf(const httplib::Request& request) {
     HttpRequest content{.method = request.method, .path = request.path, .form = {}};
+    content.isAbandoned = [connection = visit.connection] { return connection->hasClientLeft(); };
     for (const auto& [name, field] : request.files)
         content.form.emplace(name, field.content);
     return content;
@@ -124,7 +130,11 @@ SpeechServer::Listener::Listener(HttpApi& api, Log& log, ClientPatience patience
         std::chrono::duration_cast<std::chrono::seconds>(m_patience.idle).count());
     set_keep_alive_max_count(requestsPerConnection);
     set_payload_max_length(api.limits().bodyBytes);
-    new_task_queue = [this] { return new ConnectionPool(mostThreads, m_crowdedEvent); };
+    // Each connection keeps a thread, mostly asleep.
+    new_task_queue = [this] {
+        const std::size_t uploads = m_api.limits().waiting + 1;
+        return new ConnectionPool(uploads + otherConnections, m_crowdedEvent);
+    };
 
     set_expect_100_continue_handler(
         [this](const auto& request, auto& out) { return refuse(request, out) ? out.status : 100; });
@@ -174,7 +184,6 @@ void SpeechServer::Listener::serveRequests(HttpConnection& connection) {
 
 std::uint64_t SpeechServer::Listener::prepare(HttpConnection& connection,
                                               httplib::Request& request) {
-    request.headers.erase(noRoomField);
     const HttpHead head = headOf(request);
     const bool isChunked = !head.transferEncoding.empty();
     // A chunked body ends where it says. The library would follow it to wherever that is.
@@ -186,7 +195,7 @@ std::uint64_t SpeechServer::Listener::prepare(HttpConnection& connection,
     request.ranges.clear();
     const bool isWelcome = !m_api.refusal(head);
     const bool isAdmitted = isWelcome && bodyBytes > 0 && m_admission.enter(bodyBytes);
-    if (isWelcome && bodyBytes > 0 && !isAdmitted) request.set_header(noRoomField, "1");
+    visit = {.connection = &connection, .hasRoom = !isWelcome || bodyBytes == 0 || isAdmitted};
     // A refused body is left unread, and where a chunked one ends only the library knows: no other
     // request can follow them.
     if (isChunked || (bodyBytes > 0 && !isAdmitted)) {
@@ -197,8 +206,7 @@ std::uint64_t SpeechServer::Listener::prepare(HttpConnection& connection,
 }
 
 std::optional<HttpResponse> SpeechServer::Listener::refusal(const httplib::Request& request) const {
-    if (request.has_header(noRoomField))
-        return unavailableResponse("Too many recordings are waiting already.");
+    if (!visit.hasRoom) return unavailableResponse("Too many recordings are waiting already.");
     return m_api.refusal(headOf(request));
 }
 

@@ -1,6 +1,10 @@
 #include "server/whisper_client.h"
 
 #include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
 #include <utility>
 
 #include <httplib.h>
@@ -39,7 +43,7 @@ httplib::MultipartFormDataItems formOf(const SpeechRequest& request, const std::
             // Otherwise it looks at the recording once more, for how likely each language is.
             field("no_language_probabilities", "true"),
             {.name = "file",
-             .content = fileOf(request.samples),
+             .content = fileOf(request.samples.get()),
              .filename = "audio.wav",
              .content_type = "audio/wav"}};
 }
@@ -52,6 +56,29 @@ Transcript within(double seconds, Transcript transcript) {
     }
     return transcript;
 }
+
+/// Breaks a request off when nobody waits for its answer any more.
+class AbandonmentWatch {
+public:
+    AbandonmentWatch(httplib::Client& client, const SpeechRequest& request)
+        : m_thread([this, &client, &request](const std::stop_token& end) {
+              std::mutex mutex;
+              std::condition_variable_any ended;
+              std::unique_lock lock(mutex);
+              while (!end.stop_requested()) {
+                  ended.wait_for(lock, end, SpeechRequest::glance, [] { return false; });
+                  if (end.stop_requested() || !request.isAbandoned()) continue;
+                  m_hasBrokenOff = true;
+                  client.stop();
+              }
+          }) {}
+
+    [[nodiscard]] bool hasBrokenOff() const { return m_hasBrokenOff; }
+
+private:
+    std::atomic<bool> m_hasBrokenOff = false;
+    std::jthread m_thread;
+};
 
 }  // namespace
 
@@ -78,14 +105,16 @@ tl::expected<Transcript, EngineError> WhisperClient::transcribe(const SpeechRequ
     httplib::Client client(loopback, m_address.port);
     client.set_tcp_nodelay(true);
     client.set_read_timeout(limit + rounding);
+    const AbandonmentWatch watch(client, request);
     const auto answer =
         client.Post((m_address.path + "/inference").c_str(), formOf(request, language));
+    if (!answer && watch.hasBrokenOff()) return tl::unexpected(EngineError::Abandoned);
     if (!answer && std::chrono::steady_clock::now() >= request.deadline)
         return tl::unexpected(EngineError::TimedOut);
     if (!answer) return tl::unexpected(EngineError::Unavailable);
     const auto transcript = parseWhisperAnswer(answer->body);
     if (answer->status != 200 || !transcript) return tl::unexpected(EngineError::Failed);
-    const auto samples = static_cast<double>(request.samples.size());
+    const auto samples = static_cast<double>(request.samples.get().size());
     return within(samples / SpeechEngine::sampleRateHz, *transcript);
 }
 

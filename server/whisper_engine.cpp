@@ -36,13 +36,16 @@ bool WhisperEngine::isReady() const {
 }
 
 tl::expected<Transcript, EngineError> WhisperEngine::transcribe(const SpeechRequest& request) {
-    if (request.samples.empty()) return Transcript();
+    if (request.samples.get().empty()) return Transcript();
     const auto child = m_supervisor.child(request.deadline);
     if (!child) return tl::unexpected(child.error());
     const std::string language =
         isEnglishOnly(m_modelId) ? "en" : whisperLanguage(request.language).value_or("auto");
     auto transcript = WhisperClient(child->address).transcribe(request, language);
-    if (transcript || transcript.error() == EngineError::Failed) return transcript;
+    // It finishes, or drops, what nobody waits for by itself.
+    if (transcript || transcript.error() == EngineError::Failed ||
+        transcript.error() == EngineError::Abandoned)
+        return transcript;
     // It hangs or it died, perhaps of this recording, which is therefore not tried again.
     m_supervisor.replace(*child);
     return m_supervisor.isStopping() ? tl::unexpected(EngineError::Stopping) : transcript;

@@ -168,6 +168,8 @@ std::vector<std::int16_t> WavFile::convertedTo(double rateHz) const {
     auto converter = SampleConverter::create(sampleRateHz(), channels(), rateHz);
     if (!converter) return {};
     std::vector<std::int16_t> samples;
+    const double length = static_cast<double>(frames()) * rateHz / sampleRateHz();
+    samples.reserve(static_cast<std::size_t>(length) + framesPerBlock);
     const auto append = [&samples](std::span<const std::int16_t> more) {
         samples.insert(samples.end(), more.begin(), more.end());
     };

@@ -23,11 +23,11 @@ public:
 
     [[nodiscard]] tl::expected<Transcript, EngineError> transcribe(
         const SpeechRequest& request) override {
-        m_sampleCount = request.samples.size();
+        m_sampleCount = request.samples.get().size();
         ++m_transcriptions;
         if (m_isStopped) return tl::unexpected(EngineError::Stopping);
         if (!result) return tl::unexpected(result.error());
-        const double seconds = static_cast<double>(request.samples.size()) / sampleRateHz;
+        const double seconds = static_cast<double>(m_sampleCount) / sampleRateHz;
         return Transcript{
             .text = *result, .language = "english", .segments = {{0, seconds, *result}}};
     }

@@ -1,63 +1,16 @@
 #include "server/serial_engine.h"
 
+#include <atomic>
 #include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "server/fake_speech_engine.h"
+#include "server/held_engine.h"
 #include "support/wait.h"
 
 namespace quietlark {
-namespace {
-
-/// Notes who comes, by how many samples they bring, and keeps the first until it is let go.
-class HeldEngine final : public SpeechEngine {
-public:
-    [[nodiscard]] std::string modelId() const override { return "held"; }
-    [[nodiscard]] bool understands(std::string_view) const override { return true; }
-    void stop() override {}
-
-    [[nodiscard]] bool isReady() const override { return true; }
-
-    [[nodiscard]] tl::expected<Transcript, EngineError> transcribe(
-        const SpeechRequest& request) override {
-        std::unique_lock lock(m_mutex);
-        m_isCrowded = m_isCrowded || m_isBusy;
-        m_isBusy = true;
-        m_order.push_back(request.samples.size());
-        m_released.wait(lock, [this] { return m_isReleased; });
-        m_isBusy = false;
-        return Transcript();
-    }
-
-    void release() {
-        const std::lock_guard lock(m_mutex);
-        m_isReleased = true;
-        m_released.notify_all();
-    }
-
-    std::vector<std::size_t> order() {
-        const std::lock_guard lock(m_mutex);
-        return m_order;
-    }
-
-    bool wasCrowded() {
-        const std::lock_guard lock(m_mutex);
-        return m_isCrowded;
-    }
-
-private:
-    std::mutex m_mutex;
-    std::condition_variable m_released;
-    std::vector<std::size_t> m_order;
-    bool m_isReleased = false;
-    bool m_isBusy = false;
-    bool m_isCrowded = false;
-};
-
-}  // namespace
-
 TEST(SerialEngineTest, OneAtATime) {
     HeldEngine held;
     SerialEngine engine(held);
@@ -98,6 +51,49 @@ TEST(SerialEngineTest, WhoHasNoTurnByHisDeadlineIsToldThatItIsBusy) {
     held.release();
     first.join();
     EXPECT_TRUE(engine.transcribe({}));
+}
+
+TEST(SerialEngineTest, WhoHasLeftIsNotServed) {
+    HeldEngine held;
+    SerialEngine engine(held);
+    std::thread first([&engine] { EXPECT_TRUE(engine.transcribe({})); });
+    ASSERT_TRUE(waitUntil([&] { return held.order().size() == 1; }));
+    std::atomic<bool> hasLeft = false;
+    std::thread second([&] {
+        const auto transcript = engine.transcribe({.isAbandoned = [&] { return hasLeft.load(); }});
+        EXPECT_EQ(transcript.error(), EngineError::Abandoned);
+    });
+    ASSERT_TRUE(waitUntil([&] { return engine.waiting() == 1; }));
+    hasLeft = true;
+    second.join();
+    EXPECT_EQ(engine.waiting(), 0U);
+    held.release();
+    first.join();
+    const auto late = engine.transcribe({.isAbandoned = [] { return true; }});
+    EXPECT_EQ(late.error(), EngineError::Abandoned);
+    EXPECT_EQ(held.order().size(), 1U);
+}
+
+TEST(SerialEngineTest, ARecordingTakesItsRoomWhenItsTurnHasCome) {
+    HeldEngine held;
+    SerialEngine engine(held);
+    std::thread first([&engine] { EXPECT_TRUE(engine.transcribe({})); });
+    ASSERT_TRUE(waitUntil([&] { return held.order().size() == 1; }));
+    std::atomic<int> made = 0;
+    std::thread second([&] {
+        const auto make = [&] {
+            ++made;
+            return std::vector<std::int16_t>(3);
+        };
+        EXPECT_TRUE(engine.transcribe({.samples = SpeechSamples(make)}));
+    });
+    ASSERT_TRUE(waitUntil([&] { return engine.waiting() == 1; }));
+    EXPECT_EQ(made, 0);
+    held.release();
+    first.join();
+    second.join();
+    EXPECT_EQ(made, 1);
+    EXPECT_EQ(held.order().back(), 3U);
 }
 
 TEST(SerialEngineTest, TheEngineBehindItIsAskedAndStopped) {

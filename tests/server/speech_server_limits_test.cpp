@@ -1,21 +1,27 @@
+#include <memory>
 #include <thread>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "fakes/fake_log.h"
 #include "server/fake_speech_engine.h"
+#include "server/held_engine.h"
 #include "server/raw_http_client.h"
 #include "server/requests.h"
+#include "server/serial_engine.h"
 #include "server/speech_server.h"
 #include "support/wait.h"
 
 namespace quietlark {
 namespace {
 
-/// A server that lets no upload wait while another is there.
-class CrowdedServerTest : public testing::Test {
+/// A server before an engine that serves one recording after the other.
+template <typename Engine>
+class LimitedServerTest : public testing::Test {
 protected:
-    explicit CrowdedServerTest(ClientPatience patience = {}) : m_server(m_api, m_log, patience) {}
+    explicit LimitedServerTest(ServerLimits limits = {}, ClientPatience patience = {})
+        : m_api(m_queue, {.limits = limits}), m_server(m_api, m_log, patience) {}
 
     void SetUp() override {
         ASSERT_TRUE(m_server.bind("127.0.0.1", 0));
@@ -23,16 +29,46 @@ protected:
     }
 
     void TearDown() override {
+        m_engine.stop();
         m_server.stop();
         m_thread.join();
     }
 
-    FakeSpeechEngine m_engine;
+    std::unique_ptr<RawHttpClient> connected() const {
+        return std::make_unique<RawHttpClient>(m_server.port());
+    }
+
+    /// A client that was told to send its upload, and has not yet.
+    std::unique_ptr<RawHttpClient> invited() const {
+        auto client = connected();
+        client->send(
+            "POST /inference HTTP/1.1\r\nExpect: 100-continue\r\n"
+            "Content-Type: multipart/form-data; boundary=B\r\nContent-Length: " +
+            std::to_string(m_form.size()) + "\r\n\r\n");
+        EXPECT_EQ(client->receive().status, 100);
+        return client;
+    }
+
+    Engine m_engine;
+    SerialEngine m_queue{m_engine};
     FakeLog m_log;
-    HttpApi m_api{m_engine, {.limits = {.bodyBytes = 100000, .waiting = 0}}};
+    HttpApi m_api;
     SpeechServer m_server;
     std::thread m_thread;
-    const std::string m_upload = postOf("/inference", formOf(wavOf(1000)));
+    const std::string m_form = formOf(wavOf(1000));
+    const std::string m_upload = postOf("/inference", m_form);
+};
+
+/// With the limits that the program has when it is told nothing.
+class UsualServerTest : public LimitedServerTest<FakeSpeechEngine> {};
+
+class SpeechServerQueueTest : public LimitedServerTest<HeldEngine> {};
+
+/// A server that lets no upload wait while another is there.
+class CrowdedServerTest : public LimitedServerTest<FakeSpeechEngine> {
+protected:
+    explicit CrowdedServerTest(ClientPatience patience = {})
+        : LimitedServerTest({.bodyBytes = 100000, .waiting = 0}, patience) {}
 };
 
 constexpr std::chrono::milliseconds moment{200};
@@ -72,19 +108,45 @@ TEST_F(StrictServerTest, AClientThatSendsByteByByteForeverIsLeft) {
 }
 
 TEST_F(CrowdedServerTest, MoreUploadsThanMayWaitAreToldToComeBack) {
-    const std::string form = formOf(wavOf(1000));
-    RawHttpClient first(m_server.port());
-    first.send(
-        "POST /inference HTTP/1.1\r\nExpect: 100-continue\r\n"
-        "Content-Type: multipart/form-data; boundary=B\r\nContent-Length: " +
-        std::to_string(form.size()) + "\r\n\r\n");
-    EXPECT_EQ(first.receive().status, 100);
+    const auto first = invited();
     const auto answer = RawHttpClient(m_server.port()).ask(m_upload);
     EXPECT_EQ(answer.status, 503);
     EXPECT_NE(answer.head.find("Retry-After: "), std::string::npos);
     EXPECT_NE(answer.body.find("server_error"), std::string::npos);
     EXPECT_EQ(RawHttpClient(m_server.port()).ask(getModels).status, 200);
-    EXPECT_EQ(first.ask(form).status, 200);
+    EXPECT_EQ(first->ask(m_form).status, 200);
+}
+
+TEST_F(UsualServerTest, WhenAllPlacesAreTakenTheNextIsToldAndOthersAreAnswered) {
+    std::vector<std::unique_ptr<RawHttpClient>> guests;
+    for (int i = 0; i < 65; ++i)
+        guests.push_back(invited());
+    const auto answer = connected()->ask(m_upload);
+    EXPECT_EQ(answer.status, 503);
+    EXPECT_NE(answer.head.find("Retry-After: "), std::string::npos);
+    EXPECT_EQ(connected()->ask("GET /health HTTP/1.1\r\n\r\n").status, 200);
+    for (const auto& guest : guests)
+        EXPECT_EQ(guest->ask(m_form).status, 200);
+}
+
+TEST_F(SpeechServerQueueTest, ARecordingWhoseClientHasLeftIsNotTranscribed) {
+    const auto first = connected();
+    first->send(m_upload);
+    ASSERT_TRUE(waitUntil([&] { return m_engine.order().size() == 1; }));
+    auto second = connected();
+    second->send(postOf("/inference", formOf(wavOf(2000))));
+    ASSERT_TRUE(waitUntil([&] { return m_queue.waiting() == 1; }));
+    const auto third = connected();
+    third->send(postOf("/inference", formOf(wavOf(3000))));
+    ASSERT_TRUE(waitUntil([&] { return m_queue.waiting() == 2; }));
+    second.reset();
+    EXPECT_TRUE(waitUntil([&] { return m_log.contains("POST /inference 499"); }));
+    m_engine.release();
+    EXPECT_EQ(first->receive().status, 200);
+    EXPECT_EQ(third->receive().status, 200);
+    EXPECT_EQ(m_engine.order(), (std::vector<std::size_t>{1000, 3000}));
+    for (const auto& line : m_log.lines())
+        EXPECT_EQ(line.level, LogLevel::Info) << line.text;
 }
 
 TEST_F(CrowdedServerTest, ChunksWithoutEndAreCutOff) {

@@ -158,6 +158,17 @@ TEST_F(WhisperEngineTest, AChildThatIsKilledInTheMiddleComesBack) {
     EXPECT_NE(childId(), child);
 }
 
+TEST_F(WhisperEngineTest, ARecordingThatNobodyWaitsForCostsNoChild) {
+    start("answer 100000");
+    const std::vector<std::int16_t> samples(32000);
+    const auto transcript = m_engine->transcribe(
+        {.samples = samples, .isAbandoned = [this] { return m_log.contains("has a recording"); }});
+    EXPECT_EQ(transcript.error(), EngineError::Abandoned);
+    EXPECT_EQ(m_lost, 0);
+    EXPECT_TRUE(m_engine->isReady());
+    EXPECT_EQ(kill(childId(), 0), 0);
+}
+
 TEST_F(WhisperEngineTest, AChildThatHangsIsReplacedWhenTheTimeIsOver) {
     start("");
     EXPECT_TRUE(textOf(7));
