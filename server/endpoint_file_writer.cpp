@@ -5,17 +5,22 @@
 #include <charconv>
 #include <cstdio>
 #include <cstring>
+#include <optional>
 #include <string_view>
 #include <utility>
 
 #include <fcntl.h>
+#include <netdb.h>
 #include <netinet/in.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace quietlark {
 namespace {
+
+constexpr int longestProbeMilliseconds = 1000;
 
 std::string contentOf(const EndpointDescription& description) {
     std::array<char, 32> rtf{};
@@ -40,29 +45,56 @@ std::string reasonFor(const std::string& path) {
     return std::strerror(error);
 }
 
-/// The port in the line "local=HOST:PORT" of an endpoint file; 0 when there is none.
-int portIn(std::string_view content) {
+struct Address {
+    std::string host;  ///< without brackets
+    std::string port;
+};
+
+/// What the line "local=HOST:PORT" of an endpoint file names.
+std::optional<Address> addressIn(std::string_view content) {
     constexpr std::string_view key = "local=";
-    if (!content.starts_with(key)) return 0;
-    const auto line = content.substr(0, content.find('\n'));
+    if (!content.starts_with(key)) return std::nullopt;
+    const auto line = content.substr(0, content.find('\n')).substr(key.size());
     const auto colon = line.rfind(':');
-    int port = 0;
-    if (colon != std::string_view::npos)
-        std::from_chars(line.data() + colon + 1, line.data() + line.size(), port);
-    return port;
+    if (colon == std::string_view::npos) return std::nullopt;
+    auto host = line.substr(0, colon);
+    if (host.starts_with('[') && host.ends_with(']')) host = host.substr(1, host.size() - 2);
+    const auto port = line.substr(colon + 1);
+    std::uint16_t number = 0;
+    const auto [end, error] = std::from_chars(port.data(), port.data() + port.size(), number);
+    if (host.empty() || error != std::errc() || end != port.data() + port.size())
+        return std::nullopt;
+    return Address{std::string(host), std::string(port)};
 }
 
-/// On IPv4's loopback address, which a server that shares serves too.
-bool isListening(int port) {
-    const int probe = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(static_cast<std::uint16_t>(port));
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    const bool isListening =
-        connect(probe, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+/// Whether this computer says that nobody listens there; no answer says nothing.
+bool refusesConnections(const addrinfo& address) {
+    const int probe =
+        socket(address.ai_family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, IPPROTO_TCP);
+    if (probe < 0) return false;
+    int error = connect(probe, address.ai_addr, address.ai_addrlen) == 0 ? 0 : errno;
+    pollfd descriptor{probe, POLLOUT, 0};
+    if (error == EINPROGRESS && poll(&descriptor, 1, longestProbeMilliseconds) > 0) {
+        socklen_t length = sizeof error;
+        getsockopt(probe, SOL_SOCKET, SO_ERROR, &error, &length);
+    }
     close(probe);
-    return isListening;
+    return error == ECONNREFUSED;
+}
+
+/// Whether certainly nobody listens at an address.
+bool isDeserted(const Address& address) {
+    addrinfo wanted{};
+    wanted.ai_socktype = SOCK_STREAM;
+    // Other names would have to be looked up in the network.
+    wanted.ai_flags = AI_NUMERICSERV | (address.host == "localhost" ? 0 : AI_NUMERICHOST);
+    addrinfo* found = nullptr;
+    if (getaddrinfo(address.host.c_str(), address.port.c_str(), &wanted, &found) != 0) return false;
+    bool isDeserted = found != nullptr;
+    for (const addrinfo* each = found; each; each = each->ai_next)
+        isDeserted = isDeserted && refusesConnections(*each);
+    freeaddrinfo(found);
+    return isDeserted;
 }
 
 }  // namespace
@@ -84,8 +116,8 @@ void EndpointFileWriter::removeLeftover() const {
     const ssize_t count = isOurs ? read(file, bytes.data(), bytes.size()) : 0;
     close(file);
     if (count <= 0) return;
-    const int port = portIn({bytes.data(), static_cast<std::size_t>(count)});
-    if (port > 0 && !isListening(port)) unlink(m_path.c_str());
+    const auto address = addressIn({bytes.data(), static_cast<std::size_t>(count)});
+    if (address && isDeserted(*address)) unlink(m_path.c_str());
 }
 
 tl::expected<void, std::string> EndpointFileWriter::publish(

@@ -23,7 +23,7 @@ public:
     EndpointFileWriter& operator=(const EndpointFileWriter&) = delete;
 
     /// Takes away what a server that crashed has left there: a file of this user's that names an
-    /// address at which nobody listens.
+    /// address at which certainly nobody listens.
     void removeLeftover() const;
 
     /// Puts the file there, in place of what was there before, readable by everyone. Never follows

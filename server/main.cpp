@@ -32,6 +32,11 @@ void allowManyConnections() {
     setrlimit(RLIMIT_NOFILE, &limit);
 }
 
+bool isIgnored(int signal) {
+    struct sigaction present {};
+    return sigaction(signal, nullptr, &present) == 0 && present.sa_handler == SIG_IGN;
+}
+
 /// Requests the stop when the program is told to end.
 class SignalThread {
 public:
@@ -42,6 +47,8 @@ public:
         sigemptyset(&m_signals);
         sigaddset(&m_signals, SIGTERM);
         sigaddset(&m_signals, SIGINT);
+        // A terminal that closes sends this one; whoever started us with nohup wants it ignored.
+        if (!isIgnored(SIGHUP)) sigaddset(&m_signals, SIGHUP);
         pthread_sigmask(SIG_BLOCK, &m_signals, nullptr);
         m_thread = std::thread([this] {
             int signal = 0;

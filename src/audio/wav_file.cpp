@@ -18,7 +18,7 @@ constexpr std::size_t riffHeaderBytes = 12;
 constexpr std::size_t chunkHeaderBytes = 8;
 constexpr std::size_t shortestFormatBytes = 16;
 constexpr std::size_t extensibleFormatBytes = 40;
-constexpr std::uint32_t unknownSize = 0xFFFFFFFF;
+constexpr std::uint32_t smallestUnknownSize = 0x7FFF0000;
 constexpr std::uint16_t integerPcm = 1;
 constexpr std::uint16_t floatingPoint = 3;
 constexpr std::uint16_t extensible = 0xFFFE;
@@ -45,6 +45,21 @@ bool isNamed(Bytes bytes, std::size_t offset, std::string_view name) {
                               [](std::uint8_t byte) { return static_cast<char>(byte); });
 }
 
+/// Whether these may be chunks to the end, by the first one's name and size.
+bool isChunk(Bytes bytes) {
+    if (bytes.size() < chunkHeaderBytes) return false;
+    const bool hasName = std::ranges::all_of(
+        bytes.first(4), [](std::uint8_t byte) { return byte >= 0x20 && byte < 0x7F; });
+    return hasName && littleEndian<std::uint32_t>(bytes, 4) <= bytes.size() - chunkHeaderBytes;
+}
+
+/// Whether `rest` is all that the size of a chunk can mean: that size was written before the sound.
+bool isUnknownSize(std::uint32_t claimed, Bytes rest) {
+    if (claimed > 0) return claimed >= smallestUnknownSize && claimed > rest.size();
+    // A recording without sound may be followed by other chunks, which have names.
+    return !rest.empty() && !isChunk(rest);
+}
+
 tl::unexpected<WavFileError> failure(const char* description) {
     return tl::unexpected(WavFileError{description});
 }
@@ -61,7 +76,8 @@ tl::expected<WavFile, WavFileError> WavFile::parse(Bytes bytes) {
         const bool isData = isNamed(rest, 0, "data");
         const auto claimed = littleEndian<std::uint32_t>(rest, 4);
         rest = rest.subspan(chunkHeaderBytes);
-        const std::size_t size = isData && claimed == unknownSize ? rest.size() : claimed;
+        const bool isUnknown = isData && isUnknownSize(claimed, rest);
+        const std::size_t size = isUnknown ? rest.size() : claimed;
         if (size > rest.size()) return failure("The WAV file is cut short.");
         if (isFormat) {
             const auto parsed = parseFormat(rest.first(size));

@@ -22,7 +22,9 @@ struct WavFileError {
 class WavFile {
 public:
     /// Finds format and sound; nothing the file says about itself is believed beyond its bytes. A
-    /// data size of 0xFFFFFFFF, written by programs that cannot seek back, means up to the end.
+    /// data size of 0x7FFF0000 or more that is beyond the file, or of 0 with nothing but bytes
+    /// after it, is written by programs that cannot seek back (arecord, sox, ffmpeg), and means up
+    /// to the end.
     [[nodiscard]] static tl::expected<WavFile, WavFileError> parse(
         std::span<const std::uint8_t> bytes);
 

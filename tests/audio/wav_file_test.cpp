@@ -145,6 +145,21 @@ TEST(WavFile, AnUnknownDataSizeMeansUpToTheEnd) {
     EXPECT_EQ(read(file.number(0x40C0, 2)), (std::vector<float>{0.5F, -0.5F}));
 }
 
+TEST(WavFile, ADataSizeThatNoProgramKnewYetMeansUpToTheEnd) {
+    for (const std::uint32_t size : {0x80000000U, 0x7FFFF000U, 0x7FFF0000U, 0U}) {
+        auto file = FileWriter().riff().format(1, 1, 8000, 8).text("data").number(size, 4);
+        EXPECT_EQ(read(file.number(0x40C0, 2)), (std::vector<float>{0.5F, -0.5F})) << size;
+    }
+    auto file = FileWriter().riff().format(1, 1, 8000, 8).text("data").number(0x7FFEFFFF, 4);
+    EXPECT_EQ(errorOf(file.number(0, 2)), "The WAV file is cut short.");
+}
+
+TEST(WavFile, ARecordingWithoutSoundHasNoneWhateverFollowsIt) {
+    const auto silent = [] { return FileWriter().riff().format(1, 1, 8000, 8).data({}); };
+    EXPECT_TRUE(read(silent()).empty());
+    EXPECT_TRUE(read(silent().text("LIST").number(4, 4).text("INFO")).empty());
+}
+
 TEST(WavFile, ManyChannelsAreAveragedIntoOne) {
     const auto file = FileWriter().riff().format(1, 4, 16000, 8).data({192, 192, 128, 128});
     EXPECT_EQ(WavFile::parse(file.bytes)->convertedTo(16000), (std::vector<std::int16_t>{8192}));

@@ -11,6 +11,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "server/host_description.h"
+
 namespace quietlark {
 namespace {
 
@@ -95,6 +97,28 @@ TEST_F(EndpointFileWriterTest, WhatACrashLeftBehindIsRemoved) {
     server.close();
     m_writer->removeLeftover();
     EXPECT_FALSE(exists());
+}
+
+TEST_F(EndpointFileWriterTest, TheFileOfALivingServerStaysWhateverAddressItListensOn) {
+    for (const char* host : {"127.0.0.5", "::1"}) {
+        QTcpServer server;
+        if (!server.listen(QHostAddress(QLatin1String(host))))
+            GTEST_SKIP() << "This computer does not have the address " << host << ".";
+        write(m_path, ("local=" + localAddress(host, server.serverPort()) + "\n").c_str());
+        m_writer->removeLeftover();
+        EXPECT_TRUE(exists()) << host;
+        server.close();
+        m_writer->removeLeftover();
+        EXPECT_FALSE(exists()) << host;
+    }
+}
+
+TEST_F(EndpointFileWriterTest, WhereNobodyKnowsWhetherAServerListensTheFileStays) {
+    for (const char* address : {"desk.invalid:1", "[::1]:99999", ":1"}) {
+        write(m_path, ("local=" + std::string(address) + "\n").c_str());
+        m_writer->removeLeftover();
+        EXPECT_TRUE(exists()) << address;
+    }
 }
 
 TEST_F(EndpointFileWriterTest, WhatIsNoLeftoverStays) {

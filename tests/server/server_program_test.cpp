@@ -152,6 +152,13 @@ TEST_F(ServerProgramTest, AnInterruptEndsItTheSameWay) {
     EXPECT_FALSE(hasEndpointFile());
 }
 
+TEST_F(ServerProgramTest, ATerminalThatIsClosedEndsItTheSameWay) {
+    startServer();
+    endServer(SIGHUP);
+    EXPECT_EQ(m_server->exitCode(), 0);
+    EXPECT_FALSE(hasEndpointFile());
+}
+
 TEST_F(ServerProgramTest, TheFileOfAServerThatTookOverStays) {
     startServer();
     const auto first = std::move(m_server);
