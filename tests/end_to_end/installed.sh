@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# installed.sh BIN user|package: Quietlark is installed, by one's own hand or by the package manager,
-# dictates by way of the speech server that systemd runs for it, and is removed. Then there is
-# nothing left of it.
+# installed.sh BIN user|package [itself]: Quietlark is installed, by one's own hand or by the package
+# manager, dictates by way of the speech server that systemd runs for it, and is removed in the same
+# way, or by itself. Then there is nothing left of it.
 # shellcheck source=apart.sh
 . "$(dirname "${BASH_SOURCE[0]}")/apart.sh"
 # shellcheck source=support.sh
@@ -10,6 +10,7 @@
 . "$root/tests/installation/service_manager.sh"
 
 kind=$2
+remover=${3:-$kind}
 service=net.quietlark.server.service
 # The desktop's programs have a home of their own, so that this one holds nothing but Quietlark's.
 owner="$desktop/owner"
@@ -64,6 +65,35 @@ remove_it() {
     fi
 }
 
+# By the button of its settings, and the answer to its question.
+remove_by_itself() {
+    # From the tabs over the switch to the button.
+    xdotool windowactivate --sync "$(preferences_are_open | tail -n 1)" key Tab Tab space
+    wait_until 30 is_open '^Uninstall Quietlark\?' || fail 'It did not ask.'
+    # From "Cancel" to the other one.
+    xdotool windowactivate --sync "$(is_open '^Uninstall Quietlark\?')" key Tab space
+    if [ "$kind" = package ]; then
+        leave_the_program_to_the_package_manager
+    else
+        wait_until 60 has_ended "$quietlark_id" || fail 'It did not end.'
+        rm -r "$home/.local/share/Trash/files/Quietlark/bin" || fail 'It is not in the Trash.'
+        rm -r "$home/.local/share/Trash"
+    fi
+}
+
+leave_the_program_to_the_package_manager() {
+    local alert="^Couldn't move Quietlark to the Trash"
+    wait_until 60 is_open "$alert" || fail 'It did not say that the package is still there.'
+    xdotool windowactivate --sync "$(is_open "$alert")" key Return
+    wait_until 60 has_ended "$quietlark_id" || fail 'It did not end.'
+    [ ! -e "$home/.local/share/Trash" ] || fail 'There is something in the Trash.'
+    dpkg --purge quietlark
+}
+
+is_open() {
+    xdotool search --onlyvisible --name "$1"
+}
+
 preferences_are_open() {
     xdotool search --onlyvisible --name '^Quietlark( Preferences)?$'
 }
@@ -99,9 +129,13 @@ wait_until 30 preferences_are_open || fail 'It did not open its window.'
 icon=$(xprop -id "$(preferences_are_open | tail -n 1)" _NET_WM_ICON)
 [[ $icon = *'Icon ('* ]] || fail "The window has no icon: $icon"
 
-end "$quietlark_id"
-remove_it || fail 'It could not be removed.'
-rm -r "$home/.config/Quietlark" "$home/.local/share/Quietlark"
+if [ "$remover" = itself ]; then
+    remove_by_itself
+else
+    end "$quietlark_id"
+    remove_it || fail 'It could not be removed.'
+    rm -r "$home/.config/Quietlark" "$home/.local/share/Quietlark"
+fi
 [ ! -e /tmp/quietlark.endpoint ] || fail 'The speech server is still there.'
 listing >"$desktop/after"
 expect 'what is left of it' '' "$(diff "$desktop/before" "$desktop/after" || true)"

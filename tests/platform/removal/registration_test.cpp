@@ -113,6 +113,14 @@ TEST_F(RegistrationTest, FoldersMadeForTheBundleAreToldFromTheInside) {
               ".local/share/icons/hicolor/48x48 .local/share/icons/hicolor .local/bin .local/opt");
 }
 
+TEST_F(RegistrationTest, AFolderThatSystemdHasMadeForTheServiceIsTold) {
+    link("home/.config/systemd/user/default.target.wants/net.quietlark.server.service",
+         bundle("lib/systemd/user/net.quietlark.server.service"));
+    link("home/.config/systemd/user/other.target.wants/net.quietlark.server.service",
+         QStringLiteral("/dev/null"));
+    EXPECT_EQ(folders(), ".config/systemd/user/default.target.wants");
+}
+
 TEST_F(RegistrationTest, WhatElseTheListNamesIsNotOurs) {
     note({at("home/work/"), at("home/.local/opt/Other/"), QStringLiteral("/"), QString(),
           QStringLiteral("bin/"), at("home/.local/bin/../../work/"), at("home/.config/autostart")});

@@ -108,8 +108,12 @@ Registration::Traces Registration::of(const QString& bundlePath) const {
     for (const QString& pattern : m_patterns) {
         for (const QString& path : pathsLike(pattern)) {
             const QString end = QFile::decodeName(QByteArray::fromStdString(endOf(path).native()));
-            if (end.startsWith(bundle + u'/')) traces.links << path;
             places << path;
+            if (!end.startsWith(bundle + u'/')) continue;
+            traces.links << path;
+            // Which systemd makes for a service of its user's, and removes with the last one.
+            const QString folder = QFileInfo(path).path();
+            if (folder.endsWith(QStringLiteral(".wants"))) traces.folders << folder;
         }
     }
     const auto folders = foldersOnTheWayTo(places);
