@@ -16,7 +16,7 @@
 #include "local_server/background_model_fetcher.h"
 #include "local_server/model_downloader.h"
 #include "notifications/notification_center.h"
-#include "platform/qt/qt_http_streams.h"
+#include "platform/curl/curl_http_streams.h"
 #include "platform/qt/qt_scheduler.h"
 #include "platform/qt/qt_worker_thread.h"
 
@@ -73,7 +73,7 @@ int run(const WatchedApplication& application) {
     NotificationCenter notifications;
     BackgroundModelFetcher fetcher(
         ModelSource::configured(QProcessEnvironment::systemEnvironment()), files, scheduler,
-        worker.scheduler(), [] { return std::make_unique<QtHttpStreams>(); });
+        worker.scheduler(), [] { return std::make_unique<CurlHttpStreams>(); });
     ModelDownloader downloader(files, fetcher, notifications, scheduler);
     const double idleMegabytes = memoryMegabytes("VmRSS:");
     const auto start = Clock::now();

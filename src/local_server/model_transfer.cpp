@@ -103,7 +103,7 @@ void ModelTransfer::send(HttpStreamRequest request) {
     m_exchange = m_http.get(
         std::move(request),
         {.onHead = [this](const HttpHead& head) { onHead(head); },
-         .onBytes = [this](const QByteArray& bytes) { onBytes(bytes); },
+         .onBytes = [this](QByteArrayView bytes) { onBytes(bytes); },
          .onEnd = [this](const tl::expected<void, TransportError>& outcome) { onEnd(outcome); }});
 }
 
@@ -145,7 +145,7 @@ void ModelTransfer::onAnswer(const RefusedModel& answer) {
     failInstall(answer.reason);
 }
 
-void ModelTransfer::onBytes(const QByteArray& bytes) {
+void ModelTransfer::onBytes(QByteArrayView bytes) {
     const auto promised = m_received->totalBytes();
     const auto total = promised ? promised : m_source.lengthBytes;
     if (m_received->bytes() + bytes.size() > total.value_or(std::numeric_limits<qint64>::max())) {

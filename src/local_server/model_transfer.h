@@ -44,7 +44,7 @@ private:
     void onAnswer(const RestOfModel& answer);
     void onAnswer(const OtherModel& answer);
     void onAnswer(const RefusedModel& answer);
-    void onBytes(const QByteArray& bytes);
+    void onBytes(QByteArrayView bytes);
     void onEnd(const tl::expected<void, TransportError>& outcome);
     void watchTime();
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QUrl>
 #include <tl/expected.hpp>
 
@@ -41,12 +42,13 @@ struct HttpHead {
 };
 
 /// HTTP for bodies that do not fit in memory. Redirects are not followed, bodies not unpacked, and
-/// there is no time-out. Belongs to the thread that made it.
+/// an answer may take as long as it likes. Belongs to the thread that made it.
 class HttpStreams {
 public:
     struct Handlers {
-        std::function<void(const HttpHead&)> onHead;           ///< once, first
-        std::function<void(const QByteArray& bytes)> onBytes;  ///< any number of times
+        std::function<void(const HttpHead&)> onHead;  ///< once, first
+        /// Any number of times; the bytes are there until it returns.
+        std::function<void(QByteArrayView bytes)> onBytes;
         /// The last call: the body is complete, or why not.
         std::function<void(tl::expected<void, TransportError>)> onEnd;
     };

@@ -10,8 +10,8 @@
 #include <QProcessEnvironment>
 
 #include "local_server/model_source.h"
+#include "platform/curl/curl_http_streams.h"
 #include "platform/linux/x11/keys/evdev_key_codes.h"
-#include "platform/qt/qt_http_streams.h"
 #include "program/display.h"
 
 namespace quietlark {
@@ -50,7 +50,7 @@ Application::Application(SessionBusService& service, Console& console)
       m_paster(m_pasteboard, m_desktop.keys, m_desktop.scheduler),
       m_modelFetcher(ModelSource::configured(QProcessEnvironment::systemEnvironment()),
                      ModelFiles::atDefaultDirectory(), m_desktop.scheduler, m_worker.scheduler(),
-                     [] { return std::make_unique<QtHttpStreams>(); }),
+                     [] { return std::make_unique<CurlHttpStreams>(); }),
       m_state(stateFiles(), makers()),
       m_statusItem(m_desktop.scheduler),
       m_keyCapture(keyCodeOfNative),

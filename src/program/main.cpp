@@ -24,9 +24,9 @@
 #include "local_server/model_files.h"
 #include "local_server/model_source.h"
 #include "notifications/notification_center.h"
+#include "platform/curl/curl_http_streams.h"
 #include "platform/linux/processor/linux_processor.h"
 #include "platform/qt/qt_http_client.h"
-#include "platform/qt/qt_http_streams.h"
 #include "platform/qt/qt_scheduler.h"
 #include "platform/qt/qt_worker_thread.h"
 #include "platform/terminal.h"
@@ -89,7 +89,7 @@ public:
         NotificationCenter notifications;
         BackgroundModelFetcher fetcher(
             ModelSource::configured(QProcessEnvironment::systemEnvironment()), files, scheduler,
-            worker.scheduler(), [] { return std::make_unique<QtHttpStreams>(); });
+            worker.scheduler(), [] { return std::make_unique<CurlHttpStreams>(); });
         ModelDownloader downloader(files, fetcher, notifications, scheduler);
         ProgressLine progress(std::cerr, messageTerminalColumns());
         ModelCommand command(files, downloader, scheduler, progress, m_console);

@@ -15,7 +15,7 @@
 #include "local_server/model_downloader.h"
 #include "notifications/notification_center.h"
 #include "peers/http_server.h"
-#include "platform/qt/qt_http_streams.h"
+#include "platform/curl/curl_http_streams.h"
 #include "platform/qt/qt_scheduler.h"
 #include "platform/qt/qt_worker_thread.h"
 #include "support/wait.h"
@@ -45,7 +45,7 @@ protected:
     void start() {
         m_downloader.reset();
         m_fetcher.emplace(m_source, m_files, m_scheduler, m_worker.scheduler(),
-                          [] { return std::make_unique<QtHttpStreams>(); });
+                          [] { return std::make_unique<CurlHttpStreams>(); });
         m_downloader.emplace(m_files, *m_fetcher, m_notifications, m_scheduler);
         m_downloader->start();
     }

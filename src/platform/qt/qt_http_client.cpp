@@ -5,6 +5,7 @@
 
 #include <QPointer>
 
+#include "platform/http_failure.h"
 #include "platform/qt/http_exchange.h"
 #include "platform/qt/network_policy.h"
 #include "platform/qt/transport_failure.h"

@@ -1,7 +1,8 @@
 #include "platform/qt/transport_failure.h"
 
-#include <QCoreApplication>
 #include <QNetworkReply>
+
+#include "platform/http_failure.h"
 
 namespace quietlark {
 
@@ -38,43 +39,27 @@ bool isRedirect(const QNetworkReply& reply) {
     return reply.error() == QNetworkReply::ContentReSendError && statusOf(reply) / 100 == 3;
 }
 
-QString serverName(const QUrl& url) {
-    return url.port() < 0 ? url.host() : url.host() + u':' + QString::number(url.port());
+HttpFailure meaning(Error error) {
+    switch (error) {
+        case QNetworkReply::ConnectionRefusedError:
+            return HttpFailure::Refused;
+        case QNetworkReply::RemoteHostClosedError:
+        case QNetworkReply::ContentReSendError:
+            return HttpFailure::ClosedEarly;
+        case QNetworkReply::HostNotFoundError:
+            return HttpFailure::NotFound;
+        case QNetworkReply::TimeoutError:
+        case QNetworkReply::OperationCanceledError:
+            return HttpFailure::TimedOut;
+        case QNetworkReply::SslHandshakeFailedError:
+            return HttpFailure::Insecure;
+        default:
+            return HttpFailure::Failed;
+    }
 }
 
-struct Sentences {
-    Q_DECLARE_TR_FUNCTIONS(QtHttpClient)
-
-public:
-    static QString of(Error error) {
-        switch (error) {
-            case QNetworkReply::ConnectionRefusedError:
-                return tr("The server at %1 refused the connection.");
-            case QNetworkReply::RemoteHostClosedError:
-            case QNetworkReply::ContentReSendError:
-                return tr("The server at %1 closed the connection before its answer was complete.");
-            case QNetworkReply::HostNotFoundError:
-                return tr("The server %1 was not found.");
-            case QNetworkReply::TimeoutError:
-            case QNetworkReply::OperationCanceledError:
-                return tr("The server at %1 did not answer in time.");
-            case QNetworkReply::SslHandshakeFailedError:
-                return tr("No secure connection to %1 could be made.");
-            default:
-                return tr("The connection to %1 failed.");
-        }
-    }
-    static QString tooLong() { return tr("The answer of the server at %1 is too long."); }
-    static QString notHttp() { return tr("%1 is not an address of a web server."); }
-};
-
-TransportError failure(const QUrl& url, Error error, const QString& sentence,
-                       const QString& detail) {
-    return {QStringLiteral("QNetworkReply"),
-            error,
-            sentence,
-            {{QStringLiteral("url"), url.toString(QUrl::FullyEncoded | QUrl::RemoveUserInfo)},
-             {QStringLiteral("detail"), detail}}};
+TransportError failure(HttpFailure kind, const QUrl& url, Error error, const QString& detail) {
+    return transportError(kind, url, QStringLiteral("QNetworkReply"), error, detail);
 }
 
 }  // namespace
@@ -91,31 +76,21 @@ bool hasWholeAnswer(const QNetworkReply& reply) {
 }
 
 TransportError transportFailure(const QNetworkReply& reply) {
-    return failure(reply.url(), reply.error(),
-                   Sentences::of(reply.error()).arg(serverName(reply.url())), reply.errorString());
-}
-
-TransportError answerCutShort(const QUrl& url) {
-    const Error error = QNetworkReply::RemoteHostClosedError;
-    return failure(url, error, Sentences::of(error).arg(serverName(url)),
-                   QStringLiteral("shorter than its length"));
+    return failure(meaning(reply.error()), reply.url(), reply.error(), reply.errorString());
 }
 
 TransportError answerTooLong(const QUrl& url) {
-    return failure(url, QNetworkReply::UnknownContentError,
-                   Sentences::tooLong().arg(serverName(url)),
+    return failure(HttpFailure::TooLong, url, QNetworkReply::UnknownContentError,
                    QStringLiteral("more than %1 bytes").arg(HttpClient::maxBodyBytes));
 }
 
 TransportError answerTooSlow(const QUrl& url) {
-    const Error error = QNetworkReply::OperationCanceledError;
-    return failure(url, error, Sentences::of(error).arg(serverName(url)),
+    return failure(HttpFailure::TimedOut, url, QNetworkReply::OperationCanceledError,
                    QStringLiteral("its answer does not end"));
 }
 
 TransportError notHttp(const QUrl& url) {
-    return failure(url, QNetworkReply::ProtocolUnknownError,
-                   Sentences::notHttp().arg(url.toDisplayString()),
+    return failure(HttpFailure::NotAnAddress, url, QNetworkReply::ProtocolUnknownError,
                    QStringLiteral("scheme %1").arg(url.scheme()));
 }
 

@@ -15,16 +15,13 @@ namespace quietlark {
 /// Why a finished reply did not bring a whole answer.
 [[nodiscard]] TransportError transportFailure(const QNetworkReply& reply);
 
-/// The body ended before the length that its head has promised.
-[[nodiscard]] TransportError answerCutShort(const QUrl& url);
-
 /// The body went on beyond what HttpClient accepts.
 [[nodiscard]] TransportError answerTooLong(const QUrl& url);
 
 /// The answer has begun, but does not come to its end.
 [[nodiscard]] TransportError answerTooSlow(const QUrl& url);
 
-/// The address is not one for HTTP.
+/// The address is none of a web server.
 [[nodiscard]] TransportError notHttp(const QUrl& url);
 
 }  // namespace quietlark

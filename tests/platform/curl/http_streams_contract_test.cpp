@@ -4,7 +4,7 @@
 
 #include "fakes/fake_http_streams.h"
 #include "peers/http_server.h"
-#include "platform/qt/qt_http_streams.h"
+#include "platform/curl/curl_http_streams.h"
 #include "support/wait.h"
 
 namespace quietlark {
@@ -55,7 +55,7 @@ public:
 
 private:
     HttpServer m_server;
-    QtHttpStreams m_streams;
+    CurlHttpStreams m_streams;
 };
 
 template <typename AnyNetwork>
@@ -69,9 +69,9 @@ protected:
                                             if (m_withdrawsAtHead) m_handle.cancel();
                                         },
                                     .onBytes =
-                                        [this](const QByteArray& bytes) {
+                                        [this](QByteArrayView bytes) {
                                             EXPECT_TRUE(m_head) << "bytes before the head";
-                                            m_body += bytes;
+                                            m_body.append(bytes);
                                         },
                                     .onEnd = [this](const auto& outcome) { m_outcome = outcome; }});
     }

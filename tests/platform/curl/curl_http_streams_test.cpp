@@ -1,5 +1,6 @@
-#include "platform/qt/qt_http_streams.h"
+#include "platform/curl/curl_http_streams.h"
 
+#include <algorithm>
 #include <atomic>
 #include <optional>
 #include <thread>
@@ -9,6 +10,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include "platform/posix/open_descriptors.h"
 #include "support/wait.h"
 
 namespace quietlark {
@@ -71,21 +73,45 @@ private:
 };
 
 /// Bodies of several buffers, the whole of which a reader has not seen when their server closes.
-class QtHttpStreamsTest : public testing::Test {
+class CurlHttpStreamsTest : public testing::Test {
 protected:
     /// Asks, and takes nothing before the server has gone.
     void readLate(const QByteArray& head, const QByteArray& body) {
         const HastyServer server(head + "\r\n\r\n" + body);
-        QtHttpStreams streams;
+        CurlHttpStreams streams;
         const Cancellable handle = streams.get(
             {server.url(), {}}, {.onHead =
                                      [&](const HttpHead&) {
                                          while (!server.hasSentAll())
                                              std::this_thread::yield();
                                      },
-                                 .onBytes = [this](const QByteArray& bytes) { m_read += bytes; },
+                                 .onBytes = [this](QByteArrayView bytes) { m_read.append(bytes); },
                                  .onEnd = [this](const auto& outcome) { m_outcome = outcome; }});
         EXPECT_TRUE(waitUntil([this] { return m_outcome.has_value(); }));
+    }
+    /// Of those over which this process asks the server.
+    [[nodiscard]] static int largestReceiveBuffer(const QUrl& url) {
+        int largest = 0;
+        forEachOpenDescriptor([&](int descriptor) {
+            sockaddr_in peer{};
+            socklen_t length = sizeof peer;
+            ::getpeername(descriptor, reinterpret_cast<sockaddr*>(&peer), &length);
+            if (peer.sin_family != AF_INET || ntohs(peer.sin_port) != url.port()) return;
+            int bytes = 0;
+            length = sizeof bytes;
+            ::getsockopt(descriptor, SOL_SOCKET, SO_RCVBUF, &bytes, &length);
+            largest = std::max(largest, bytes);
+        });
+        return largest;
+    }
+    [[nodiscard]] std::string failure(const QUrl& url) {
+        CurlHttpStreams streams;
+        const Cancellable handle =
+            streams.get({url, {}}, {.onHead = [](const HttpHead&) {},
+                                    .onBytes = [](QByteArrayView) {},
+                                    .onEnd = [this](const auto& outcome) { m_outcome = outcome; }});
+        EXPECT_TRUE(waitUntil([this] { return m_outcome.has_value(); }));
+        return isWhole() ? "no failure" : m_outcome->error().description.toStdString();
     }
     [[nodiscard]] bool isWhole() const { return m_outcome && m_outcome->has_value(); }
 
@@ -94,30 +120,66 @@ protected:
     std::optional<tl::expected<void, TransportError>> m_outcome;
 };
 
-TEST_F(QtHttpStreamsTest, ABodyWithALengthIsReadToItsEndAfterTheServerHasClosed) {
+TEST_F(CurlHttpStreamsTest, ABodyWithALengthIsReadToItsEndAfterTheServerHasClosed) {
     readLate("HTTP/1.1 200 OK\r\nContent-Length: 600000", m_body);
     EXPECT_TRUE(isWhole());
     EXPECT_EQ(m_read, m_body);
 }
 
-TEST_F(QtHttpStreamsTest, ABodyWithoutALengthIsReadToItsEndAfterTheServerHasClosed) {
+TEST_F(CurlHttpStreamsTest, ABodyWithoutALengthIsReadToItsEndAfterTheServerHasClosed) {
     readLate("HTTP/1.1 200 OK", m_body);
     EXPECT_TRUE(isWhole());
     EXPECT_EQ(m_read, m_body);
 }
 
-TEST_F(QtHttpStreamsTest, ABodyInChunksIsReadToItsEndAfterTheServerHasClosed) {
+TEST_F(CurlHttpStreamsTest, ABodyInChunksIsReadToItsEndAfterTheServerHasClosed) {
     readLate("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked",
              QByteArray::number(m_body.size(), 16) + "\r\n" + m_body + "\r\n0\r\n\r\n");
     EXPECT_TRUE(isWhole());
     EXPECT_EQ(m_read, m_body);
 }
 
-TEST_F(QtHttpStreamsTest, ABodyThatWasCutShortLosesLittleOfWhatHasArrived) {
+TEST_F(CurlHttpStreamsTest, ABodyThatWasCutShortIsAFailureAfterAllThatHasCome) {
     readLate("HTTP/1.1 200 OK\r\nContent-Length: 700000", m_body);
     EXPECT_FALSE(isWhole());
-    EXPECT_GE(m_read.size(), m_body.size() - 512 * 1024);
-    EXPECT_TRUE(m_body.startsWith(m_read));
+    EXPECT_EQ(m_read, m_body);
+}
+
+TEST_F(CurlHttpStreamsTest, ChunksThatWereCutShortAreAFailureAfterAllThatHasCome) {
+    readLate("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked",
+             QByteArray::number(m_body.size() + 1, 16) + "\r\n" + m_body);
+    EXPECT_FALSE(isWhole());
+    EXPECT_EQ(m_read, m_body);
+}
+
+TEST_F(CurlHttpStreamsTest, TheSystemKeepsLittleOfWhatTheServerSends) {
+    const HastyServer server("HTTP/1.1 200 OK\r\nContent-Length: 600000\r\n\r\n" + m_body);
+    CurlHttpStreams streams;
+    int bufferBytes = 0;
+    const Cancellable handle = streams.get(
+        {server.url(), {}},
+        {.onHead = [&](const HttpHead&) { bufferBytes = largestReceiveBuffer(server.url()); },
+         .onBytes = [](QByteArrayView) {},
+         .onEnd = [this](const auto& outcome) { m_outcome = outcome; }});
+    EXPECT_TRUE(waitUntil([this] { return m_outcome.has_value(); }));
+    EXPECT_GT(bufferBytes, 0);
+    EXPECT_LE(bufferBytes, 384 * 1024);
+}
+
+TEST_F(CurlHttpStreamsTest, AServerThatIsNotThereIsASentence) {
+    const QUrl url = HastyServer("").url();
+    EXPECT_EQ(failure(url),
+              "The server at 127.0.0.1:" + std::to_string(url.port()) + " refused the connection.");
+}
+
+TEST_F(CurlHttpStreamsTest, AnUnknownServerIsASentence) {
+    EXPECT_EQ(failure(QUrl(QStringLiteral("http://nobody.invalid/"))),
+              "The server nobody.invalid was not found.");
+}
+
+TEST_F(CurlHttpStreamsTest, AnAddressWithoutAServerIsNone) {
+    EXPECT_EQ(failure(QUrl(QStringLiteral("http:///model.bin"))),
+              "http:///model.bin is not an address of a web server.");
 }
 
 }  // namespace
