@@ -57,6 +57,8 @@ QWidget* ServerListPage::makeEmptyState() {
     auto* layout = new QVBoxLayout(empty);
     QLabel* label = makePlainLabel(tr("Looking for servers…"));
     label->setAlignment(Qt::AlignCenter);
+    // It has the focus when the last server goes from under it.
+    empty->setAccessibleName(label->text());
     layout->addStretch();
     layout->addWidget(label);
     layout->addWidget(makeBusyBar(), 0, Qt::AlignHCenter);

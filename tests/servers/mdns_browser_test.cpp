@@ -213,14 +213,18 @@ TEST_F(MDNSBrowserTest, ARemovalIsReportedEvenWhenNothingWasRemoved) {
     EXPECT_EQ(entries().size(), 1U);
 }
 
-TEST_F(MDNSBrowserTest, AServiceThatDoesNotAnswerIsGivenUpAfterFiveSeconds) {
+TEST_F(MDNSBrowserTest, AServiceThatDoesNotAnswerIsGivenUpAfterFiveSecondsUntilTheNextSearch) {
     start();
     network.publishSilent(office);
     scheduler.advance(4999ms);
     EXPECT_EQ(network.resolutionCount(), 1U);
     scheduler.advance(1ms);
     EXPECT_EQ(network.resolutionCount(), 0U);
+    scheduler.advance(1h);
+    EXPECT_EQ(network.resolutionCount(), 0U);
     EXPECT_EQ(reports.size(), 1U);
+    start();
+    EXPECT_EQ(network.resolutionCount(), 1U);
 }
 
 TEST_F(MDNSBrowserTest, AServerThatMovedIsFoundAtItsNewAddressOnly) {

@@ -132,6 +132,7 @@ TEST_F(ServerListPageTest, TheListHasTheKeyboardAgainWhenServersComeBack) {
     showList();
     press(Qt::Key_Down);
     withdraw("A");
+    EXPECT_EQ(QApplication::focusWidget()->accessibleName(), text("Looking for servers…"));
     publish("A");
     EXPECT_TRUE(list().hasFocus());
     EXPECT_EQ(selectedName(), text("A"));
