@@ -170,6 +170,11 @@ namespace quietlark {
 
 namespace {
 
+/// The application and a download have something to put in order before they end.
+bool endsInGoodOrder(int argc, char** argv) {
+    return argc < 2 || std::string_view(argv[1]) == "model";
+}
+
 /// The application and the doctor need the desktop; the other commands work without one.
 std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
     const bool isDoctor = argc > 1 && std::string_view(argv[1]) == "doctor";
@@ -189,6 +194,7 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
 }  // namespace quietlark
 
 int main(int argc, char** argv) {
+    if (quietlark::endsInGoodOrder(argc, argv)) quietlark::QuitSignals::block();
     const auto application = quietlark::makeApplication(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Quietlark"));
     quietlark::useWordingOfThisSystem(*application);

@@ -6,11 +6,17 @@
 namespace quietlark {
 
 /// Turns SIGINT, SIGTERM and SIGHUP into a signal on the main thread, so that the program can end
-/// in good order. Create it before any other thread; one at a time in a process.
+/// in good order. One at a time in a process. A signal that whoever started the program has it
+/// ignore, as nohup does, stays ignored.
 class QuitSignals final : public QObject {
     Q_OBJECT
 
 public:
+    /// Keeps the signals from ending the program at once, before any of these is there to take
+    /// them. Call it before there is any other thread: threads inherit it, and one that has not
+    /// would still end the program.
+    static void block();
+
     QuitSignals();
     ~QuitSignals() override;
 

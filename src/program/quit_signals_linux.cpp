@@ -10,17 +10,28 @@ namespace quietlark {
 
 namespace {
 
-// Blocked for good, so that they are left to the descriptor. Threads inherit this.
-int openSignalDescriptor() {
+sigset_t quitSignals() {
     sigset_t signals;
     sigemptyset(&signals);
-    for (const int number : {SIGINT, SIGTERM, SIGHUP})
-        sigaddset(&signals, number);
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+        struct sigaction present = {};
+        sigaction(number, nullptr, &present);
+        if (present.sa_handler != SIG_IGN) sigaddset(&signals, number);
+    }
+    return signals;
+}
+
+int openSignalDescriptor() {
+    const sigset_t signals = quitSignals();
     return signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC);
 }
 
 }  // namespace
+
+void QuitSignals::block() {
+    const sigset_t signals = quitSignals();
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+}
 
 QuitSignals::QuitSignals()
     : m_descriptor(openSignalDescriptor()), m_notifier(m_descriptor, QSocketNotifier::Read) {
