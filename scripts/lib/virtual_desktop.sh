@@ -62,6 +62,7 @@ network_id=
 start_network() {
     unshare --net --mount --pid --fork true 2>/dev/null || return 0
     mkdir -p "$desktop/network"
+    rm -f "$desktop/network/bus"
     cat >"$desktop/network/bus.conf" <<XML
 <busconfig>
   <listen>unix:path=$desktop/network/bus</listen>

@@ -55,7 +55,7 @@ void AppDelegate::applicationDidFinishLaunching() {
 }
 
 void AppDelegate::subscribe() {
-    m_configSubscription = m_appState.subscribeToConfig([this](const Config& config) {
+    m_configCancellable = m_appState.subscribeToConfig([this](const Config& config) {
         onMainQueue([this, config] {
             reloadHotkeys();
             m_reconciler.handleServerModeChange(config);
@@ -97,10 +97,10 @@ void AppDelegate::uninstall() {
 void AppDelegate::stop() {
     m_isStopped = true;
     m_notifications.disconnect(this);
-    m_configSubscription.cancel();
     m_status.stopTimers();
     m_watch.stop();
     m_registrar.callOff();
+    m_configCancellable.cancel();
     m_hotkeys.reset();
 }
 

@@ -97,7 +97,7 @@ private:
     bool m_isStopped = false;
     std::optional<DictationHotkeys> m_hotkeys;  ///< absent until first loaded
     std::optional<ModelDownloader::State> m_lastDownload;
-    Cancellable m_configSubscription;
+    Cancellable m_configCancellable;
 };
 
 }  // namespace quietlark

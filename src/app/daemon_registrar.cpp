@@ -1,5 +1,7 @@
 #include "app/daemon_registrar.h"
 
+#include <utility>
+
 namespace quietlark {
 
 DaemonRegistrar::DaemonRegistrar(DaemonController& daemon, Bundle& bundle, StatusPresenter& status,
@@ -9,13 +11,19 @@ DaemonRegistrar::DaemonRegistrar(DaemonController& daemon, Bundle& bundle, Statu
 void DaemonRegistrar::registerDaemon() {
     if (!m_bundle.isInApplications()) return m_windows.showMoveToApplicationsAlert();
     callOff();
+    m_isBeingTakenBack = false;
     m_request = m_daemon.registerService([this](const auto& result) { onRegistered(result); });
+}
+
+void DaemonRegistrar::afterPause(std::chrono::milliseconds pause, std::function<void()> action) {
+    m_pause = std::make_unique<QObject>();
+    m_daemon.refreshAfterDelay(pause, m_pause.get(), std::move(action));
 }
 
 void DaemonRegistrar::onRegistered(const tl::expected<void, ServiceError>& result) {
     if (!result) return m_windows.showServerStartFailure(result.error().localizedDescription);
     m_bundle.rememberRegisteredExecutable();
-    m_daemon.refreshAfterDelay(settleDelay, this, [this] { onSettled(); });
+    afterPause(settleDelay, [this] { onSettled(); });
 }
 
 void DaemonRegistrar::onSettled() {
@@ -24,13 +32,13 @@ void DaemonRegistrar::onSettled() {
 }
 
 void DaemonRegistrar::refreshIfBundleChanged() {
+    // Requests are carried out in their order, so that it is registered in the end.
+    if (m_isBeingTakenBack) return registerDaemon();
     if (m_bundle.isRegisteredExecutable()) return;
     callOff();
     m_request = m_daemon.unregisterService([this](const auto& result) {
         if (!result) return;
-        m_pause = std::make_unique<QObject>();
-        m_daemon.refreshAfterDelay(replacementPause, m_pause.get(),
-                                   [this] { registerReplacement(); });
+        afterPause(replacementPause, [this] { registerReplacement(); });
     });
 }
 
@@ -43,12 +51,13 @@ void DaemonRegistrar::registerReplacement() {
 
 void DaemonRegistrar::unregister() {
     callOff();
-    m_request = m_daemon.unregisterService([](const auto&) {});
+    m_isBeingTakenBack = true;
+    m_request = m_daemon.unregisterService([this](const auto&) { m_isBeingTakenBack = false; });
 }
 
 void DaemonRegistrar::unregisterAndRefresh() {
     unregister();
-    m_daemon.refreshAfterDelay(settleDelay, this, [this] { m_status.refresh(); });
+    afterPause(settleDelay, [this] { m_status.refresh(); });
 }
 
 void DaemonRegistrar::callOff() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <memory>
 
 #include <QObject>
@@ -30,8 +31,9 @@ public:
     /// server needs approval, or when the program is not installed where it can be registered.
     void registerDaemon();
 
-    /// Registers the server afresh when the program has been replaced since it was registered, so
-    /// that the new one runs. Failures are not reported.
+    /// For a server that is registered: registers it afresh when the program has been replaced
+    /// since, so that the new one runs, and again when it is just being taken back. Failures of the
+    /// former are not reported.
     void refreshIfBundleChanged();
 
     /// Takes the server back. Failures are not reported.
@@ -44,6 +46,7 @@ public:
     void callOff();
 
 private:
+    void afterPause(std::chrono::milliseconds pause, std::function<void()> action);
     void onRegistered(const tl::expected<void, ServiceError>& result);
     void onSettled();
     void registerReplacement();
@@ -53,7 +56,8 @@ private:
     StatusPresenter& m_status;
     WindowPresenter& m_windows;
     Cancellable m_request;
-    /// Lives until the replacement is registered; dropping it calls that off.
+    bool m_isBeingTakenBack = false;  ///< the system still calls the server registered
+    /// Lives until what is to be done after a pause has been; dropping it calls that off.
     std::unique_ptr<QObject> m_pause;
 };
 

@@ -25,8 +25,8 @@ DictationHotkeys::DictationHotkeys(Dictation& dictation, KeyEventSource& keyboar
     : m_dictation(dictation), m_keyboard(keyboard), m_scheduler(scheduler) {}
 
 QStringList DictationHotkeys::reload(const Config& config) {
-    m_hold.reset();
-    m_toggle.reset();
+    m_holdHotkey.reset();
+    m_toggleHotkey.reset();
     // What a hotkey has put into the main queue may be run when this is gone.
     const auto tell = [dictation = QPointer(&m_dictation)](auto action) {
         return [dictation, action] {
@@ -38,12 +38,12 @@ QStringList DictationHotkeys::reload(const Config& config) {
         adopt(HoldHotkey::create(config.hotkey, m_keyboard, m_scheduler,
                                  tell([](Dictation& dictation) { dictation.beginRecord(); }),
                                  tell([](Dictation& dictation) { dictation.endRecord(); })),
-              m_hold, complaints);
+              m_holdHotkey, complaints);
     }
     if (!config.toggleHotkey.isEmpty()) {
         adopt(ToggleHotkey::create(config.toggleHotkey, m_keyboard, m_scheduler,
                                    tell([](Dictation& dictation) { dictation.toggle(); })),
-              m_toggle, complaints);
+              m_toggleHotkey, complaints);
     }
     return complaints;
 }

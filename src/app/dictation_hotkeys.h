@@ -21,16 +21,16 @@ public:
     /// held hotkey had started ends.
     QStringList reload(const Config& config);
 
-    [[nodiscard]] bool hasHold() const { return m_hold != nullptr; }
+    [[nodiscard]] bool hasHold() const { return m_holdHotkey != nullptr; }
     /// A toggle hotkey of modifiers only does nothing, and does not count.
-    [[nodiscard]] bool hasToggle() const { return m_toggle && m_toggle->canFire(); }
+    [[nodiscard]] bool hasToggle() const { return m_toggleHotkey && m_toggleHotkey->canFire(); }
 
 private:
     Dictation& m_dictation;
     KeyEventSource& m_keyboard;
     Scheduler& m_scheduler;
-    std::unique_ptr<HoldHotkey> m_hold;
-    std::unique_ptr<ToggleHotkey> m_toggle;
+    std::unique_ptr<HoldHotkey> m_holdHotkey;
+    std::unique_ptr<ToggleHotkey> m_toggleHotkey;
 };
 
 }  // namespace quietlark

@@ -13,11 +13,11 @@ PermissionsWatch::PermissionsWatch(const Permissions& permissions, const DaemonC
 }
 
 void PermissionsWatch::start() {
-    m_timer = m_scheduler.every(interval, [this] { tick(); });
+    m_permTimer = m_scheduler.every(interval, [this] { tick(); });
 }
 
 void PermissionsWatch::stop() {
-    m_timer.cancel();
+    m_permTimer.cancel();
 }
 
 void PermissionsWatch::noteDaemonStatus() {

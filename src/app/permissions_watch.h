@@ -48,7 +48,7 @@ private:
     bool m_lastInputMonitoring;
     bool m_lastAllPerms;
     ServiceStatus m_lastDaemonStatus = ServiceStatus::notRegistered;
-    Cancellable m_timer;
+    Cancellable m_permTimer;
 };
 
 }  // namespace quietlark

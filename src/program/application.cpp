@@ -71,6 +71,7 @@ Application::Application(SessionBusService& service, Console& console)
         m_console.complain(
             tr("This desktop has no tray for the icon. Start quietlark again to open its window."));
     });
+    connect(&m_service, &SessionBusService::reopenRequested, this, &Application::reopen);
     m_gate.wait([this] { return m_desktop.isKnown(); }, [this] { launch(); });
 }
 
@@ -119,14 +120,19 @@ void Application::launch() {
         AppDelegate::Computer{m_keyboard, m_desktop.permissions, m_traces.computer()},
         m_notifications, m_desktop.scheduler);
     connect(&*m_delegate, &AppDelegate::hotkeysLoaded, this, &Application::sayHow);
-    connect(&m_service, &SessionBusService::reopenRequested, &*m_delegate,
-            [this] { m_delegate->applicationShouldHandleReopen(m_windows.isAnyVisible()); });
     m_delegate->applicationDidFinishLaunching();
+    if (m_reopenIsDue) reopen();
     const auto explanations = m_desktop.permissions.explanations();
     for (const auto& explanation : {explanations.microphone, explanations.inputMonitoring,
                                     explanations.accessibility, explanations.localNetwork}) {
         if (explanation) m_console.complain(*explanation);
     }
+}
+
+void Application::reopen() {
+    m_reopenIsDue = !m_delegate;
+    if (!m_delegate) return;
+    m_delegate->applicationShouldHandleReopen(m_windows.isAnyVisible() || m_shell.isAlertVisible());
 }
 
 void Application::sayHow(const DictationHotkeys& hotkeys, const QStringList& complaints) {

@@ -48,6 +48,7 @@ public:
 private:
     AppState::Makers makers();
     void launch();
+    void reopen();
     void sayHow(const DictationHotkeys& hotkeys, const QStringList& complaints);
     void report(const DictationState& state);
     void endWithoutDisplay();
@@ -79,6 +80,7 @@ private:
     QtApplicationShell m_shell;
     std::optional<AppDelegate> m_delegate;  ///< from the launch on
     LaunchGate m_gate;
+    bool m_reopenIsDue = false;  ///< asked for before the launch
     QString m_saidHow;
 };
 

@@ -28,6 +28,8 @@ LocalNetworkProbe& DesktopAdapters::localNetworkProbe() {
 
 bool DesktopAdapters::isKnown() {
     const LocalNetworkProbe& probe = localNetworkProbe();
+    // At the start of a session microphones come to the sound server one after the other: that
+    // there is none yet says little.
     return serverUnit.isKnown() && (probe.granted() || probe.unavailable()) &&
            !microphone.unavailable();
 }

@@ -77,8 +77,10 @@ bool QtAppWindows::isVisible(Kind kind) const {
 }
 
 bool QtAppWindows::isAnyVisible() const {
-    return std::ranges::any_of(m_windows,
-                               [](const auto& each) { return each.second->isVisible(); });
+    // To Qt a minimised window is visible; to its user it is not.
+    return std::ranges::any_of(m_windows, [](const auto& each) {
+        return each.second->isVisible() && !each.second->isMinimized();
+    });
 }
 
 bool QtAppWindows::eventFilter(QObject* watched, QEvent* event) {

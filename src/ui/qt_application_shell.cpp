@@ -48,6 +48,10 @@ void QtApplicationShell::bringUp(QMessageBox& box) {
     box.activateWindow();
 }
 
+bool QtApplicationShell::isAlertVisible() const {
+    return m_alert && m_alert->isVisible();
+}
+
 void QtApplicationShell::terminate() {
     QMetaObject::invokeMethod(QCoreApplication::instance(), &QCoreApplication::quit,
                               Qt::QueuedConnection);

@@ -18,6 +18,7 @@ public:
     void show(const Alert& alert, std::function<void()> onClosed) override;
     /// As an alert. The return and escape keys and closing it are the cancel button.
     void ask(const Confirmation& question, std::function<void(bool confirmed)> onAnswer) override;
+    [[nodiscard]] bool isAlertVisible() const;
     void terminate() override;
 
 private:

@@ -101,6 +101,17 @@ TEST_F(LocalServerTest, ComingBackToTheLocalServerRunsTheLaunchReconciliationAga
     EXPECT_EQ(service.requests(), (QStringList{unregistering, registering}));
 }
 
+TEST_F(LocalServerTest, ComingBackWhileTheServerIsBeingTakenBackRegistersItAgain) {
+    wasRegisteredFromThisExecutable();
+    launchLocal(ServiceStatus::enabled);
+    state().setConfig(manualRemote());
+    scheduler.runPosted();
+    state().setConfig(local());
+    settle();
+    EXPECT_EQ(service.requests(), (QStringList{unregistering, registering}));
+    EXPECT_EQ(service.current, ServiceStatus::enabled);
+}
+
 TEST_F(LocalServerTest, AChangeBetweenRemoteServersDoesNothing) {
     launch();
     service.current = ServiceStatus::enabled;

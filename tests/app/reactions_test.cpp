@@ -249,6 +249,24 @@ TEST_F(ReactionsTest, StoppedItNeitherLooksNorListensAnyMore) {
     EXPECT_EQ(keyboard.monitorCount(), 0u);
 }
 
+TEST_F(ReactionsTest, StoppedItReactsToNoSettings) {
+    launch();
+    uninstall();
+    state().setConfig(withSpace(local()));
+    settle();
+    EXPECT_EQ(keyboard.monitorCount(), 0u);
+    EXPECT_FALSE(service.requests().contains(QStringLiteral("register")));
+}
+
+TEST_F(ReactionsTest, StoppedBeforeARegistrationHasSettledItShowsNothingOfIt) {
+    installModel();
+    launchWith(local());
+    uninstall();
+    statusItem.takeSymbols();
+    scheduler.advance(DaemonRegistrar::settleDelay);
+    EXPECT_TRUE(statusItem.takeSymbols().isEmpty());
+}
+
 TEST_F(ReactionsTest, StoppedDuringThePauseItRegistersNoReplacement) {
     installModel();
     service.current = ServiceStatus::enabled;

@@ -7,7 +7,8 @@ namespace quietlark {
 namespace {
 
 constexpr std::chrono::milliseconds shortestPause(100);
-constexpr std::chrono::milliseconds longestPause(5000);
+// A user who has started the server again expects to be heard at once.
+constexpr std::chrono::milliseconds longestPause(1000);
 
 PulseProperties applicationProperties() {
     PulseProperties properties(pa_proplist_new());
