@@ -5,18 +5,18 @@
 namespace quietlark {
 
 Permissions::Permissions(Privacy& privacy, SettingsPanes& panes, Scheduler& scheduler,
-                         std::function<bool()> localNetworkGranted)
+                         LocalNetwork localNetwork)
     : m_privacy(privacy),
       m_panes(panes),
       m_scheduler(scheduler),
-      m_localNetworkGranted(std::move(localNetworkGranted)) {}
+      m_localNetwork(std::move(localNetwork)) {}
 
 Permissions::Status Permissions::status() const {
     return {
         .microphone = has(PrivacyGrant::Microphone),
         .inputMonitoring = has(PrivacyGrant::InputMonitoring),
         .accessibility = has(PrivacyGrant::Accessibility),
-        .localNetwork = m_localNetworkGranted(),
+        .localNetwork = m_localNetwork.granted(),
     };
 }
 
@@ -27,10 +27,12 @@ Permissions::Explanations Permissions::explanations() const {
         .accessibility = explain(PrivacyGrant::Accessibility),
         .localNetwork = std::nullopt,
     };
-    if (!m_localNetworkGranted()) {
+    if (!m_localNetwork.granted()) {
+        const auto unavailable = m_localNetwork.unavailable();
         explanations.localNetwork =
-            tr("Servers nearby cannot be looked for. Install and start the Avahi service "
-               "(package avahi-daemon), and join a network.");
+            unavailable ? unavailable->reason
+                        : tr("Servers nearby cannot be looked for: install and start the Avahi "
+                             "service (package avahi-daemon), and join a network.");
     }
     return explanations;
 }
@@ -39,7 +41,7 @@ Permissions::Status Permissions::requestMissing(const Status& status) {
     if (!status.microphone) requestMic();
     if (!status.inputMonitoring) (void)m_privacy.requestInputMonitoring();
     if (!status.accessibility) (void)m_privacy.requestAccessibility();
-    (void)m_localNetworkGranted();
+    (void)m_localNetwork.granted();
     return status;
 }
 

@@ -38,10 +38,15 @@ public:
         std::optional<QString> localNetwork;
     };
 
-    /// `localNetworkGranted` answers for LocalNetworkProbe::granted(). The program has one probe,
-    /// which the first call creates: its browse is what makes a system ask the user.
+    /// What LocalNetworkProbe has of the same names. The program has one probe, which the first call
+    /// creates: its browse is what makes a system ask the user.
+    struct LocalNetwork {
+        std::function<bool()> granted;
+        std::function<std::optional<Unavailable>()> unavailable = [] { return std::nullopt; };
+    };
+
     Permissions(Privacy& privacy, SettingsPanes& panes, Scheduler& scheduler,
-                std::function<bool()> localNetworkGranted);
+                LocalNetwork localNetwork);
 
     /// Read anew each time.
     [[nodiscard]] Status status() const;
@@ -75,7 +80,7 @@ private:
     Privacy& m_privacy;
     SettingsPanes& m_panes;
     Scheduler& m_scheduler;
-    const std::function<bool()> m_localNetworkGranted;
+    const LocalNetwork m_localNetwork;
 };
 
 }  // namespace quietlark

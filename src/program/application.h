@@ -18,6 +18,7 @@
 #include "platform/linux/x11/pasteboard/x11_pasteboard.h"
 #include "platform/qt/qt_http_client.h"
 #include "platform/qt/qt_worker_thread.h"
+#include "platform/qt_widgets/focus_aware_key_synthesizer.h"
 #include "platform/qt_widgets/qt_key_capture.h"
 #include "platform/qt_widgets/tray_status_item.h"
 #include "program/desktop_adapters.h"
@@ -64,6 +65,7 @@ private:
     EndpointFile m_endpointFile;
     TranscriptionService m_transcription;
     Recorder m_recorder;
+    FocusAwareKeySynthesizer m_keys;
     Paster m_paster;
 
     NotificationCenter m_notifications;

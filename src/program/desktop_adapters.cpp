@@ -19,7 +19,9 @@ DesktopAdapters::DesktopAdapters(std::function<bool()> hasFocus)
       settings(qEnvironmentVariable("XDG_CURRENT_DESKTOP"), helpPage()),
       privacy(sessionKindOf(qgetenv("XDG_SESSION_TYPE"), qgetenv("WAYLAND_DISPLAY")), microphone,
               keyboard, keys),
-      permissions(privacy, settings, scheduler, [this] { return localNetworkProbe().granted(); }) {}
+      permissions(privacy, settings, scheduler,
+                  {.granted = [this] { return localNetworkProbe().granted(); },
+                   .unavailable = [this] { return localNetworkProbe().unavailable(); }}) {}
 
 LocalNetworkProbe& DesktopAdapters::localNetworkProbe() {
     if (!m_localNetworkProbe) m_localNetworkProbe.emplace(network);

@@ -104,7 +104,7 @@ protected:
 
     FakePrivacy privacy;
     bool localNetworkGranted = true;
-    Permissions permissions{privacy, panes, scheduler, [this] { return localNetworkGranted; }};
+    Permissions permissions{privacy, panes, scheduler, {[this] { return localNetworkGranted; }}};
     FakeStatusItem statusItem;
     FakeAppWindows windows;
     FakeApplicationShell shell;

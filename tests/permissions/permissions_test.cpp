@@ -35,10 +35,16 @@ protected:
     FakeScheduler scheduler;
     bool localNetwork = false;
     int probeQuestions = 0;
-    Permissions permissions{privacy, panes, scheduler, [this] {
-                                ++probeQuestions;
-                                return localNetwork;
-                            }};
+    std::optional<Unavailable> whyNoLocalNetwork;
+    Permissions permissions{privacy,
+                            panes,
+                            scheduler,
+                            {.granted =
+                                 [this] {
+                                     ++probeQuestions;
+                                     return localNetwork;
+                                 },
+                             .unavailable = [this] { return whyNoLocalNetwork; }}};
 };
 
 TEST_F(PermissionsTest, NothingIsGrantedAtFirst) {
@@ -170,6 +176,11 @@ TEST_F(PermissionsTest, EachMissingGrantIsExplainedByTheSystemsOwnSentence) {
     EXPECT_EQ(explanations.inputMonitoring, FakePrivacy::reasonFor(PrivacyGrant::InputMonitoring));
     EXPECT_EQ(explanations.accessibility, FakePrivacy::reasonFor(PrivacyGrant::Accessibility));
     EXPECT_TRUE(explanations.localNetwork->endsWith(QLatin1Char('.')));
+}
+
+TEST_F(PermissionsTest, TheProbeKnowsBestWhatTheLocalNetworkLacks) {
+    whyNoLocalNetwork = Unavailable{QStringLiteral("No bus: start dbus.")};
+    EXPECT_EQ(permissions.explanations().localNetwork, QStringLiteral("No bus: start dbus."));
 }
 
 TEST_F(PermissionsTest, WhatIsGrantedNeedsNoExplanation) {

@@ -23,7 +23,7 @@ protected:
 
     FakePrivacy privacy;
     bool localNetwork = false;
-    Permissions permissions{privacy, panes, scheduler, [this] { return localNetwork; }};
+    Permissions permissions{privacy, panes, scheduler, {[this] { return localNetwork; }}};
 };
 
 }  // namespace quietlark

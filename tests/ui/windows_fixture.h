@@ -85,7 +85,7 @@ protected:
 
     FakePrivacy privacy;
     bool localNetwork = false;
-    Permissions permissions{privacy, panes, scheduler, [this] { return localNetwork; }};
+    Permissions permissions{privacy, panes, scheduler, {[this] { return localNetwork; }}};
     FakeKeyCapture keyCapture;
     FakeLoginItem loginItem;
     int onboardingsFinished = 0;

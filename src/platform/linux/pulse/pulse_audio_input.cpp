@@ -20,10 +20,10 @@ std::optional<Unavailable> PulseAudioInput::unavailable() const {
     if (inputFormat().channels > 0) return std::nullopt;
     if (m_connection.serverAnswers()) {
         return Unavailable{
-            tr("There is no microphone. Plug one in, or switch it on in the sound settings.")};
+            tr("There is no microphone: plug one in, or switch it on in the sound settings.")};
     }
     return Unavailable{
-        tr("No sound server answers. Start PipeWire (package pipewire-pulse) or PulseAudio.")};
+        tr("No sound server answers: start PipeWire (package pipewire-pulse) or PulseAudio.")};
 }
 
 void PulseAudioInput::installTap(std::uint32_t bufferFrames, AudioFormat format, Tap tap) {

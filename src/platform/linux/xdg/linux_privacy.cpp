@@ -20,12 +20,12 @@ std::optional<Unavailable> LinuxPrivacy::missing(PrivacyGrant grant) const {
         case PrivacyGrant::InputMonitoring:
             if (!isWayland) return m_keyboard.unavailable();
             return Unavailable{
-                tr("A Wayland session shows a program no keys of other programs. Log in to an X11 "
+                tr("A Wayland session shows a program no keys of other programs: log in to an X11 "
                    "session (\"Xorg\" at the login screen).")};
         case PrivacyGrant::Accessibility:
             if (!isWayland) return m_keys.unavailable();
             return Unavailable{
-                tr("A Wayland session lets no program type into another. Log in to an X11 session "
+                tr("A Wayland session lets no program type into another: log in to an X11 session "
                    "(\"Xorg\" at the login screen).")};
     }
     return std::nullopt;

@@ -54,16 +54,16 @@ void X11KeyConnection::deliverSoon() {
 std::optional<Unavailable> X11KeyConnection::cannotObserve() const {
     if (m_root == XCB_NONE) {
         return Unavailable{
-            tr("There is no X11 display to watch the keyboard on. Log in to an X11 "
+            tr("There is no X11 display to watch the keyboard on: log in to an X11 "
                "session and start Quietlark there.")};
     }
     if (xcb_connection_has_error(xcb()) != 0) {
-        return Unavailable{tr("The connection to the X server was lost. Start Quietlark again.")};
+        return Unavailable{tr("The connection to the X server was lost: start Quietlark again.")};
     }
     if (!m_hasRawEvents) {
         return Unavailable{
-            tr("This X server cannot report keys to a program in the background. "
-               "Use one that has XInput 2.1 or newer.")};
+            tr("This X server cannot report keys to a program in the background: "
+               "use one that has XInput 2.1 or newer.")};
     }
     return std::nullopt;
 }
@@ -73,7 +73,7 @@ std::optional<Unavailable> X11KeyConnection::cannotSynthesize() const {
     if (auto reason = cannotObserve()) return reason;
     if (!m_hasXtest) {
         return Unavailable{
-            tr("This X server does not let programs type. Switch on its XTEST "
+            tr("This X server does not let programs type: switch on its XTEST "
                "extension and start Quietlark again.")};
     }
     return std::nullopt;
