@@ -15,7 +15,7 @@ Examination::Examination(bool canShowWindows)
         m_clipboardAnswers = snapshot.has_value();
     });
     if (canShowWindows) {
-        m_trays.emplace(m_desktop.scheduler);
+        m_trays.emplace();
         QObject::connect(&*m_trays, &TrayHosts::found, &*m_trays, [this] { m_hasTray = true; });
         m_trays->start();
     }
@@ -34,6 +34,7 @@ std::vector<DoctorCheck> Examination::checks() {
         {tr("Clipboard"), [this] { return clipboardProblem(); }},
         {tr("Session bus"), [this] { return sessionBusProblem(); }},
         {tr("Tray"), [this] { return trayProblem(); }},
+        {tr("Local server’s service"), [this] { return serviceProblem(); }},
         {tr("Hotkey settings"), [this] { return hotkeyProblem(); }},
         {tr("Transcription server"), [this] { return serverProblem(); }},
     };
@@ -64,6 +65,25 @@ std::optional<QString> Examination::trayProblem() const {
 std::optional<QString> Examination::sessionBusProblem() const {
     if (m_desktop.sessionBus.isConnected()) return std::nullopt;
     return tr("There is none; start the desktop with one, such as by dbus-run-session.");
+}
+
+/// Who has chosen another server does not need it.
+std::optional<QString> Examination::serviceProblem() const {
+    if (!std::holds_alternative<Local>(m_config.serverMode)) return std::nullopt;
+    switch (m_desktop.serverUnit.status()) {
+        case ServiceStatus::enabled:
+            return std::nullopt;
+        case ServiceStatus::requiresApproval:
+            return tr(
+                "It is masked; allow it by “systemctl --user unmask "
+                "net.quietlark.server.service”.");
+        case ServiceStatus::notRegistered:
+            return tr("It is not switched on; choose the server on this computer in Preferences.");
+        case ServiceStatus::notFound:
+            break;
+    }
+    return tr(
+        "systemd does not know it for this user; install Quietlark, or choose another server.");
 }
 
 std::optional<QString> Examination::hotkeyProblem() const {

@@ -35,6 +35,7 @@ private:
     [[nodiscard]] std::optional<QString> clipboardProblem() const;
     [[nodiscard]] std::optional<QString> trayProblem() const;
     [[nodiscard]] std::optional<QString> sessionBusProblem() const;
+    [[nodiscard]] std::optional<QString> serviceProblem() const;
     [[nodiscard]] std::optional<QString> hotkeyProblem() const;
     [[nodiscard]] std::optional<QString> serverProblem() const;
 

@@ -11,7 +11,7 @@
 
 namespace quietlark {
 
-TrayStatusItem::TrayStatusItem(Scheduler& scheduler) : m_scheduler(scheduler), m_hosts(scheduler) {
+TrayStatusItem::TrayStatusItem(Scheduler& scheduler) : m_scheduler(scheduler) {
     connect(&m_hosts, &TrayHosts::found, this, &TrayStatusItem::install);
     connect(&m_menu, &QMenu::aboutToShow, this, &StatusItem::menuNeedsUpdate);
     m_menu.installEventFilter(this);
