@@ -38,8 +38,8 @@ public:
         std::optional<QString> localNetwork;
     };
 
-    /// What LocalNetworkProbe has of the same names. The program has one probe, which the first call
-    /// creates: its browse is what makes a system ask the user.
+    /// What LocalNetworkProbe has of the same names. The program has one probe, which the first
+    /// call creates: its browse is what makes a system ask the user.
     struct LocalNetwork {
         std::function<bool()> granted;
         std::function<std::optional<Unavailable>()> unavailable = [] { return std::nullopt; };

@@ -11,6 +11,7 @@
 
 #include "local_server/model_source.h"
 #include "platform/curl/curl_http_streams.h"
+#include "platform/linux/session_bus/desktop_notification.h"
 #include "platform/linux/x11/keys/evdev_key_codes.h"
 #include "program/display.h"
 
@@ -68,10 +69,7 @@ Application::Application(SessionBusService& service, Console& console)
             &AppWindows::onboardingFinished);
     connect(&m_windowParts, &WindowParts::allPermissionsGranted, &m_windows,
             &AppWindows::allPermissionsGranted);
-    connect(&m_statusItem, &TrayStatusItem::noTray, this, [this] {
-        m_console.complain(
-            tr("This desktop has no tray for the icon. Start quietlark again to open its window."));
-    });
+    connect(&m_statusItem, &TrayStatusItem::noTray, this, &Application::sayThereIsNoTray);
     connect(&m_service, &SessionBusService::reopenRequested, this, &Application::reopen);
     m_gate.wait([this] { return m_desktop.isKnown(); }, [this] { launch(); });
 }
@@ -149,6 +147,13 @@ void Application::sayHow(const DictationHotkeys& hotkeys, const QStringList& com
         (void)m_console.print(how);
     else
         m_console.complain(how);
+}
+
+void Application::sayThereIsNoTray() {
+    const QString message =
+        tr("This desktop has no tray for the icon. Start quietlark again to open its window.");
+    m_notification = notifyUser(m_desktop.sessionBus, QStringLiteral("Quietlark"), message,
+                                [this, message] { m_console.complain(message); });
 }
 
 void Application::report(const DictationState& state) {

@@ -51,6 +51,7 @@ private:
     void launch();
     void reopen();
     void sayHow(const DictationHotkeys& hotkeys, const QStringList& complaints);
+    void sayThereIsNoTray();
     void report(const DictationState& state);
     void endWithoutDisplay();
 
@@ -81,6 +82,7 @@ private:
     QtAppWindows m_windows;
     QtApplicationShell m_shell;
     std::optional<AppDelegate> m_delegate;  ///< from the launch on
+    Cancellable m_notification;
     LaunchGate m_gate;
     bool m_reopenIsDue = false;  ///< asked for before the launch
     QString m_saidHow;
