@@ -4,6 +4,8 @@
 
 #include "fakes/fake_key_capture.h"
 #include "fakes/fake_key_event_source.h"
+#include "fakes/fake_scheduler.h"
+#include "hotkeys/hold_hotkey.h"
 #include "hotkeys/uncaptured_key_events.h"
 
 namespace quietlark {
@@ -114,6 +116,58 @@ TEST_F(HotkeyCaptureTest, NoHotkeyGoesOffForAKeyThatIsTaken) {
     hold.cancel();
     keyboard.press(d);
     EXPECT_EQ(seen, 2);
+}
+
+class HotkeyDuringCaptureTest : public HotkeyCaptureTest {
+protected:
+    HotkeyDuringCaptureTest() {
+        keyboard.setFocus(KeyEventSource::Scope::Local);
+        hotkey->start();
+    }
+
+    void pressModifiers() {
+        keyboard.press(key_code::control);
+        keyboard.press(key_code::option);
+        scheduler.runPosted();
+    }
+    void releaseModifiers() {
+        keyboard.release(key_code::control);
+        keyboard.release(key_code::option);
+        scheduler.runPosted();
+    }
+
+    FakeKeyEventSource keyboard;
+    UncapturedKeyEvents uncaptured{keyboard, keys};
+    FakeScheduler scheduler;
+    int presses = 0;
+    int releases = 0;
+    std::unique_ptr<HoldHotkey> hotkey = HoldHotkey::create(
+                                             QStringLiteral("ctrl+alt"), uncaptured, scheduler,
+                                             [this] { ++presses; }, [this] { ++releases; })
+                                             .value();
+};
+
+TEST_F(HotkeyDuringCaptureTest, AHotkeyOfModifiersAloneIsNotSetOff) {
+    toggle.begin();
+    pressModifiers();
+    EXPECT_EQ(presses, 0);
+    keys.press(d, modifier::control | modifier::option);
+    keyboard.press(key_code::shift);
+    keyboard.release(key_code::shift);
+    releaseModifiers();
+    EXPECT_EQ(presses, 0);
+    pressModifiers();
+    EXPECT_EQ(presses, 1);
+}
+
+TEST_F(HotkeyDuringCaptureTest, AHotkeyThatIsHeldAlreadyCanBeLetGo) {
+    pressModifiers();
+    EXPECT_EQ(presses, 1);
+    toggle.begin();
+    releaseModifiers();
+    EXPECT_EQ(releases, 1);
+    pressModifiers();
+    EXPECT_EQ(presses, 1);
 }
 
 }  // namespace
