@@ -22,9 +22,9 @@ DownloadText DownloadText::of(const ModelDownloader::State& state, std::optional
         case Case::downloading:
             return {{}, percentOf(progress.value_or(0))};
         case Case::paused:
-            return {Texts::tr("Paused"), std::nullopt};
+            return {Texts::tr("Paused"), std::nullopt, true};
         case Case::failed:
-            return {Texts::tr("Download failed: ") + state.message, std::nullopt};
+            return {Texts::tr("Download failed: ") + state.message, std::nullopt, true};
         case Case::ready:
             break;
     }

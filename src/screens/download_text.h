@@ -11,7 +11,8 @@ namespace quietlark {
 /// How the model's download goes, for the user.
 struct DownloadText {
     QString text;                ///< empty while there is a percentage to show, and at the end
-    std::optional<int> percent;  ///< of a download under way whose size is known
+    std::optional<int> percent;  ///< of a download under way
+    bool offersRetry = false;    ///< it goes on only when the user says so
 
     /// `progress` is from 0 to 1.
     [[nodiscard]] static DownloadText of(const ModelDownloader::State& state,

@@ -52,6 +52,12 @@ QString localDetails(const LocalServerStand& stand) {
     return Texts::tr("On this Mac (%1)").arg(*stand.displayed);
 }
 
+bool needsDownload(const LocalServerStand& stand) {
+    using Case = ModelDownloader::State::Case;
+    const Case kind = stand.download.kind;
+    return !stand.modelIsInstalled && kind != Case::idle && kind != Case::ready;
+}
+
 bool needsApproval(const LocalServerStand& stand) {
     return stand.status == ServiceStatus::requiresApproval;
 }

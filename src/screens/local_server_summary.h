@@ -27,6 +27,9 @@ struct LocalServerStand {
 /// Where it is.
 [[nodiscard]] QString localDetails(const LocalServerStand& stand);
 
+/// Its model is on the way, or has not come.
+[[nodiscard]] bool needsDownload(const LocalServerStand& stand);
+
 /// Only the user can let it run.
 [[nodiscard]] bool needsApproval(const LocalServerStand& stand);
 

@@ -70,6 +70,10 @@ bool ServerPaneModel::showsFixUp() const {
     return std::holds_alternative<Local>(m_mode) && needsApproval(stand());
 }
 
+bool ServerPaneModel::showsDownload() const {
+    return std::holds_alternative<Local>(m_mode) && needsDownload(stand());
+}
+
 void ServerPaneModel::approve() {
     m_appState.daemon().openLoginItemsSettings();
 }

@@ -49,6 +49,10 @@ public:
     /// Shows where to let it run.
     void approve();
 
+    /// The local server waits for its model, or lacks it.
+    [[nodiscard]] bool showsDownload() const;
+    [[nodiscard]] ModelDownloader& downloader() { return m_appState.modelDownloader(); }
+
     /// Whether the choice of another server is shown instead. Begins where none is chosen yet.
     [[nodiscard]] bool isEditing() const { return m_isEditing; }
     void setEditing(bool isEditing);

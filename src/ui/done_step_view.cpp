@@ -36,8 +36,8 @@ DoneStepView::DoneStepView(DoneStepModel& model, ModelDownloader& downloader)
       m_title(makeTitle({})),
       m_text(makePlainLabel({})),
       m_hint(makePlainLabel({})),
-      m_download(new DownloadView(downloader)),
-      m_settings(new QPushButton(tr("Open Settings"))),
+      m_download(new DownloadView(downloader, Qt::AlignHCenter)),
+      m_settings(makeButton(tr("Open Settings"))),
       m_trial(new QPlainTextEdit),
       m_note(makeCaption({})) {
     m_trial->setPlaceholderText(tr("Your transcribed words will appear here."));

@@ -2,6 +2,7 @@
 
 #include <QLabel>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 #include "screens/download_text.h"
@@ -9,14 +10,19 @@
 
 namespace quietlark {
 
-DownloadView::DownloadView(ModelDownloader& downloader)
-    : m_downloader(downloader), m_bar(new QProgressBar), m_text(makeCaption({})) {
-    m_text->setAlignment(Qt::AlignCenter);
+DownloadView::DownloadView(ModelDownloader& downloader, Qt::AlignmentFlag side)
+    : m_downloader(downloader),
+      m_bar(new QProgressBar),
+      m_text(makeCaption({})),
+      m_retry(makeButton(tr("Try Again"))) {
+    if (side == Qt::AlignHCenter) m_text->setAlignment(Qt::AlignCenter);
     m_bar->setAccessibleName(tr("Model download"));
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
     layout->addWidget(m_bar);
     layout->addWidget(m_text);
+    layout->addWidget(m_retry, 0, side);
+    connect(m_retry, &QPushButton::clicked, &m_downloader, &ModelDownloader::start);
     connect(&m_downloader, &ModelDownloader::stateChanged, this, &DownloadView::refresh);
     connect(&m_downloader, &ModelDownloader::progressChanged, this, &DownloadView::refresh);
     refresh();
@@ -28,6 +34,7 @@ void DownloadView::refresh() {
     m_bar->setValue(shown.percent.value_or(0));
     m_text->setVisible(!shown.text.isEmpty());
     m_text->setText(shown.text);
+    m_retry->setVisible(shown.offersRetry);
 }
 
 }  // namespace quietlark

@@ -6,6 +6,7 @@
 
 class QLabel;
 class QProgressBar;
+class QPushButton;
 
 namespace quietlark {
 
@@ -14,8 +15,8 @@ class DownloadView final : public QWidget {
     Q_OBJECT
 
 public:
-    /// `downloader` must outlive the view.
-    explicit DownloadView(ModelDownloader& downloader);
+    /// `downloader` must outlive the view. Text and button stand at that side.
+    DownloadView(ModelDownloader& downloader, Qt::AlignmentFlag side);
 
 private:
     void refresh();
@@ -23,6 +24,7 @@ private:
     ModelDownloader& m_downloader;
     QProgressBar* m_bar;
     QLabel* m_text;
+    QPushButton* m_retry;
 };
 
 }  // namespace quietlark

@@ -8,6 +8,7 @@
 #include <QStackedLayout>
 #include <QVBoxLayout>
 
+#include "ui/download_view.h"
 #include "ui/page_labels.h"
 #include "ui/server_picker_pane.h"
 #include "ui/symbol_label.h"
@@ -23,9 +24,13 @@ ServerPane::ServerPane(std::unique_ptr<ServerPaneModel> model, MakePicker makePi
       m_title(makeTitle({})),
       m_subtitle(makeCaption({})),
       m_fixUp(makeFixUp()),
+      m_download(new DownloadView(m_model->downloader(), Qt::AlignLeading)),
+      m_change(makeButton(tr("Change Server…"))),
       m_summary(makeSummary()),
       m_layout(new QStackedLayout(this)) {
+    m_change->setObjectName(QStringLiteral("change"));
     m_layout->addWidget(m_summary);
+    connect(m_change, &QPushButton::clicked, this, [this] { m_model->setEditing(true); });
     connect(m_model.get(), &ServerPaneModel::changed, this, &ServerPane::refresh);
     refresh();
 }
@@ -35,18 +40,15 @@ ServerPane::~ServerPane() {
 }
 
 QWidget* ServerPane::makeSummary() {
-    auto* change = new QPushButton(tr("Change Server…"));
-    change->setAutoDefault(false);
     auto* summary = new QWidget;
     auto* layout = new QVBoxLayout(summary);
     layout->setContentsMargins({});
     layout->setSpacing(fontMetrics().height());
     layout->addWidget(makeHero());
     layout->addWidget(m_fixUp);
-    layout->addWidget(change, 0, Qt::AlignLeading);
+    layout->addWidget(m_download);
+    layout->addWidget(m_change, 0, Qt::AlignLeading);
     layout->addStretch();
-    summary->setFocusProxy(change);
-    connect(change, &QPushButton::clicked, this, [this] { m_model->setEditing(true); });
     return summary;
 }
 
@@ -67,8 +69,7 @@ QWidget* ServerPane::makeHero() {
 QWidget* ServerPane::makeFixUp() {
     auto* row = new QWidget;
     auto* text = makePlainLabel(tr("Approve in System Settings to start transcription."));
-    auto* button = new QPushButton(tr("Approve"));
-    button->setAutoDefault(false);
+    QPushButton* button = makeButton(tr("Approve"));
     button->setAccessibleDescription(text->text());
     auto* layout = new QHBoxLayout(row);
     layout->setContentsMargins({});
@@ -106,8 +107,8 @@ void ServerPane::endEditing() {
     m_layout->setCurrentWidget(m_summary);
     // Later, since its own button is what ends it.
     std::exchange(m_picker, nullptr)->deleteLater();
-    setFocusProxy(m_summary);
-    if (isVisible()) m_summary->setFocus();
+    setFocusProxy(nullptr);
+    if (isVisible()) m_change->setFocus();
 }
 
 void ServerPane::refresh() {
@@ -119,6 +120,7 @@ void ServerPane::refresh() {
     m_subtitle->setText(hero.subtitle);
     m_subtitle->setVisible(!hero.subtitle.isEmpty());
     m_fixUp->setVisible(m_model->showsFixUp());
+    m_download->setVisible(m_model->showsDownload());
 }
 
 }  // namespace quietlark

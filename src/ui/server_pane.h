@@ -8,10 +8,12 @@
 #include "screens/server_pane_model.h"
 
 class QLabel;
+class QPushButton;
 class QStackedLayout;
 
 namespace quietlark {
 
+class DownloadView;
 class ServerPickerPane;
 class SymbolLabel;
 
@@ -43,6 +45,8 @@ private:
     QLabel* m_title;
     QLabel* m_subtitle;
     QWidget* m_fixUp;
+    DownloadView* m_download;
+    QPushButton* m_change;
     QWidget* m_summary;
     ServerPickerPane* m_picker = nullptr;  ///< while it is shown
     QStackedLayout* m_layout;
