@@ -16,8 +16,7 @@ GeneralPane::GeneralPane(std::unique_ptr<GeneralPaneModel> model) : m_model(std:
     const QString blurb =
         tr("Stops the server, deletes the model and settings, revokes permissions (admin password "
            "required), and moves the app to the Trash.");
-    auto* uninstall = new QPushButton(tr("Uninstall Quietlark"));
-    uninstall->setAutoDefault(false);
+    QPushButton* uninstall = makeButton(tr("Uninstall Quietlark"));
     uninstall->setAccessibleDescription(blurb);
 
     auto* layout = new QVBoxLayout(this);

@@ -114,13 +114,18 @@ QWidget* OnboardingView::makeFooter() {
     layout->addStretch();
     layout->addWidget(m_next);
     m_next->setDefault(true);
+    // Return is the button's own while it has the focus.
+    m_back->setAutoDefault(true);
     connect(m_back, &QPushButton::clicked, m_model.get(), &OnboardingModel::back);
     connect(m_next, &QPushButton::clicked, this, &OnboardingView::advance);
     return footer;
 }
 
 void OnboardingView::showEvent(QShowEvent* event) {
-    if (!event->spontaneous()) m_model->appear();
+    if (!event->spontaneous()) {
+        m_model->appear();
+        focusStep();
+    }
     QWidget::showEvent(event);
 }
 
@@ -144,16 +149,30 @@ void OnboardingView::refresh() {
     m_footer->setVisible(m_model->showsFooter());
     m_back->setVisible(m_model->canGoBack());
     m_next->setText(m_model->nextTitle());
+    const bool hasFocus = m_next->hasFocus() || QWidget::hasFocus();
     m_next->setEnabled(m_model->canAdvance());
+    if (hasFocus) focusNext();
 }
 
 void OnboardingView::showStep(int step) {
     m_banner->setStep(step);
     m_pages->setCurrentIndex(step);
+    focusStep();
+}
+
+void OnboardingView::focusStep() {
     if (m_model->showsFooter())
-        m_next->setFocus();
+        focusNext();
     else
         m_pages->currentWidget()->setFocus();
+}
+
+/// Keeps the focus until there is a way on, rather than leaving it to the way back.
+void OnboardingView::focusNext() {
+    if (m_next->isEnabled())
+        m_next->setFocus();
+    else
+        setFocus();
 }
 
 }  // namespace quietlark

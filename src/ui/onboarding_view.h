@@ -46,6 +46,8 @@ private:
     [[nodiscard]] QWidget* makeFooter();
     void advance();
     void refresh();
+    void focusStep();
+    void focusNext();
     void showStep(int step);
 
     const std::unique_ptr<OnboardingModel> m_model;

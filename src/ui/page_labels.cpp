@@ -2,6 +2,7 @@
 
 #include <QEvent>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QStyle>
 
 #include "ui/ink.h"
@@ -61,6 +62,13 @@ QLabel* makeCaption(const QString& text) {
     palette.setColor(QPalette::WindowText, secondaryText(palette));
     label->setPalette(palette);
     return label;
+}
+
+QPushButton* makeButton(const QString& text) {
+    auto* button = new QPushButton(text);
+    button->setAutoDefault(false);
+    button->setMinimumWidth(button->sizeHint().width() + button->fontMetrics().height());
+    return button;
 }
 
 QWidget* makeBusyBar() {

@@ -2,6 +2,8 @@
 
 #include <QLabel>
 
+class QPushButton;
+
 namespace quietlark {
 
 /// Text that is never taken for markup, whatever it looks like, and that may take several lines.
@@ -15,6 +17,9 @@ namespace quietlark {
 
 /// The same with less weight, below a heading.
 [[nodiscard]] QLabel* makeCaption(const QString& text);
+
+/// A button with some air around its text, for the middle of a page.
+[[nodiscard]] QPushButton* makeButton(const QString& text);
 
 /// A narrow bar that says that something is going on.
 [[nodiscard]] QWidget* makeBusyBar();

@@ -73,9 +73,8 @@ QWidget* PermissionRowsView::makeRow(const PermissionRow& row) const {
         layout->addWidget(check);
         return widget;
     }
-    auto* button = new QPushButton(tr("Grant"));
+    QPushButton* button = makeButton(tr("Grant"));
     button->setObjectName(row.label);
-    button->setAutoDefault(false);
     button->setAccessibleName(tr("Grant: %1").arg(row.label));
     button->setAccessibleDescription(row.blurb);
     connect(button, &QPushButton::clicked, button, row.grant);

@@ -3,12 +3,9 @@
 #include <algorithm>
 #include <utility>
 
-#include <QCursor>
 #include <QEvent>
-#include <QGuiApplication>
-#include <QScreen>
-#include <QVBoxLayout>
 
+#include "ui/app_window.h"
 #include "ui/menu_actions.h"
 #include "ui/prefs_view.h"
 
@@ -18,28 +15,6 @@ namespace {
 
 constexpr QSize prefsContentSize(580, 400);  // points
 constexpr int margin = 20;                   // points
-
-/// In the middle of the screen that the user is at.
-void moveToUser(QWidget& window) {
-    const QScreen* screen = QGuiApplication::screenAt(QCursor::pos());
-    if (!screen) screen = QGuiApplication::primaryScreen();
-    if (!screen) return;
-    QRect place(QPoint(), window.size());
-    place.moveCenter(screen->availableGeometry().center());
-    window.move(place.topLeft());
-}
-
-/// Frame and size as the style says; larger only where the user's font or language needs it.
-void frame(QWidget& window, const WindowStyle& style) {
-    window.setWindowTitle(style.title);
-    window.setWindowFlag(Qt::WindowStaysOnTopHint, style.isFloating);
-    window.setWindowFlag(Qt::WindowMaximizeButtonHint, false);
-    const int width = std::max(style.contentSize.width(), window.minimumSizeHint().width());
-    const int height = std::max({style.contentSize.height(), window.minimumSizeHint().height(),
-                                 window.heightForWidth(width)});
-    window.setFixedSize(width, height);
-    moveToUser(window);
-}
 
 }  // namespace
 
@@ -102,26 +77,18 @@ QWidget& QtAppWindows::windowFor(Kind kind) {
 }
 
 std::unique_ptr<QWidget> QtAppWindows::makeWindow(Kind kind) {
-    auto window = std::make_unique<QWidget>();
-    auto* layout = new QVBoxLayout(window.get());
-    layout->setContentsMargins(margin, margin, margin, margin);
     switch (kind) {
         case Kind::onboarding:
-            layout->addWidget(m_contents.onboarding());
-            frame(*window, onboardingStyle());
-            break;
+            return std::make_unique<AppWindow>(m_contents.onboarding(), onboardingStyle(), margin);
         case Kind::permissionsAlert:
-            layout->addWidget(m_contents.permissionsAlert());
-            frame(*window, permissionsAlertStyle());
-            break;
+            return std::make_unique<AppWindow>(m_contents.permissionsAlert(),
+                                               permissionsAlertStyle(), margin);
         case Kind::preferences:
-            // Its tabs reach from edge to edge.
-            layout->setContentsMargins({});
-            layout->addWidget(m_contents.preferences());
-            frame(*window, {tr("Quietlark"), prefsContentSize});
             break;
     }
-    return window;
+    // Its tabs reach from edge to edge.
+    const WindowStyle style{tr("Quietlark"), prefsContentSize};
+    return std::make_unique<AppWindow>(m_contents.preferences(), style, 0);
 }
 
 }  // namespace quietlark

@@ -10,6 +10,9 @@
 #include <QWidget>
 #include <gtest/gtest.h>
 
+#include "ui/shown_wording.h"
+#include "ui/window_faults.h"
+
 namespace quietlark {
 
 inline QPalette darkPalette() {
@@ -31,12 +34,16 @@ inline QPalette lightPalette() {
 struct Look {
     const char* name;
     QPalette (*palette)();
-    Qt::LayoutDirection direction;
+    Qt::LayoutDirection direction = Qt::LeftToRight;
+    ShownWording::Length length = ShownWording::Length::usual;
 };
 
-inline constexpr std::array looks{Look{"light", lightPalette, Qt::LeftToRight},
-                                  Look{"dark", darkPalette, Qt::LeftToRight},
-                                  Look{"mirrored", lightPalette, Qt::RightToLeft}};
+inline constexpr std::array looks{
+    Look{"light", lightPalette},
+    Look{"dark", darkPalette},
+    Look{"mirrored", lightPalette, Qt::RightToLeft},
+    Look{"longer", lightPalette, Qt::LeftToRight, ShownWording::Length::longer},
+};
 
 inline std::string nameOfLook(const testing::TestParamInfo<Look>& test) {
     return test.param.name;
@@ -45,7 +52,7 @@ inline std::string nameOfLook(const testing::TestParamInfo<Look>& test) {
 /// Has windows drawn like that as long as it lives.
 class LookInForce {
 public:
-    explicit LookInForce(const Look& look) {
+    explicit LookInForce(const Look& look) : m_wording(look.length) {
         QApplication::setPalette(look.palette());
         QApplication::setLayoutDirection(look.direction);
     }
@@ -58,13 +65,17 @@ public:
 
 private:
     const QPalette m_palette = QApplication::palette();
+    const ShownWording m_wording;
 };
 
-/// Draws a window. The picture is kept as STATE-LOOK.png in the directory that QUIETLARK_PICTURES
-/// names, to be looked at; without it the window is only drawn. QT_SCALE_FACTOR=2 draws for a
-/// sharper screen.
+/// Draws a window, and looks for what nobody should have to see. The picture is kept as
+/// STATE-LOOK.png in the directory that QUIETLARK_PICTURES names, to be looked at; without it the
+/// window is only drawn. QT_SCALE_FACTOR=2 draws for a sharper screen.
 inline void takePicture(QWidget& window, const QString& state, const Look& look) {
+    QApplication::sendPostedEvents();
     const QPixmap picture = window.grab();
+    for (const QString& fault : faultsOf(window))
+        ADD_FAILURE() << qPrintable(state) << ", " << look.name << ": " << qPrintable(fault);
     EXPECT_FALSE(picture.isNull());
     const QString path = qEnvironmentVariable("QUIETLARK_PICTURES");
     if (path.isEmpty()) return;

@@ -1,5 +1,10 @@
+#include <QPlainTextEdit>
+#include <QPushButton>
+
+#include "app/window_presenter.h"
 #include "ui/hotkey_capture_view.h"
 #include "ui/look.h"
+#include "ui/qt_application_shell.h"
 #include "ui/windows_fixture.h"
 
 namespace quietlark {
@@ -109,6 +114,16 @@ TEST_P(WindowsPicturesTest, OnboardingDoneWithASlowLocalServer) {
     take("onboarding-done-slow");
 }
 
+TEST_P(WindowsPicturesTest, OnboardingDoneWithASlowRemoteServer) {
+    serverAnswersAt("http://box.local:8001");
+    openOnboarding(OnboardingModel::doneStep, discoveredRemote());
+    network.runAnswers();
+    publish("Box", "0.5");
+    take("onboarding-done-slow-remote");
+    shown().findChild<QPlainTextEdit*>()->setPlainText(text("hello world"));
+    take("onboarding-done-tried");
+}
+
 TEST_P(WindowsPicturesTest, OnboardingDoneWithoutAServer) {
     openOnboarding(OnboardingModel::doneStep);
     take("onboarding-done-deferred");
@@ -138,14 +153,37 @@ TEST_P(WindowsPicturesTest, PreferencesServerRemote) {
     scheduler.advance(ServerPaneModel::probeInterval);
     network.runAnswers();
     take("preferences-server-connected");
-    button("Change Server…")->click();
+    shown().findChild<QPushButton*>(text("change"))->click();
     take("preferences-server-editing");
+}
+
+TEST_P(WindowsPicturesTest, PreferencesServerDiscovered) {
+    serverAnswersAt("http://box.local:8001");
+    openServerTab(discoveredRemote());
+    network.runAnswers();
+    take("preferences-server-discovered");
+}
+
+TEST_P(WindowsPicturesTest, PreferencesServerUnconfigured) {
+    openServerTab(unconfigured());
+    take("preferences-server-unconfigured");
 }
 
 TEST_P(WindowsPicturesTest, PreferencesServerLocal) {
     openServerTab(local());
     take("preferences-server-preparing");
+    state().modelDownloader().start();
+    scheduler.runPosted();
+    fetcher.report(420, 1000);
+    scheduler.runPosted();
+    take("preferences-server-downloading");
+    fetcher.fail(text("The server has closed the connection."));
+    scheduler.runPosted();
+    take("preferences-server-download-failed");
     installModel();
+    service.current = ServiceStatus::notRegistered;
+    scheduler.advance(ServerPaneModel::pollInterval);
+    take("preferences-server-starting");
     service.current = ServiceStatus::requiresApproval;
     scheduler.advance(ServerPaneModel::pollInterval);
     take("preferences-server-approval");
@@ -153,6 +191,17 @@ TEST_P(WindowsPicturesTest, PreferencesServerLocal) {
     serverPublishesItsEndpoint();
     scheduler.advance(ServerPaneModel::pollInterval);
     take("preferences-server-ready");
+}
+
+TEST_P(WindowsPicturesTest, Alerts) {
+    QtApplicationShell shell;
+    WindowPresenter presenter(windows(), shell);
+    presenter.showMoveToApplicationsAlert();
+    take("alert-not-installed");
+    presenter.showServerStartFailure(
+        text("The unit net.quietlark.server.service is not there. Install Quietlark again."));
+    take("alert-server-failed");
+    shown().close();
 }
 
 INSTANTIATE_TEST_SUITE_P(Looks, WindowsPicturesTest, testing::ValuesIn(looks), nameOfLook);

@@ -85,6 +85,46 @@ TEST_F(WindowsTest, ReturnDoesNotPassAStepThatIsNotComplete) {
     EXPECT_TRUE(reads("Grant permissions"));
 }
 
+TEST_F(WindowsTest, ReturnOnTheWayBackGoesBack) {
+    grantAll();
+    openOnboarding(OnboardingModel::permissionsStep);
+    button("Back")->setFocus();
+    press(Qt::Key_Return);
+    EXPECT_TRUE(reads("Where should Quietlark transcribe?"));
+}
+
+TEST_F(WindowsTest, TheFocusWaitsForTheWayOn) {
+    openOnboarding(OnboardingModel::permissionsStep);
+    EXPECT_FALSE(button("Back")->hasFocus());
+    grantAll();
+    scheduler.advance(PermissionPoll::interval);
+    EXPECT_TRUE(button("Next")->hasFocus());
+}
+
+TEST_F(WindowsTest, ADownloadThatFailedIsTriedAgainByItsButton) {
+    saved(local());
+    for (const auto& openIt : {std::function<void()>([this] { windows().showServerTab(); }),
+                               std::function<void()>([this] { open(Kind::onboarding); })}) {
+        Config config = local();
+        config.onboardingStep = OnboardingModel::doneStep;
+        state().setConfig(config);
+        openIt();
+        state().modelDownloader().start();
+        scheduler.runPosted();
+        EXPECT_FALSE(button("Try Again"));
+        fetcher.fail(text("No."));
+        scheduler.runPosted();
+        EXPECT_TRUE(reads("Download failed: No."));
+        button("Try Again")->click();
+        scheduler.runPosted();
+        EXPECT_EQ(state().modelDownloader().state().kind,
+                  ModelDownloader::State::Case::downloading);
+        shown().close();
+        fetcher.fail(text("No."));
+        scheduler.runPosted();
+    }
+}
+
 TEST_F(WindowsTest, TheWizardReopensAtTheStepItWasClosedAt) {
     openOnboarding(OnboardingModel::hotkeyStep);
     QTest::mouseClick(button("Back"), Qt::LeftButton);
