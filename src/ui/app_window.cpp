@@ -32,9 +32,7 @@ AppWindow::AppWindow(QWidget* content, const WindowStyle& style, int margin)
     m_scroll->setFocusPolicy(Qt::NoFocus);
     m_scroll->setWidget(page);
     m_scroll->viewport()->installEventFilter(this);
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins({});
-    layout->addWidget(m_scroll);
+    setCentralWidget(m_scroll);
     fit();
 }
 
@@ -51,7 +49,7 @@ void AppWindow::showEvent(QShowEvent* event) {
         place.moveCenter(userScreen().availableGeometry().center());
         move(place.topLeft());
     }
-    QWidget::showEvent(event);
+    QMainWindow::showEvent(event);
 }
 
 /// Never smaller than it was while it is shown: a window that breathes distracts.

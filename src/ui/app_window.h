@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QWidget>
+#include <QMainWindow>
 
 #include "app/window_style.h"
 
@@ -10,7 +10,7 @@ namespace quietlark {
 
 /// One of the application's windows: framed and sized as its style says, larger only where the
 /// user's font or language needs it. Comes up in the middle of the screen that the user is at.
-class AppWindow final : public QWidget {
+class AppWindow final : public QMainWindow {
     Q_OBJECT
 
 public:

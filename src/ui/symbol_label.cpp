@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include <QPainter>
+#include <QEvent>
 
 #include "ui/symbol_pixmap.h"
 
@@ -11,20 +11,31 @@ namespace quietlark {
 SymbolLabel::SymbolLabel(QString name, int edge, Tone tone)
     : m_name(std::move(name)), m_edge(edge), m_tone(tone) {
     setFixedSize(edge, edge);
+    draw();
 }
 
 void SymbolLabel::setName(const QString& name) {
-    m_name = name;
-    update();
+    if (std::exchange(m_name, name) != name) draw();
 }
 
 void SymbolLabel::setTone(Tone tone) {
-    m_tone = tone;
-    update();
+    if (std::exchange(m_tone, tone) != tone) draw();
 }
 
-void SymbolLabel::paintEvent(QPaintEvent*) {
-    QPainter(this).drawPixmap(rect(), symbolPixmap(m_name, color(), m_edge, devicePixelRatioF()));
+void SymbolLabel::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::PaletteChange) draw();
+    QLabel::changeEvent(event);
+}
+
+void SymbolLabel::showEvent(QShowEvent* event) {
+    // Only now it is known how sharp the screen is.
+    draw();
+    QLabel::showEvent(event);
+}
+
+void SymbolLabel::draw() {
+    setPixmap(m_name.isEmpty() ? QPixmap()
+                               : symbolPixmap(m_name, color(), m_edge, devicePixelRatioF()));
 }
 
 QColor SymbolLabel::color() const {

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <QWidget>
+#include <QLabel>
 
 namespace quietlark {
 
 /// A symbol in a colour of the desktop's palette, following it from light to dark.
-class SymbolLabel final : public QWidget {
+class SymbolLabel final : public QLabel {
     Q_OBJECT
 
 public:
@@ -17,12 +17,12 @@ public:
     void setName(const QString& name);
     void setTone(Tone tone);
 
-    [[nodiscard]] QSize sizeHint() const override { return {m_edge, m_edge}; }
-
 protected:
-    void paintEvent(QPaintEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
 private:
+    void draw();
     [[nodiscard]] QColor color() const;
 
     QString m_name;
