@@ -1,0 +1,82 @@
+#!/usr/bin/env bash
+# The first run by the keyboard alone: a server by its address, a second hotkey, a dictation into the
+# wizard's own box and one elsewhere. Half-way the wizard is closed, and comes up where it was.
+# shellcheck source=onboarding_support.sh
+. "$(dirname "$0")/onboarding_support.sh"
+
+key() {
+    xdotool key "$@"
+}
+
+has_keyboard() {
+    [[ $(screen_reader focused) = "$1: $2"* ]]
+}
+
+keyboard_has_left() {
+    [ "$(screen_reader focused)" != "$1" ]
+}
+
+# goes_to ROLE NAME: by the Tab key.
+goes_to() {
+    local presses before
+    for ((presses = 0; presses < 12; presses++)); do
+        has_keyboard "$1" "$2" && return
+        before=$(screen_reader focused)
+        key Tab
+        wait_until 10 keyboard_has_left "$before" || break
+    done
+    fail "The Tab key does not lead to the $1 \"$2\" but to: $(screen_reader focused)"
+}
+
+waits_for_keyboard() {
+    wait_until 30 has_keyboard "$1" "$2" ||
+        fail "The keyboard is not at the $1 \"$2\" but at: $(screen_reader focused)"
+}
+
+start_screen_reader
+start_server
+address=$(sed -n 's|^listening on http://||p' "$logs/server.out")
+open_wizard
+
+sees label 'Welcome to Quietlark'
+waits_for_keyboard 'push button' Next
+key Return
+
+is_at 1
+waits_for_keyboard 'radio button' 'On this computer'
+key Down
+waits_for_keyboard 'radio button' 'On the network'
+key Return
+sees label 'Servers on your local network'
+goes_to 'push button' 'Enter another address'
+key space
+waits_for_keyboard text 'Enter a server address'
+xdotool type "$address"
+sees label Connected
+key Return
+
+is_at 2
+sees image Granted
+waits_for_keyboard 'push button' Next
+key Return
+
+is_at 3
+goes_to 'push button' 'Press to toggle'
+key space
+sees 'push button' 'Press to toggle: (Esc'
+key ctrl+alt+d
+wait_until 30 setting_is toggleHotkey '"ctrl\+alt\+d"' || fail "The hotkey is not stored: $(cat "$configuration")"
+sees 'push button' 'Press to toggle: Ctrl+Alt+D'
+
+leave_and_come_back key alt+F4
+sees label 'Pick your hotkeys'
+waits_for_keyboard 'push button' Next
+key Return
+
+is_at 4
+sees label "You're all set!"
+goes_to text 'Try it out'
+tries_out 'hello world'
+goes_to 'push button' Finish
+key Return
+dictates_elsewhere 'open the door'

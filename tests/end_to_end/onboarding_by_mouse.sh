@@ -1,0 +1,90 @@
+#!/usr/bin/env bash
+# The first run by the mouse: the server on this computer, whose model is downloaded, and which a real
+# service manager then starts; a dictation into the wizard's own box and one elsewhere. Half-way the
+# wizard is closed, and comes up where it was.
+# shellcheck source=onboarding_support.sh
+. "$(dirname "$0")/onboarding_support.sh"
+
+click_at() {
+    xdotool mousemove "$1" "$2" click 1
+}
+
+# clicks ROLE NAME
+clicks() {
+    local place
+    sees "$1" "$2"
+    read -ra place <<<"$(screen_reader find "$1" "$2")"
+    click_at "${place[@]}"
+}
+
+# The button of the window's frame.
+close_by_its_frame() {
+    local X Y WIDTH frame
+    eval "$(xdotool getwindowgeometry --shell "$window" | grep -E '^(X|Y|WIDTH)=')"
+    frame=$(xprop -id "$window" _NET_FRAME_EXTENTS | sed 's/.*= //; s/,//g')
+    click_at $((X + WIDTH - 10)) $((Y - $(cut -d ' ' -f 3 <<<"$frame") / 2))
+}
+
+# The user's service manager, with the server among its units, takes the session bus's place.
+start_service_manager() {
+    local manager="$desktop/manager" units
+    units="$manager/home/.local/share/systemd/user"
+    mkdir -p "$units"
+    cat >"$units/net.quietlark.server.service" <<UNIT
+[Service]
+Type=exec
+Environment="QUIETLARK_ENDPOINT_FILE=$QUIETLARK_ENDPOINT_FILE"
+ExecStart="$bin/quietlark-server"
+[Install]
+WantedBy=default.target
+UNIT
+    start manager sh -c 'sleep infinity | exec bash "$0" "$1"' \
+        "$root/tests/peers/systemd_user.sh" "$manager"
+    wait_for_line 60 "$started_id" "$logs/manager.out" . || fail 'The service manager did not start.'
+    grep -qx ready "$logs/manager.out" || skip "$(cat "$logs/manager.out")"
+    export DBUS_SESSION_BUS_ADDRESS="unix:path=$manager/run/bus"
+}
+
+# The place that the model comes from: as large as it takes to see it coming.
+start_model_host() {
+    head -c 5000000 /dev/urandom >"$desktop/model.bin"
+    start model_host sh -c 'sleep infinity | exec "$0" "$1"' "$bin/file_server" "$desktop/model.bin"
+    wait_for_line 60 "$started_id" "$logs/model_host.out" '^http' || fail 'There is no model to fetch.'
+    QUIETLARK_MODEL_URL=$(cat "$logs/model_host.out")
+    QUIETLARK_MODEL_SHA256=$(sha256sum "$desktop/model.bin" | cut -d ' ' -f 1)
+    export QUIETLARK_MODEL_URL QUIETLARK_MODEL_SHA256
+}
+
+start_service_manager
+start_screen_reader
+start_model_host
+open_wizard
+
+sees label 'Welcome to Quietlark'
+clicks 'push button' Next
+
+is_at 1
+clicks 'radio button' 'On the network'
+clicks 'radio button' 'On this computer'
+clicks 'push button' Connect
+
+is_at 2
+sees image Granted
+clicks 'push button' Back
+is_at 1
+clicks 'push button' Connect
+is_at 2
+
+leave_and_come_back close_by_its_frame
+sees label 'Grant permissions'
+clicks 'push button' Next
+
+is_at 3
+clicks 'push button' Next
+
+is_at 4
+sees label "You're all set!" 120
+clicks text 'Try it out'
+tries_out 'hello world'
+clicks 'push button' Finish
+dictates_elsewhere 'open the door'
