@@ -126,11 +126,11 @@
     <name>PermissionList</name>
     <message>
         <source>Synthesize ⌘V to paste.</source>
-        <translation>Synthesize Ctrl+V to paste.</translation>
+        <translation>Press Ctrl+V for you, to paste.</translation>
     </message>
     <message>
         <source>Synthesize ⌘V to paste the transcript.</source>
-        <translation>Synthesize Ctrl+V to paste the transcript.</translation>
+        <translation>Press Ctrl+V for you, to paste the transcript.</translation>
     </message>
 </context>
 <context>
@@ -160,11 +160,11 @@
     <name>quietlark::DoneStepModel</name>
     <message>
         <source>Quietlark Server needs your approval in System Settings → General → Login Items &amp; Extensions. Toggle it on and we'll pick up from there.</source>
-        <translation>Quietlark Server has been switched off for your user: its systemd unit is masked. Allow it again and we'll pick up from there.</translation>
+        <translation>Quietlark Server is not allowed to run: its service is masked. Allow it with “systemctl --user unmask net.quietlark.server.service” and we'll pick up from there.</translation>
     </message>
     <message>
         <source>You skipped the server setup. Click the Quietlark icon in your menu bar and choose Preferences → Server to finish setting up.</source>
-        <translation>You skipped the server setup. Click the Quietlark icon in your tray and choose Preferences → Server to finish setting up.</translation>
+        <translation>You skipped the server setup. Click the Quietlark icon in the system tray and choose Preferences → Server to finish setting up.</translation>
     </message>
 </context>
 <context>
@@ -199,22 +199,22 @@
     <name>quietlark::ServerPane</name>
     <message>
         <source>Approve in System Settings to start transcription.</source>
-        <translation>Allow the server's systemd unit to start transcription.</translation>
+        <translation>Allow the server's service, which is masked, to start transcription.</translation>
     </message>
 </context>
 <context>
     <name>quietlark::WindowPresenter</name>
     <message>
         <source>Move Quietlark to Applications</source>
-        <translation>Install Quietlark where programs live</translation>
+        <translation>Install Quietlark</translation>
     </message>
     <message>
         <source>Quietlark needs to live in your Applications folder so macOS can start the background server reliably.
 
 Quit, drag Quietlark to Applications, then open it from there.</source>
-        <translation>Quietlark needs to live in /opt, in ~/.local/opt or in a package, so that your system can start the background server reliably.
+        <translation>Quietlark needs to be installed in /opt or ~/.local/opt, or as a package, so that your system can start the background server reliably.
 
-Quit, move Quietlark there, then open it from there.</translation>
+Quit, install Quietlark, then start it from there.</translation>
     </message>
     <message>
         <source>This will stop the background server, delete the downloaded model and all settings, revoke granted permissions, and move Quietlark to the Trash. macOS will prompt for your administrator password to revoke the permissions. You can always reinstall by downloading the app again.</source>

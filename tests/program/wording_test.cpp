@@ -1,6 +1,9 @@
 #include "program/wording.h"
 
+#include <algorithm>
+
 #include <QCoreApplication>
+#include <QDirIterator>
 #include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
@@ -42,16 +45,56 @@ std::vector<Text> allTexts() {
     return texts;
 }
 
+const QRegularExpression& otherSystem() {
+    static const QRegularExpression words(QStringLiteral(
+        "\\bmacOS\\b|\\bMacs?\\b|\\bmenu bar\\b|\\bSystem Settings\\b|\\bLogin Items\\b|"
+        "\\bApplications\\b|\\bFinder\\b|\\bDock\\b|\\bBonjour\\b|\\bOpt\\b|\\bCmd\\b|"
+        "\\bCommand-|\\bOption-|[⌘⌥⌃⇧⎋⏎⇥⌫]"));
+    return words;
+}
+
+/// Every literal in the source, comments left out. Those that follow each other are separate.
+QStringList allLiterals() {
+    static const QRegularExpression literal(QStringLiteral("\"((?:[^\"\\\\]|\\\\.)*)\""));
+    QStringList literals;
+    QDirIterator files(QStringLiteral(SOURCE_FOLDER),
+                       {QStringLiteral("*.cpp"), QStringLiteral("*.h")}, QDir::Files,
+                       QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        QFile file(files.next());
+        if (!file.open(QIODevice::ReadOnly)) continue;
+        for (const QString& line : QString::fromUtf8(file.readAll()).split(u'\n')) {
+            if (line.trimmed().startsWith(QStringLiteral("//"))) continue;
+            for (auto found = literal.globalMatch(line); found.hasNext();)
+                literals << found.next().captured(1).replace(QStringLiteral("\\n"),
+                                                             QStringLiteral("\n"));
+        }
+    }
+    return literals;
+}
+
 TEST(WordingTest, NoTextSpeaksOfAnotherSystem) {
     useWordingOfThisSystem(*QCoreApplication::instance());
-    const QRegularExpression otherSystem(
-        QStringLiteral("\\bmacOS\\b|\\bMac\\b|menu bar|System Settings|Applications|⌘|⌥|⌃|⎋"));
     const auto texts = allTexts();
     EXPECT_GT(texts.size(), 100u);
     for (const Text& text : texts) {
         const QString shown = QCoreApplication::translate(text.context, text.source, text.use);
-        EXPECT_FALSE(otherSystem.match(shown).hasMatch())
+        EXPECT_FALSE(otherSystem().match(shown).hasMatch())
             << text.context.constData() << ": " << shown.toStdString();
+    }
+}
+
+TEST(WordingTest, WhatSpeaksOfAnotherSystemCanBeWordedForThisOne) {
+    const auto texts = allTexts();
+    const QStringList literals = allLiterals();
+    EXPECT_GT(literals.size(), 500);
+    for (const QString& literal : literals) {
+        if (!otherSystem().match(literal).hasMatch()) continue;
+        EXPECT_TRUE(std::ranges::any_of(texts,
+                                        [&literal](const Text& text) {
+                                            return QString::fromUtf8(text.source).contains(literal);
+                                        }))
+            << "not within tr(): " << literal.toStdString();
     }
 }
 
