@@ -35,9 +35,8 @@ QMessageBox& QtApplicationShell::makeBox(QMessageBox::Icon icon, const QString& 
     // Whoever waits for the one before is told that it has gone; one that has gone already may not
     // have been destroyed yet.
     if (m_alert && m_alert->isVisible()) m_alert->reject();
-    m_alert = new QMessageBox(icon, QCoreApplication::applicationName(), title);
+    m_alert = new QMessageBox(icon, title, text);
     m_alert->setTextFormat(Qt::PlainText);
-    m_alert->setInformativeText(text);
     m_alert->setAttribute(Qt::WA_DeleteOnClose);
     m_alert->setWindowModality(Qt::ApplicationModal);
     return *m_alert;

@@ -201,6 +201,12 @@ TEST_P(WindowsPicturesTest, Alerts) {
     presenter.showServerStartFailure(
         text("The unit net.quietlark.server.service is not there. Install Quietlark again."));
     take("alert-server-failed");
+    presenter.askWhetherToUninstall([](bool) {});
+    take("alert-uninstall");
+    presenter.showRecycleFailure(text("The package manager owns Quietlark: remove the package "
+                                      "quietlark."),
+                                 {});
+    take("alert-not-removed");
     shown().close();
 }
 
