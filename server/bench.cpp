@@ -2,32 +2,43 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <fstream>
-#include <iterator>
+#include <optional>
 #include <vector>
 
 #include "audio/wav_file.h"
+#include "server/text_forms.h"
 
 namespace quietlark {
 namespace {
 
 constexpr std::size_t runs = 3;
 
-std::string line(const char* key, double number) {
-    std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "%s=%.2f\n", key, number);
-    return text.data();
+std::string line(const std::string& key, double number) {
+    return key + "=" + decimals(number) + "\n";
+}
+
+/// Up to `mostBytes` of a file, and one more if there are more.
+std::optional<std::vector<std::uint8_t>> bytesOf(const std::string& path, std::uint64_t mostBytes) {
+    std::ifstream file(path, std::ios::binary);
+    std::vector<std::uint8_t> bytes(mostBytes + 1);
+    file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    // A folder can be opened, and not read.
+    if (!file.is_open() || file.bad()) return std::nullopt;
+    bytes.resize(static_cast<std::size_t>(file.gcount()));
+    return bytes;
 }
 
 }  // namespace
 
 tl::expected<std::string, std::string> benchReport(SpeechEngine& engine, const std::string& wavFile,
-                                                   const std::string& language) {
-    std::ifstream file(wavFile, std::ios::binary);
-    const std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(file), {}};
-    if (!file) return tl::unexpected("Cannot read " + wavFile + ".");
-    const auto wav = WavFile::parse(bytes);
+                                                   const std::string& language,
+                                                   std::uint64_t mostBytes) {
+    const auto bytes = bytesOf(wavFile, mostBytes);
+    if (!bytes) return tl::unexpected("Cannot read " + wavFile + ".");
+    if (bytes->size() > mostBytes)
+        return tl::unexpected(wavFile + " is larger than --max-upload lets a recording be.");
+    const auto wav = WavFile::parse(*bytes);
     if (!wav) return tl::unexpected(wav.error().description);
     const auto samples = wav->convertedTo(SpeechEngine::sampleRateHz);
     const double audioSeconds = static_cast<double>(samples.size()) / SpeechEngine::sampleRateHz;

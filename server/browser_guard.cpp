@@ -6,6 +6,8 @@
 
 #include <arpa/inet.h>
 
+#include "server/text_forms.h"
+
 namespace quietlark {
 namespace {
 
@@ -13,14 +15,6 @@ namespace {
 /// has set "internal" aside; "lan" has never been a top-level domain, and many routers use it).
 constexpr std::array<std::string_view, 5> privateDomains = {".local", ".localhost", ".home.arpa",
                                                             ".internal", ".lan"};
-
-std::string lowerCase(std::string_view text) {
-    std::string lower(text);
-    std::ranges::transform(lower, lower.begin(), [](unsigned char character) {
-        return static_cast<char>(std::tolower(character));
-    });
-    return lower;
-}
 
 /// The host of "host:port", in lower case and without a final dot.
 std::string nameIn(std::string_view authority) {

@@ -3,7 +3,6 @@
 #include <array>
 #include <cerrno>
 #include <charconv>
-#include <cstdio>
 #include <cstring>
 #include <optional>
 #include <string_view>
@@ -17,16 +16,16 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "server/text_forms.h"
+
 namespace quietlark {
 namespace {
 
 constexpr int longestProbeMilliseconds = 1000;
 
 std::string contentOf(const EndpointDescription& description) {
-    std::array<char, 32> rtf{};
-    std::snprintf(rtf.data(), rtf.size(), "%.2f", description.rtf);
     return "local=" + description.local + "\ndisplay=" + description.display +
-           "\nrtf=" + rtf.data() + "\n";
+           "\nrtf=" + decimals(description.rtf) + "\n";
 }
 
 bool writeAll(int file, const std::string& content) {

@@ -12,6 +12,8 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include "server/text_forms.h"
+
 namespace quietlark {
 namespace {
 
@@ -38,12 +40,11 @@ int freePort() {
 
 /// A path that nobody can guess.
 std::string secretPath() {
-    constexpr std::string_view digits = "0123456789abcdef";
     std::array<unsigned char, 16> bytes{};
     if (getrandom(bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size())) return "";
     std::string path = "/";
     for (const unsigned char byte : bytes)
-        path += {digits[byte >> 4U], digits[byte & 0x0fU]};
+        path += hexadecimal(byte);
     return path;
 }
 

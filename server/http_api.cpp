@@ -51,13 +51,19 @@ const Route* routeOf(std::string_view path) {
     return path.starts_with(modelPrefix) ? &modelRoute : nullptr;
 }
 
-std::string_view fieldOf(const HttpRequest& request, std::string_view name) {
-    const auto found = request.form.find(name);
-    return found == request.form.end() ? std::string_view() : found->second;
+HttpResponse answerWith(Transcript& transcript, const TranscriptionForm& form, double seconds) {
+    if (form.wantsWords && !transcript.words)
+        return badFieldResponse("timestamp_granularities[]",
+                                "This server's speech engine does not know the times of words.");
+    if (!form.wantsWords) transcript.words.reset();
+    return {.contentType = std::string(contentTypeOf(form.format)),
+            .body = formatted(transcript, form.format, seconds)};
 }
 
-HttpResponse badField(std::string_view name, std::string_view message) {
-    return errorResponse(400, {.message = message, .parameter = name});
+/// An error that would come again.
+HttpResponse notToBeRetried(HttpResponse response) {
+    response.isWorthRetrying = false;
+    return response;
 }
 
 HttpResponse failure(EngineError error) {
@@ -70,13 +76,16 @@ HttpResponse failure(EngineError error) {
             return errorResponse(statusClientHasLeft, {.message = "The client has left."});
         case EngineError::Unavailable:
             return unavailableResponse("The speech engine is not running.");
+        case EngineError::CannotTranslate:
+            return badFieldResponse("translate", "This server's speech engine does not translate.");
         case EngineError::TimedOut:
-            return errorResponse(
-                503, {.message = "The recording took too long to transcribe.", .code = "timeout"});
+            return notToBeRetried(errorResponse(
+                503, {.message = "The recording took too long to transcribe.", .code = "timeout"}));
         case EngineError::Failed:
             break;
     }
-    return errorResponse(500, {.message = "The recording could not be transcribed."});
+    return notToBeRetried(
+        errorResponse(500, {.message = "The recording could not be transcribed."}));
 }
 
 HttpResponse json(std::string body) {
@@ -155,40 +164,34 @@ HttpResponse HttpApi::model(std::string_view id) const {
 }
 
 HttpResponse HttpApi::transcription(const HttpRequest& request) {
-    const auto format = transcriptFormatOf(fieldOf(request, "response_format"));
-    if (!format)
-        return badField("response_format",
-                        "The response format is none of json, text, verbose_json, srt and vtt.");
-    std::string_view language = fieldOf(request, "language");
-    if (language.empty()) language = m_settings.language;
-    if (!m_engine.understands(language))
-        return badField("language",
-                        "This server's speech model does not understand this language.");
-    const auto file = request.form.find("file");
-    if (file == request.form.end()) return badField("file", "The form has no field named file.");
-    return transcribe(request, file->second, language, *format);
+    auto form = TranscriptionForm::parse(request);
+    if (!form) return form.error();
+    if (form->language.empty()) form->language = m_settings.language;
+    if (!m_engine.understands(form->language))
+        return badFieldResponse("language",
+                                "This server's speech model does not understand this language.");
+    return transcribe(*form, request.isAbandoned);
 }
 
-HttpResponse HttpApi::transcribe(const HttpRequest& request, std::string_view file,
-                                 std::string_view language, TranscriptFormat format) {
+HttpResponse HttpApi::transcribe(const TranscriptionForm& form, std::function<bool()> isAbandoned) {
     const auto wav =
-        WavFile::parse({reinterpret_cast<const std::uint8_t*>(file.data()), file.size()});
-    if (!wav) return badField("file", wav.error().description);
+        WavFile::parse({reinterpret_cast<const std::uint8_t*>(form.file.data()), form.file.size()});
+    if (!wav) return badFieldResponse("file", wav.error().description);
     const double seconds = static_cast<double>(wav->frames()) / wav->sampleRateHz();
     if (seconds > static_cast<double>(m_settings.limits.audio.count()))
         return errorResponse(413, {.message = "The recording is longer than this server takes.",
                                    .parameter = "file"});
 
-    const auto deadline = std::chrono::steady_clock::now() + m_settings.limits.time;
-    const auto transcript = m_engine.transcribe(
+    auto transcript = m_engine.transcribe(
         {.samples = SpeechSamples([&wav] { return wav->convertedTo(SpeechEngine::sampleRateHz); }),
-         .language = language,
-         .deadline = deadline,
-         .isAbandoned = request.isAbandoned});
-    HttpResponse response = transcript
-                                ? HttpResponse{.contentType = std::string(contentTypeOf(format)),
-                                               .body = formatted(*transcript, format, seconds)}
-                                : failure(transcript.error());
+         .language = form.language,
+         .prompt = form.prompt,
+         .temperature = form.temperature,
+         .translates = form.translates,
+         .deadline = std::chrono::steady_clock::now() + m_settings.limits.time,
+         .isAbandoned = std::move(isAbandoned)});
+    HttpResponse response =
+        transcript ? answerWith(*transcript, form, seconds) : failure(transcript.error());
     response.audioSeconds = seconds;
     return response;
 }

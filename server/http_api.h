@@ -1,12 +1,13 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 
 #include "server/browser_guard.h"
 #include "server/http_messages.h"
 #include "server/server_limits.h"
 #include "server/speech_engine.h"
-#include "server/transcript_format.h"
+#include "server/transcription_form.h"
 
 namespace quietlark {
 
@@ -36,8 +37,8 @@ private:
     [[nodiscard]] HttpResponse health() const;
     [[nodiscard]] HttpResponse model(std::string_view id) const;
     [[nodiscard]] HttpResponse transcription(const HttpRequest& request);
-    [[nodiscard]] HttpResponse transcribe(const HttpRequest& request, std::string_view file,
-                                          std::string_view language, TranscriptFormat format);
+    [[nodiscard]] HttpResponse transcribe(const TranscriptionForm& form,
+                                          std::function<bool()> isAbandoned);
 
     SpeechEngine& m_engine;
     const Settings m_settings;

@@ -22,6 +22,10 @@ HttpResponse errorResponse(int status, const HttpFault& fault) {
                     R"(,"code":)" + stringOrNull(fault.code) + "}}"};
 }
 
+HttpResponse badFieldResponse(std::string_view name, std::string_view message) {
+    return errorResponse(400, {.message = message, .parameter = name});
+}
+
 HttpResponse unavailableResponse(std::string_view message) {
     HttpResponse response = errorResponse(503, {.message = message});
     response.retryAfterSeconds = usualRetrySeconds;

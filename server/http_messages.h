@@ -27,7 +27,7 @@ struct HttpHead {
 struct HttpRequest {
     std::string_view method;
     std::string_view path;
-    std::map<std::string_view, std::string_view> form;  ///< the first field of each name
+    std::multimap<std::string_view, std::string_view> form;  ///< fields by their names, in order
     /// Whether the client no longer waits for the answer. Any thread.
     std::function<bool()> isAbandoned = [] { return false; };
 };
@@ -38,6 +38,7 @@ struct HttpResponse {
     std::string body;
     std::string allowedMethod = {};  ///< for the Allow header of status 405
     int retryAfterSeconds = 0;       ///< for the Retry-After header; none for 0
+    bool isWorthRetrying = true;     ///< false for errors that would come again
     double audioSeconds = 0;         ///< how much sound the request brought, for the log
 };
 
@@ -50,6 +51,9 @@ struct HttpFault {
 
 /// An error in the form of OpenAI's interface: an object with message, type, param and code.
 [[nodiscard]] HttpResponse errorResponse(int status, const HttpFault& fault);
+
+/// Status 400, for a field of a form.
+[[nodiscard]] HttpResponse badFieldResponse(std::string_view name, std::string_view message);
 
 /// Status 503, with the advice to come back in a few seconds.
 [[nodiscard]] HttpResponse unavailableResponse(std::string_view message);

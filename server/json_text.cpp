@@ -2,18 +2,18 @@
 
 #include <cstdint>
 
+#include "server/text_forms.h"
+
 namespace quietlark {
 
 std::string jsonString(std::string_view text) {
-    constexpr std::string_view digits = "0123456789abcdef";
     std::string json = "\"";
     for (const char character : text) {
         const auto byte = static_cast<std::uint8_t>(character);
         if (character == '"' || character == '\\') {
             json += {'\\', character};
         } else if (byte < 0x20) {
-            json += "\\u00";
-            json += {digits[byte >> 4U], digits[byte & 0x0fU]};
+            json += "\\u00" + hexadecimal(byte);
         } else {
             json += character;
         }

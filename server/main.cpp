@@ -7,6 +7,7 @@
 
 #include <pthread.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include "platform/linux/journal/journal_log.h"
 #include "server/avahi_announcer.h"
@@ -35,6 +36,15 @@ void allowManyConnections() {
 bool isIgnored(int signal) {
     struct sigaction present {};
     return sigaction(signal, nullptr, &present) == 0 && present.sa_handler == SIG_IGN;
+}
+
+std::vector<std::string> environmentNames() {
+    std::vector<std::string> names;
+    for (char** entry = environ; *entry; ++entry) {
+        const std::string_view text = *entry;
+        names.emplace_back(text.substr(0, text.find('=')));
+    }
+    return names;
 }
 
 /// Requests the stop when the program is told to end.
@@ -92,7 +102,8 @@ ExitCode run(const ServerOptions& options) {
 
 int main(int argc, char** argv) {
     using namespace quietlark;
-    const auto options = ServerOptions::parse({argv + 1, argv + argc}, &environmentVariable);
+    const auto options =
+        ServerOptions::parse({argv + 1, argv + argc}, &environmentVariable, environmentNames());
     if (!options) {
         std::cerr << "quietlark-server: " << options.error() << "\n" << ServerOptions::help();
         return WrongUsage;

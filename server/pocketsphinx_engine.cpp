@@ -1,7 +1,6 @@
 #include "server/pocketsphinx_engine.h"
 
 #include <algorithm>
-#include <cctype>
 #include <utility>
 #include <vector>
 
@@ -9,6 +8,7 @@
 #include <sphinxbase/err.h>
 
 #include "server/speech_segments.h"
+#include "server/text_forms.h"
 
 namespace quietlark {
 namespace {
@@ -67,15 +67,13 @@ std::string PocketSphinxEngine::modelId() const {
 }
 
 bool PocketSphinxEngine::understands(std::string_view language) const {
-    std::string name(language);
-    std::ranges::transform(name, name.begin(), [](unsigned char character) {
-        return static_cast<char>(std::tolower(character));
-    });
+    const std::string name = lowerCase(language);
     return name.empty() || name == "auto" || name == "en" || name == "english" ||
            name.starts_with("en-") || name.starts_with("en_");
 }
 
 tl::expected<Transcript, EngineError> PocketSphinxEngine::transcribe(const SpeechRequest& request) {
+    if (request.translates) return tl::unexpected(EngineError::CannotTranslate);
     Transcript transcript{.text = {}, .language = "english", .segments = {}};
     const auto samples = request.samples.get();
     for (const auto piece : speechSegments(samples, sampleRateHz)) {

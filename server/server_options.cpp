@@ -15,6 +15,7 @@ using Error = tl::unexpected<std::string>;
 using Applied = tl::expected<void, std::string>;
 
 constexpr const char* usualEndpointFile = "/tmp/quietlark.endpoint";
+constexpr std::string_view settingPrefix = "QUIETLARK_SERVER_";
 constexpr std::size_t longestServiceName = 63;  // RFC 6763, section 4.1.1
 constexpr std::uint64_t mebibyte = std::uint64_t{1} << 20U;
 
@@ -79,7 +80,7 @@ Applied setText(ServerOptions& options, const std::string& value) {
     return {};
 }
 
-/// All that take a value; --share, as an argument, takes none.
+/// All that take a value; --share, as an argument, may go without.
 constexpr std::array<Option, 13> knownOptions = {{
     {"--engine", &setEngine},
     {"--model", &setText<&ServerOptions::modelFile>},
@@ -120,19 +121,20 @@ const Option* optionOf(std::string_view name) {
 /// QUIETLARK_SERVER_MAX_AUDIO for --max-audio. The application knows the endpoint file's too.
 std::string settingOf(std::string_view option) {
     if (option == "--endpoint-file") return "QUIETLARK_ENDPOINT_FILE";
-    std::string name = "QUIETLARK_SERVER_" + std::string(option.substr(2));
+    std::string name = std::string(settingPrefix) + std::string(option.substr(2));
     std::ranges::transform(name, name.begin(), [](unsigned char character) {
         return character == '-' ? '_' : static_cast<char>(std::toupper(character));
     });
     return name;
 }
 
-/// Splits "--name=value" into two arguments.
+/// Splits "--name=value" into two arguments, but for --share, whose value is never an argument.
 std::vector<std::string> separated(const std::vector<std::string>& arguments) {
     std::vector<std::string> result;
     for (const std::string& argument : arguments) {
         const auto equals = argument.find('=');
-        if (argument.starts_with("--") && equals != std::string::npos) {
+        const bool isShare = argument.starts_with("--share=");
+        if (argument.starts_with("--") && equals != std::string::npos && !isShare) {
             result.push_back(argument.substr(0, equals));
             result.push_back(argument.substr(equals + 1));
         } else {
@@ -146,6 +148,16 @@ bool isLoopback(const std::string& host) {
     in_addr address{};
     const bool isIpv4 = inet_pton(AF_INET, host.c_str(), &address) == 1;
     return host == "localhost" || host == "::1" || (isIpv4 && host.starts_with("127."));
+}
+
+Applied refuseStrangeSettings(const std::vector<std::string>& names) {
+    for (const std::string& name : names) {
+        const bool isKnown = std::ranges::any_of(
+            knownOptions, [&](const Option& option) { return settingOf(option.name) == name; });
+        if (name.starts_with(settingPrefix) && !isKnown)
+            return Error("There is no setting " + name + ".");
+    }
+    return {};
 }
 
 Applied applySettings(ServerOptions& options, const ServerOptions::Settings& settings) {
@@ -163,12 +175,17 @@ Applied applySettings(ServerOptions& options, const ServerOptions::Settings& set
 Applied applyArgument(ServerOptions& options, const std::vector<std::string>& words,
                       std::size_t& position) {
     const std::string& name = words[position];
-    if (options.action == ServerOptions::Action::Bench && options.benchFile.empty() &&
-        !name.starts_with('-')) {
+    const bool isBench = options.action == ServerOptions::Action::Bench;
+    if (name == "bench" && !isBench) {
+        options.action = ServerOptions::Action::Bench;
+        return {};
+    }
+    if (isBench && options.benchFile.empty() && !name.starts_with('-')) {
         options.benchFile = name;
         return {};
     }
     if (name == "--share") return setShare(options, "yes");
+    if (name.starts_with("--share=")) return setShare(options, name.substr(name.find('=') + 1));
     const Option* const option = optionOf(name);
     if (!option) return Error("There is no option " + name + ".");
     if (position + 1 == words.size() || words[position + 1].empty())
@@ -189,7 +206,8 @@ Applied complete(ServerOptions& options) {
 }  // namespace
 
 tl::expected<ServerOptions, std::string> ServerOptions::parse(
-    const std::vector<std::string>& arguments, const Settings& settings) {
+    const std::vector<std::string>& arguments, const Settings& settings,
+    const std::vector<std::string>& settingNames) {
     ServerOptions options;
     options.endpointFile = usualEndpointFile;
     const auto words = separated(arguments);
@@ -199,10 +217,9 @@ tl::expected<ServerOptions, std::string> ServerOptions::parse(
         options.action = isHelp ? Action::ShowHelp : Action::ShowVersion;
         return options;
     }
-    if (!words.empty() && words.front() == "bench") options.action = Action::Bench;
-    Applied applied = applySettings(options, settings);
-    const std::size_t first = options.action == Action::Bench ? 1 : 0;
-    for (std::size_t i = first; applied && i < words.size(); ++i)
+    Applied applied = refuseStrangeSettings(settingNames);
+    if (applied) applied = applySettings(options, settings);
+    for (std::size_t i = 0; applied && i < words.size(); ++i)
         applied = applyArgument(options, words, i);
     if (applied) applied = complete(options);
     if (!applied) return Error(applied.error());
@@ -219,11 +236,13 @@ others. With bench, says how fast it transcribes a recording and ends.
   --model FILE            the model for whisper.cpp
                           ($XDG_DATA_HOME/Quietlark/models/active.bin)
   --whisper-server PATH   the server of whisper.cpp (whisper-server, as found in $PATH)
-  --share                 serves other computers too, and tells the local network about it
+  --share                 serves other computers too, and tells the local network about it;
+                          --share=no does not, whatever the environment says
   --name NAME             the name that the network sees (the computer's)
   --host HOST             the address to listen on (127.0.0.1; :: with --share)
   --port PORT             the port to listen on; 0 takes a free one (0; 8178 with --share)
-  --language CODE         what is spoken when a request does not say (the engine decides)
+  --language LANGUAGE     what is spoken when a request does not say, such as de or german
+                          (the engine decides)
   --max-upload MIB        the largest upload (64)
   --max-audio SECONDS     the longest recording (3600)
   --max-time SECONDS      the longest time for one recording (600)

@@ -35,9 +35,11 @@ struct ServerOptions {
 
     /// `arguments` without the program's name. Every option that takes a value may also be a
     /// setting: QUIETLARK_SERVER_MAX_AUDIO is --max-audio. Arguments beat settings, and an empty
-    /// setting is none. The error is a sentence for the user.
+    /// setting is none. `settingNames` are those of all settings that there are, so that one that
+    /// means nothing is not passed over. The error is a sentence for the user.
     [[nodiscard]] static tl::expected<ServerOptions, std::string> parse(
-        const std::vector<std::string>& arguments, const Settings& settings);
+        const std::vector<std::string>& arguments, const Settings& settings,
+        const std::vector<std::string>& settingNames = {});
 
     /// The text of --help.
     [[nodiscard]] static std::string help();

@@ -1,18 +1,18 @@
 #include "server/server_presence.h"
 
-#include <array>
 #include <cmath>
-#include <cstdio>
+
+#include "server/text_forms.h"
 
 namespace quietlark {
 namespace {
 
+// Changes by more than these parts of what was said before.
+constexpr double worthPublishing = 0.01;
 constexpr double worthAnnouncing = 0.1;
 
-std::string twoDecimals(double number) {
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.2f", number);
-    return text.data();
+bool differs(double one, double other, double part) {
+    return std::abs(one - other) > part * other;
 }
 
 }  // namespace
@@ -45,12 +45,13 @@ void ServerPresence::setReady(bool isReady) {
 
 void ServerPresence::setSpeed(double rtf) {
     const std::lock_guard lock(m_mutex);
-    const bool isNews = twoDecimals(rtf) != twoDecimals(m_rtf);
     m_rtf = rtf;
-    if (m_stage != Stage::Present || !m_isReady || !isNews) return;
-    const auto published = publish();
-    if (!published) m_log.write(LogLevel::Error, published.error());
-    if (std::abs(m_rtf - m_announcedRtf) > worthAnnouncing * m_announcedRtf) announce();
+    if (m_stage != Stage::Present || !m_isReady) return;
+    if (differs(m_rtf, m_publishedRtf, worthPublishing)) {
+        const auto published = publish();
+        if (!published) m_log.write(LogLevel::Error, published.error());
+    }
+    if (differs(m_rtf, m_announcedRtf, worthAnnouncing)) announce();
 }
 
 void ServerPresence::disappear() {
@@ -60,6 +61,7 @@ void ServerPresence::disappear() {
 }
 
 tl::expected<void, std::string> ServerPresence::publish() {
+    m_publishedRtf = m_rtf;
     return m_endpointFile.publish(
         {.local = m_identity.local, .display = m_identity.display, .rtf = m_rtf});
 }
@@ -70,7 +72,7 @@ void ServerPresence::announce() {
     ServiceAnnouncement announcement{
         .name = m_identity.name,
         .port = static_cast<std::uint16_t>(m_identity.port),
-        .txt = {{"rtf", twoDecimals(m_rtf)}, {"model", m_identity.model}}};
+        .txt = {{"rtf", decimals(m_rtf)}, {"model", m_identity.model}}};
     if (!m_identity.cpu.empty()) announcement.txt.emplace_back("cpu", m_identity.cpu);
     m_announcer->announce(announcement);
 }

@@ -31,7 +31,8 @@ public:
     /// Whether the server can transcribe; at first it can.
     void setReady(bool isReady);
 
-    /// Seconds of sound per second. The network hears of changes by more than a tenth.
+    /// Seconds of sound per second. The file keeps up with changes by more than a hundredth, the
+    /// network hears of those by more than a tenth.
     void setSpeed(double rtf);
 
     /// For good.
@@ -52,6 +53,7 @@ private:
     Identity m_identity;
     bool m_isReady = true;
     double m_rtf = 0;
+    double m_publishedRtf = 0;
     double m_announcedRtf = 0;
 };
 

@@ -53,7 +53,8 @@ ServerProgram::Outcome ServerProgram::bench(const std::stop_token& stop) {
     auto prepared = prepareEngine(stop);
     if (!prepared || stop.stop_requested()) return prepared;
     const std::stop_callback onStop(stop, [this] { m_engine->stop(); });
-    const auto report = benchReport(*m_engine, m_options.benchFile, m_options.language);
+    const auto report =
+        benchReport(*m_engine, m_options.benchFile, m_options.language, m_options.limits.bodyBytes);
     if (!report) return tl::unexpected(report.error());
     std::cout << *report;
     return {};

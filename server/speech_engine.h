@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -15,12 +16,13 @@ namespace quietlark {
 
 /// Why an engine has no text for a recording.
 enum class EngineError {
-    Stopping,     ///< the program ends before it can be finished
-    Abandoned,    ///< nobody waits for it any more
-    Failed,       ///< the recogniser gave up
-    Busy,         ///< others were before it until its time was over
-    TimedOut,     ///< it would take longer than it may
-    Unavailable,  ///< the recogniser is not running, and did not come back in time
+    Stopping,         ///< the program ends before it can be finished
+    Abandoned,        ///< nobody waits for it any more
+    CannotTranslate,  ///< a translation is asked of it, which it does not make
+    Failed,           ///< the recogniser gave up
+    Busy,             ///< others were before it until its time was over
+    TimedOut,         ///< it would take longer than it may
+    Unavailable,      ///< the recogniser is not running, and did not come back in time
 };
 
 /// A recording to be transcribed.
@@ -28,8 +30,11 @@ struct SpeechRequest {
     /// How often those who take long ask whether a request is abandoned.
     static constexpr std::chrono::milliseconds glance{250};
 
-    SpeechSamples samples = {};      ///< one channel at SpeechEngine::sampleRateHz
-    std::string_view language = {};  ///< as a client named it; empty when it did not
+    SpeechSamples samples = {};              ///< one channel at SpeechEngine::sampleRateHz
+    std::string_view language = {};          ///< as a client named it; empty when it did not
+    std::string_view prompt = {};            ///< words that may occur; engines may leave it aside
+    std::optional<double> temperature = {};  ///< 0 to 1: how daring to guess; likewise
+    bool translates = false;                 ///< into English, from whatever is spoken
     std::chrono::steady_clock::time_point deadline = std::chrono::steady_clock::time_point::max();
     /// Whether nobody waits for the text any more. Any thread.
     std::function<bool()> isAbandoned = [] { return false; };

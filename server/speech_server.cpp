@@ -1,7 +1,6 @@
 #include "server/speech_server.h"
 
 #include <atomic>
-#include <cstdio>
 
 #include <httplib.h>
 #include <sys/eventfd.h>
@@ -9,6 +8,7 @@
 
 #include "server/admission.h"
 #include "server/connection_pool.h"
+#include "server/text_forms.h"
 
 namespace quietlark {
 namespace {
@@ -56,6 +56,8 @@ void fill(httplib::Response& out, const HttpResponse& response) {
     if (!response.allowedMethod.empty()) out.set_header("Allow", response.allowedMethod);
     if (response.retryAfterSeconds > 0)
         out.set_header("Retry-After", std::to_string(response.retryAfterSeconds));
+    // OpenAI's clients would try again whatever the reason.
+    if (!response.isWorthRetrying) out.set_header("x-should-retry", "false");
     out.set_header("X-Content-Type-Options", "nosniff");
     out.set_header("Cross-Origin-Resource-Policy", "same-origin");
 }
@@ -102,7 +104,7 @@ private:
     void answer(const httplib::Request& request, httplib::Response& out);
     void describeError(const httplib::Request& request, httplib::Response& out);
     void logRequest(const httplib::Request& request, const httplib::Response& out,
-                    const char* times) const;
+                    const std::string& times) const;
 
     HttpApi& m_api;
     Log& m_log;
@@ -223,10 +225,9 @@ void SpeechServer::Listener::answer(const httplib::Request& request, httplib::Re
     const HttpResponse response = m_api.answer(contentOf(request));
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
     fill(out, response);
-    std::array<char, 64> times{};
-    std::snprintf(times.data(), times.size(), " audio=%.2fs elapsed=%.2fs", response.audioSeconds,
-                  elapsed.count());
-    logRequest(request, out, times.data());
+    logRequest(request, out,
+               " audio=" + decimals(response.audioSeconds) +
+                   "s elapsed=" + decimals(elapsed.count()) + "s");
 }
 
 void SpeechServer::Listener::describeError(const httplib::Request& request,
@@ -239,7 +240,8 @@ void SpeechServer::Listener::describeError(const httplib::Request& request,
 }
 
 void SpeechServer::Listener::logRequest(const httplib::Request& request,
-                                        const httplib::Response& out, const char* times) const {
+                                        const httplib::Response& out,
+                                        const std::string& times) const {
     m_log.write(out.status < 500 ? LogLevel::Info : LogLevel::Error,
                 (request.method.empty() ? "-" : request.method) + " " +
                     request.path.substr(0, longestLoggedPath) + " " + std::to_string(out.status) +

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,12 +14,29 @@ struct Transcript {
     struct Segment {
         double startSeconds = 0;
         double endSeconds = 0;
-        std::string text;
+        std::string text = {};
+        // What OpenAI's interface tells of a stretch; where an engine does not know, what says
+        // neither good nor bad.
+        std::int64_t seek = 0;          ///< where the engine looked, in its own units
+        std::vector<int> tokens = {};   ///< in the model's own numbers
+        double temperature = 0;         ///< 0 to 1: how daringly it was guessed
+        double meanLogProbability = 0;  ///< of the tokens; at most 0
+        double compressionRatio = 1;    ///< of the text; high when it repeats itself
+        double noSpeechProbability = 0;
     };
 
-    std::string text;      ///< UTF-8; empty when nothing was said
-    std::string language;  ///< its English name in lower case, such as "german"; empty if unknown
-    std::vector<Segment> segments;
+    /// One word; times as in a segment.
+    struct Word {
+        double startSeconds = 0;
+        double endSeconds = 0;
+        std::string text = {};
+    };
+
+    std::string text = {};      ///< UTF-8; empty when nothing was said
+    std::string language = {};  ///< its English name in lower case, "german"; empty if unknown
+    std::vector<Segment> segments = {};
+    std::optional<std::vector<Word>> words = {};  ///< absent when the engine does not know them
+    bool isTranslation = false;                   ///< into English
 };
 
 }  // namespace quietlark

@@ -6,6 +6,7 @@
 #include <cstdio>
 
 #include "server/json_text.h"
+#include "server/text_forms.h"
 
 namespace quietlark {
 namespace {
@@ -23,12 +24,6 @@ constexpr std::array<Description, 5> descriptions = {{
     {TranscriptFormat::Srt, "srt", "application/x-subrip; charset=utf-8"},
     {TranscriptFormat::Vtt, "vtt", "text/vtt; charset=utf-8"},
 }};
-
-std::string decimal(double seconds) {
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.2f", seconds);
-    return text.data();
-}
 
 /// "00:00:01,500"; `mark` stands before the milliseconds.
 std::string timestamp(double seconds, char mark) {
@@ -84,18 +79,52 @@ std::string asVtt(const Transcript& transcript) {
     return body;
 }
 
-std::string asVerboseJson(const Transcript& transcript, double audioSeconds) {
-    std::string body = R"({"task":"transcribe","language":)" + jsonString(transcript.language) +
-                       R"(,"duration":)" + decimal(audioSeconds) + R"(,"text":)" +
-                       jsonString(transcript.text) + R"(,"segments":[)";
-    std::size_t id = 0;
-    for (const auto& segment : transcript.segments) {
-        if (id > 0) body += ',';
-        body += R"({"id":)" + std::to_string(id++) + R"(,"start":)" +
-                decimal(segment.startSeconds) + R"(,"end":)" + decimal(segment.endSeconds) +
-                R"(,"text":)" + jsonString(segment.text) + "}";
+/// How many digits numbers have that may be very small.
+constexpr int fine = 4;
+
+template <typename Items, typename Write>
+std::string jsonArray(const Items& items, Write write) {
+    std::string array = "[";
+    for (const auto& item : items) {
+        if (array.size() > 1) array += ',';
+        array += write(item);
     }
-    return body + "]}";
+    return array + "]";
+}
+
+std::string jsonTimes(double startSeconds, double endSeconds) {
+    return R"("start":)" + decimals(startSeconds) + R"(,"end":)" + decimals(endSeconds);
+}
+
+std::string jsonSegment(const Transcript::Segment& segment, std::size_t id) {
+    const auto number = [](int token) { return std::to_string(token); };
+    return R"({"id":)" + std::to_string(id) + R"(,"seek":)" + std::to_string(segment.seek) + "," +
+           jsonTimes(segment.startSeconds, segment.endSeconds) + R"(,"text":)" +
+           jsonString(segment.text) + R"(,"tokens":)" + jsonArray(segment.tokens, number) +
+           R"(,"temperature":)" + decimals(segment.temperature) + R"(,"avg_logprob":)" +
+           decimals(segment.meanLogProbability, fine) + R"(,"compression_ratio":)" +
+           decimals(segment.compressionRatio) + R"(,"no_speech_prob":)" +
+           decimals(segment.noSpeechProbability, fine) + "}";
+}
+
+std::string jsonWord(const Transcript::Word& word) {
+    return R"({"word":)" + jsonString(word.text) + "," +
+           jsonTimes(word.startSeconds, word.endSeconds) + "}";
+}
+
+std::string asVerboseJson(const Transcript& transcript, double audioSeconds) {
+    const std::string task = transcript.isTranslation ? "translate" : "transcribe";
+    std::size_t id = 0;
+    std::string body =
+        R"({"task":)" + jsonString(task) + R"(,"language":)" + jsonString(transcript.language) +
+        R"(,"duration":)" + decimals(audioSeconds) + R"(,"text":)" + jsonString(transcript.text) +
+        R"(,"segments":)" + jsonArray(transcript.segments, [&id](const auto& segment) {
+            return jsonSegment(segment, id++);
+        });
+    if (transcript.words) body += R"(,"words":)" + jsonArray(*transcript.words, &jsonWord);
+    // Whole seconds, as they are counted there.
+    return body + R"(,"usage":{"type":"duration","seconds":)" +
+           decimals(std::ceil(audioSeconds), 0) + "}}";
 }
 
 }  // namespace

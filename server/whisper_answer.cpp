@@ -45,9 +45,39 @@ std::string textIn(const Json& object, const char* name) {
     return found != object.end() && found->is_string() ? found->get<std::string>() : std::string();
 }
 
-double numberIn(const Json& object, const char* name) {
+double numberIn(const Json& object, const char* name, double otherwise = 0) {
     const auto found = object.find(name);
-    return found != object.end() && found->is_number() ? found->get<double>() : 0;
+    return found != object.end() && found->is_number() ? found->get<double>() : otherwise;
+}
+
+std::vector<int> tokensIn(const Json& segment) {
+    std::vector<int> tokens;
+    const auto found = segment.find("tokens");
+    if (found == segment.end() || !found->is_array()) return tokens;
+    for (const Json& token : *found)
+        if (token.is_number_integer()) tokens.push_back(token.get<int>());
+    return tokens;
+}
+
+/// The words of the segments, which are told in the model's tokens: one that does not begin with a
+/// blank goes on with the word before it. Absent when a segment does not tell them.
+std::optional<std::vector<Transcript::Word>> wordsIn(const Json& answer) {
+    std::vector<Transcript::Word> words;
+    const auto segments = answer.find("segments");
+    if (segments == answer.end() || !segments->is_array()) return std::nullopt;
+    for (const Json& segment : *segments) {
+        const auto tokens = segment.find("words");
+        if (!segment.is_object() || tokens == segment.end() || !tokens->is_array())
+            return std::nullopt;
+        for (const Json& token : *tokens) {
+            std::string text = textIn(token, "word");
+            const bool isNew = words.empty() || text.starts_with(' ');
+            if (isNew) words.push_back({.startSeconds = numberIn(token, "start")});
+            words.back().endSeconds = numberIn(token, "end");
+            words.back().text += text.erase(0, isNew ? text.find_first_not_of(' ') : 0);
+        }
+    }
+    return words;
 }
 
 std::vector<Transcript::Segment> segmentsIn(const Json& answer) {
@@ -58,7 +88,13 @@ std::vector<Transcript::Segment> segmentsIn(const Json& answer) {
         if (!segment.is_object()) continue;
         segments.push_back({.startSeconds = numberIn(segment, "start"),
                             .endSeconds = numberIn(segment, "end"),
-                            .text = textIn(segment, "text")});
+                            .text = textIn(segment, "text"),
+                            .seek = static_cast<std::int64_t>(numberIn(segment, "seek")),
+                            .tokens = tokensIn(segment),
+                            .temperature = numberIn(segment, "temperature"),
+                            .meanLogProbability = numberIn(segment, "avg_logprob"),
+                            .compressionRatio = numberIn(segment, "compression_ratio", 1),
+                            .noSpeechProbability = numberIn(segment, "no_speech_prob")});
     }
     return segments;
 }
@@ -85,7 +121,8 @@ std::optional<Transcript> parseWhisperAnswer(std::string_view body) {
     if (segments.empty()) whole = text->get<std::string>();
     return Transcript{.text = asOneLine(std::move(whole)),
                       .language = textIn(answer, "language"),
-                      .segments = std::move(segments)};
+                      .segments = std::move(segments),
+                      .words = wordsIn(answer)};
 }
 
 }  // namespace quietlark

@@ -10,6 +10,7 @@
 #include <httplib.h>
 
 #include "audio/wav.h"
+#include "server/text_forms.h"
 #include "server/whisper_answer.h"
 
 namespace quietlark {
@@ -36,24 +37,31 @@ std::string fileOf(std::span<const std::int16_t> samples) {
 }
 
 httplib::MultipartFormDataItems formOf(const SpeechRequest& request, const std::string& language) {
-    return {field("response_format", "verbose_json"),
-            field("language", language),
-            // It cuts long segments in two; this keeps it from doing so within a word.
-            field("split_on_word", "true"),
-            // Otherwise it looks at the recording once more, for how likely each language is.
-            field("no_language_probabilities", "true"),
-            {.name = "file",
-             .content = fileOf(request.samples.get()),
-             .filename = "audio.wav",
-             .content_type = "audio/wav"}};
+    httplib::MultipartFormDataItems form{
+        field("response_format", "verbose_json"),
+        field("language", language),
+        // It cuts long segments in two; this keeps it from doing so within a word.
+        field("split_on_word", "true"),
+        // Otherwise it looks at the recording once more, for how likely each language is.
+        field("no_language_probabilities", "true"),
+        {.name = "file",
+         .content = fileOf(request.samples.get()),
+         .filename = "audio.wav",
+         .content_type = "audio/wav"}};
+    if (request.translates) form.push_back(field("translate", "true"));
+    if (!request.prompt.empty()) form.push_back(field("prompt", std::string(request.prompt)));
+    if (request.temperature) form.push_back(field("temperature", decimals(*request.temperature)));
+    return form;
 }
 
 /// Without times after the end of the recording, where only our silence is.
 Transcript within(double seconds, Transcript transcript) {
-    for (auto& segment : transcript.segments) {
-        segment.startSeconds = std::min(segment.startSeconds, seconds);
-        segment.endSeconds = std::min(segment.endSeconds, seconds);
-    }
+    const auto clamp = [seconds](auto& stretch) {
+        stretch.startSeconds = std::min(stretch.startSeconds, seconds);
+        stretch.endSeconds = std::min(stretch.endSeconds, seconds);
+    };
+    std::ranges::for_each(transcript.segments, clamp);
+    if (transcript.words) std::ranges::for_each(*transcript.words, clamp);
     return transcript;
 }
 
@@ -112,10 +120,11 @@ tl::expected<Transcript, EngineError> WhisperClient::transcribe(const SpeechRequ
     if (!answer && std::chrono::steady_clock::now() >= request.deadline)
         return tl::unexpected(EngineError::TimedOut);
     if (!answer) return tl::unexpected(EngineError::Unavailable);
-    const auto transcript = parseWhisperAnswer(answer->body);
+    auto transcript = parseWhisperAnswer(answer->body);
     if (answer->status != 200 || !transcript) return tl::unexpected(EngineError::Failed);
     const auto samples = static_cast<double>(request.samples.get().size());
-    return within(samples / SpeechEngine::sampleRateHz, *transcript);
+    transcript->isTranslation = request.translates;
+    return within(samples / SpeechEngine::sampleRateHz, std::move(*transcript));
 }
 
 }  // namespace quietlark

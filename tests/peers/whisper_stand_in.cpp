@@ -11,6 +11,7 @@
 // The first sample of a recording says what happens to it: 101 ends the program, 102 makes it hang,
 // 103 gives a broken answer, 104 an error, 105 text that is no UTF-8.
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdlib>
@@ -52,6 +53,19 @@ std::string valueOf(const httplib::Request& request, const char* field) {
     return request.get_file_value(field).content;
 }
 
+/// The tokens of a segment, each of which begins with its blank, if with one.
+std::string wordsOf(const std::string& text, double start, double end) {
+    std::string words;
+    for (std::size_t begin = 0; begin < text.size();) {
+        const std::size_t next = std::min(text.find(' ', begin + 1), text.size());
+        words += std::string(words.empty() ? "" : ",") + R"({"word":")" +
+                 text.substr(begin, next - begin) + R"(","start":)" + std::to_string(start) +
+                 R"(,"end":)" + std::to_string(end) + "}";
+        begin = next;
+    }
+    return "[" + words + "]";
+}
+
 /// In verbose_json, each segment as long as the others.
 std::string answerOf(const std::array<std::string, 3>& texts, double seconds) {
     std::string text;
@@ -62,7 +76,8 @@ std::string answerOf(const std::array<std::string, 3>& texts, double seconds) {
         text += texts[i] + "\\n";
         segments += std::string(i > 0 ? "," : "") + R"({"id":)" + std::to_string(i) +
                     R"(,"text":")" + texts[i] + R"(","start":)" + std::to_string(start) +
-                    R"(,"end":)" + std::to_string(start + length) + "}";
+                    R"(,"end":)" + std::to_string(start + length) + R"(,"words":)" +
+                    wordsOf(texts[i], start, start + length) + "}";
     }
     return R"({"task":"transcribe","language":"english","duration":)" + std::to_string(seconds) +
            R"(,"text":")" + text + R"(","segments":[)" + segments + "]}";
@@ -106,7 +121,8 @@ private:
         }
         const std::lock_guard lock(m_model);
         std::cerr << "stand-in has a recording";
-        for (const char* field : {"split_on_word", "no_language_probabilities"})
+        for (const char* field :
+             {"split_on_word", "no_language_probabilities", "translate", "prompt", "temperature"})
             std::cerr << " " << field << "=" << valueOf(request, field);
         std::cerr << std::endl;
         const auto samples = wav->convertedTo(wav->sampleRateHz());

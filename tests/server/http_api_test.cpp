@@ -14,7 +14,7 @@ protected:
         return m_api.answer({.method = "GET", .path = path, .form = {}});
     }
 
-    using Form = std::map<std::string_view, std::string_view>;
+    using Form = std::multimap<std::string_view, std::string_view>;
 
     HttpResponse post(const Form& form, std::string_view path = "/inference") {
         return m_api.answer({.method = "POST", .path = path, .form = form});
@@ -81,6 +81,44 @@ TEST_F(HttpApiTest, TranscriptsComeInEveryFormatThatClientsKnow) {
     EXPECT_TRUE(post({{"file", m_wav}, {"response_format", "vtt"}}).body.starts_with("WEBVTT"));
 }
 
+TEST_F(HttpApiTest, TheTimesOfWordsAreGivenWhereTheEngineKnowsThem) {
+    const Form form{{"file", m_wav},
+                    {"response_format", "verbose_json"},
+                    {"timestamp_granularities[]", "segment"},
+                    {"timestamp_granularities[]", "word"}};
+    EXPECT_EQ(post(form).status, 400);
+    m_engine.words = {{0, 0.5, "hello"}};
+    EXPECT_NE(post(form).body.find(R"("words":[{"word":"hello","start":0.00,"end":0.50}])"),
+              std::string::npos);
+    const auto silent = post({{"file", m_wav}, {"response_format", "verbose_json"}});
+    EXPECT_EQ(silent.body.find("words"), std::string::npos);
+}
+
+TEST_F(HttpApiTest, TimesOfAnythingElseOrInAnotherFormatAreRefused) {
+    EXPECT_EQ(post({{"file", m_wav}, {"timestamp_granularities[]", "segment"}}).status, 200);
+    EXPECT_EQ(post({{"file", m_wav}, {"timestamp_granularities[]", "word"}}).status, 400);
+    EXPECT_EQ(post({{"file", m_wav}, {"timestamp_granularities[]", "letter"}}).status, 400);
+}
+
+TEST_F(HttpApiTest, PromptTemperatureAndTranslationReachTheEngine) {
+    EXPECT_EQ(post({{"file", m_wav},
+                    {"prompt", "Quietlark"},
+                    {"temperature", "0.4"},
+                    {"translate", "true"}})
+                  .status,
+              200);
+    EXPECT_EQ(m_engine.asked(), "Quietlark 0.40 translated");
+    EXPECT_EQ(post({{"file", m_wav}, {"translate", "false"}}).status, 200);
+    EXPECT_EQ(m_engine.asked(), " -");
+    for (const char* temperature : {"warm", "1.1", "-1", "nan", "0.5 "})
+        EXPECT_EQ(post({{"file", m_wav}, {"temperature", temperature}}).status, 400) << temperature;
+}
+
+TEST_F(HttpApiTest, ATranslationThatTheEngineDoesNotMakeIsRefused) {
+    m_engine.result = tl::unexpected(EngineError::CannotTranslate);
+    EXPECT_EQ(post({{"file", m_wav}, {"translate", "true"}}).status, 400);
+}
+
 TEST_F(HttpApiTest, AModelIsDescribedByItsName) {
     EXPECT_EQ(get("/v1/models/fake-model").status, 200);
     const auto other = get("/v1/models/other");
@@ -99,7 +137,7 @@ TEST_F(HttpApiTest, TheLanguageOfTheSettingsIsForRequestsWithoutOne) {
     const HttpRequest silent{.method = "POST", .path = "/inference", .form = {{"file", m_wav}}};
     EXPECT_EQ(german.answer(silent).status, 400);
     auto english = silent;
-    english.form["language"] = "en";
+    english.form.emplace("language", "en");
     EXPECT_EQ(german.answer(english).status, 200);
 }
 
@@ -155,6 +193,7 @@ TEST_F(HttpApiTest, AnEngineThatGivesUpIsTheServersFault) {
     m_engine.result = tl::unexpected(EngineError::Failed);
     const auto response = post({{"file", m_wav}});
     EXPECT_EQ(response.status, 500);
+    EXPECT_FALSE(response.isWorthRetrying);
     EXPECT_NE(response.body.find("server_error"), std::string::npos);
 }
 
@@ -164,6 +203,7 @@ TEST_F(HttpApiTest, ABusyServerTellsWhenToComeBack) {
         const auto response = post({{"file", m_wav}});
         EXPECT_EQ(response.status, 503);
         EXPECT_GT(response.retryAfterSeconds, 0);
+        EXPECT_TRUE(response.isWorthRetrying);
     }
 }
 
@@ -172,6 +212,7 @@ TEST_F(HttpApiTest, ARecordingThatTakesTooLongIsNotToBeTriedAgain) {
     const auto response = post({{"file", m_wav}});
     EXPECT_EQ(response.status, 503);
     EXPECT_EQ(response.retryAfterSeconds, 0);
+    EXPECT_FALSE(response.isWorthRetrying);
 }
 
 TEST_F(HttpApiTest, AServerThatStopsSaysSo) {

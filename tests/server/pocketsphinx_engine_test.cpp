@@ -104,6 +104,18 @@ TEST_F(PocketSphinxEngineTest, EnglishIsUnderstoodAndNothingElse) {
         EXPECT_FALSE(m_engine->understands(language)) << language;
 }
 
+TEST_F(PocketSphinxEngineTest, ItDoesNotTranslate) {
+    const auto transcript = m_engine->transcribe({.translates = true});
+    EXPECT_EQ(transcript.error(), EngineError::CannotTranslate);
+}
+
+TEST_F(PocketSphinxEngineTest, ARecordingThatNobodyWaitsForIsGivenUp) {
+    const std::vector<std::int16_t> silence(16000);
+    const auto transcript =
+        m_engine->transcribe({.samples = silence, .isAbandoned = [] { return true; }});
+    EXPECT_EQ(transcript.error(), EngineError::Abandoned);
+}
+
 TEST_F(PocketSphinxEngineTest, AStoppedEngineTranscribesNoMore) {
     const std::vector<std::int16_t> silence(16000);
     EXPECT_TRUE(m_engine->isReady());

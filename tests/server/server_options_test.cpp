@@ -86,6 +86,22 @@ TEST(ServerOptionsTest, AWrongSettingIsNamed) {
               "QUIETLARK_SERVER_SHARE: Sharing must be yes or no.");
 }
 
+TEST(ServerOptionsTest, ASettingThatMeansNothingIsNamed) {
+    const auto none = [](const std::string&) { return std::nullopt; };
+    EXPECT_TRUE(ServerOptions::parse({}, none, {"PATH", "QUIETLARK_SERVER_MAX_AUDIO"}));
+    EXPECT_EQ(ServerOptions::parse({}, none, {"QUIETLARK_SERVER_MAXAUDIO"}).error(),
+              "There is no setting QUIETLARK_SERVER_MAXAUDIO.");
+    EXPECT_TRUE(ServerOptions::parse({"--help"}, none, {"QUIETLARK_SERVER_MAXAUDIO"}));
+}
+
+TEST(ServerOptionsTest, SharingMayBeTakenBackOnTheCommandLine) {
+    const Settings shared{{"QUIETLARK_SERVER_SHARE", "yes"}};
+    EXPECT_EQ(parsed({"--share=no"}, shared).audience, Audience::ThisComputer);
+    EXPECT_EQ(parsed({"--share=yes"}).audience, Audience::Network);
+    EXPECT_EQ(refused({"--share=maybe"}), "Sharing must be yes or no.");
+    EXPECT_EQ(refused({"--share", "no"}), "There is no option no.");
+}
+
 TEST(ServerOptionsTest, SharingListensOnEveryAddress) {
     EXPECT_EQ(parsed({"--share"}).host, "::");
     EXPECT_EQ(parsed({"--share", "--host", "127.0.0.1"}).host, "127.0.0.1");
@@ -103,6 +119,8 @@ TEST(ServerOptionsTest, BenchTakesAFile) {
     const auto options = parsed({"bench", "--engine", "pocketsphinx", "a.wav"});
     EXPECT_EQ(options.action, ServerOptions::Action::Bench);
     EXPECT_EQ(options.benchFile, "a.wav");
+    EXPECT_EQ(parsed({"--engine", "pocketsphinx", "bench", "a.wav"}).benchFile, "a.wav");
+    EXPECT_EQ(parsed({"bench", "bench"}).benchFile, "bench");
     EXPECT_EQ(refused({"bench"}), "bench needs a WAV file.");
     EXPECT_EQ(refused({"bench", "a.wav", "b.wav"}), "There is no option b.wav.");
 }
@@ -126,6 +144,8 @@ TEST(ServerOptionsTest, WrongUsageIsNamed) {
     EXPECT_EQ(refused({"--host"}), "The option --host needs a value.");
     EXPECT_EQ(refused({"--host="}), "The option --host needs a value.");
     EXPECT_EQ(refused({"--engine=tea"}), "The engine must be auto, whisper or pocketsphinx.");
+    EXPECT_EQ(refused({"--max-waiting=1001"}),
+              "The number of waiting uploads must be a number from 0 to 1000.");
     EXPECT_EQ(refused({"--max-audio=0"}),
               "The longest recording in seconds must be a number from 1 to 86400.");
     EXPECT_EQ(refused({"--name", std::string(64, 'n')}), "The name is longer than 63 bytes.");

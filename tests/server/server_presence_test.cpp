@@ -85,6 +85,15 @@ TEST_F(ServerPresenceTest, TheFileKeepsUpAndTheNetworkHearsOfChangesByMoreThanAT
     EXPECT_EQ(m_announcer.announcements, 3);
 }
 
+TEST_F(ServerPresenceTest, ChangesThatNobodyWouldNoticeAreNotWritten) {
+    appear();
+    m_presence.setSpeed(4.03);
+    m_presence.setSpeed(3.97);
+    EXPECT_NE(file().find("rtf=4.00"), std::string::npos);
+    m_presence.setSpeed(4.05);
+    EXPECT_NE(file().find("rtf=4.05"), std::string::npos);
+}
+
 TEST_F(ServerPresenceTest, WhileItCannotTranscribeItIsNotThere) {
     appear();
     m_presence.setReady(false);

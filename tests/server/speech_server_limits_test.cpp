@@ -158,6 +158,14 @@ TEST_F(CrowdedServerTest, ChunksWithoutEndAreCutOff) {
     EXPECT_EQ(client.receive().status, 400);
 }
 
+TEST_F(CrowdedServerTest, WhatWouldFailAgainIsNotToBeTriedAgain) {
+    m_engine.result = tl::unexpected(EngineError::Failed);
+    const auto answer = connected()->ask(m_upload);
+    EXPECT_EQ(answer.status, 500);
+    EXPECT_NE(answer.head.find("x-should-retry: false"), std::string::npos);
+    EXPECT_EQ(connected()->ask(getModels).head.find("x-should-retry"), std::string::npos);
+}
+
 TEST_F(CrowdedServerTest, AnUploadMakesRoomWhenItIsOver) {
     RawHttpClient client(m_server.port());
     for (int i = 0; i < 5; ++i)

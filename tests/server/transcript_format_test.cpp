@@ -5,10 +5,17 @@
 namespace quietlark {
 namespace {
 
-const Transcript transcript{
-    .text = "Hello there. How <are> you?",
-    .language = "english",
-    .segments = {{0, 1.5, " Hello there."}, {3661.0625, 3662, "How <are>\nyou?"}}};
+const Transcript transcript{.text = "Hello there. How <are> you?",
+                            .language = "english",
+                            .segments = {{0, 1.5, " Hello there."},
+                                         {.startSeconds = 3661.0625,
+                                          .endSeconds = 3662,
+                                          .text = "How <are>\nyou?",
+                                          .tokens = {7, 8},
+                                          .temperature = 0.2,
+                                          .meanLogProbability = -0.28154,
+                                          .compressionRatio = 1.36,
+                                          .noSpeechProbability = 0.0098}}};
 
 std::string as(TranscriptFormat format) {
     return formatted(transcript, format, 3662.25);
@@ -34,8 +41,23 @@ TEST(TranscriptFormatTest, VerboseJsonHoldsLanguageDurationAndSegments) {
     EXPECT_EQ(as(TranscriptFormat::VerboseJson),
               R"({"task":"transcribe","language":"english","duration":3662.25,)"
               R"("text":"Hello there. How <are> you?","segments":[)"
-              R"({"id":0,"start":0.00,"end":1.50,"text":" Hello there."},)"
-              R"({"id":1,"start":3661.06,"end":3662.00,"text":"How <are>\u000ayou?"}]})");
+              R"({"id":0,"seek":0,"start":0.00,"end":1.50,"text":" Hello there.","tokens":[],)"
+              R"("temperature":0.00,"avg_logprob":0.0000,"compression_ratio":1.00,)"
+              R"("no_speech_prob":0.0000},)"
+              R"({"id":1,"seek":0,"start":3661.06,"end":3662.00,"text":"How <are>\u000ayou?",)"
+              R"("tokens":[7,8],"temperature":0.20,"avg_logprob":-0.2815,)"
+              R"("compression_ratio":1.36,"no_speech_prob":0.0098}],)"
+              R"("usage":{"type":"duration","seconds":3663}})");
+}
+
+TEST(TranscriptFormatTest, VerboseJsonHoldsWordsAndTranslationsWhereThereAreSome) {
+    const Transcript words{.words = {{{0.25, 0.5, "Hi"}, {0.5, 1, "\"you\""}}},
+                           .isTranslation = true};
+    EXPECT_EQ(formatted(words, TranscriptFormat::VerboseJson, 1),
+              R"({"task":"translate","language":"","duration":1.00,"text":"","segments":[],)"
+              R"("words":[{"word":"Hi","start":0.25,"end":0.50},)"
+              R"({"word":"\"you\"","start":0.50,"end":1.00}],)"
+              R"("usage":{"type":"duration","seconds":1}})");
 }
 
 TEST(TranscriptFormatTest, SrtNumbersItsSubtitles) {
@@ -54,7 +76,8 @@ TEST(TranscriptFormatTest, NothingSaidIsAnEmptyDocument) {
     EXPECT_EQ(formatted({}, TranscriptFormat::Srt, 1), "");
     EXPECT_EQ(formatted({}, TranscriptFormat::Vtt, 1), "WEBVTT\n\n");
     EXPECT_EQ(formatted({}, TranscriptFormat::VerboseJson, 1),
-              R"({"task":"transcribe","language":"","duration":1.00,"text":"","segments":[]})");
+              R"({"task":"transcribe","language":"","duration":1.00,"text":"","segments":[],)"
+              R"("usage":{"type":"duration","seconds":1}})");
 }
 
 }  // namespace quietlark

@@ -26,6 +26,48 @@ TEST(WhisperAnswerTest, TextLanguageAndSegmentsAreRead) {
     EXPECT_EQ(transcript->segments[0].text, " Guten Tag.");
 }
 
+TEST(WhisperAnswerTest, WhatItTellsOfASegmentIsKept) {
+    const auto segments =
+        parseWhisperAnswer(
+            R"({"text":"a b","segments":[{"text":"a","tokens":[50364,7],"temperature":0.2,)"
+            R"("avg_logprob":-0.25,"no_speech_prob":0.125},)"
+            R"({"text":" b","tokens":["x"],"avg_logprob":null,"compression_ratio":1.5}]})")
+            ->segments;
+    ASSERT_EQ(segments.size(), 2U);
+    EXPECT_EQ(segments[0].tokens, (std::vector<int>{50364, 7}));
+    EXPECT_EQ(segments[0].temperature, 0.2);
+    EXPECT_EQ(segments[0].meanLogProbability, -0.25);
+    EXPECT_EQ(segments[0].compressionRatio, 1);
+    EXPECT_EQ(segments[0].noSpeechProbability, 0.125);
+    EXPECT_TRUE(segments[1].tokens.empty());
+    EXPECT_EQ(segments[1].meanLogProbability, 0);
+    EXPECT_EQ(segments[1].compressionRatio, 1.5);
+}
+
+TEST(WhisperAnswerTest, TokensAreJoinedToWords) {
+    const auto words =
+        parseWhisperAnswer(
+            R"({"text":"x","segments":[{"text":"x","words":[)"
+            R"({"word":" your","start":0.1,"end":0.2},{"word":" coun","start":0.2,"end":0.4}]},)"
+            R"({"text":"x","words":[{"word":"try","start":0.4,"end":0.5},)"
+            R"({"word":".","start":0.5,"end":0.6}]}]})")
+            ->words;
+    ASSERT_TRUE(words);
+    ASSERT_EQ(words->size(), 2U);
+    EXPECT_EQ((*words)[0].text, "your");
+    EXPECT_EQ((*words)[1].text, "country.");
+    EXPECT_EQ((*words)[1].startSeconds, 0.2);
+    EXPECT_EQ((*words)[1].endSeconds, 0.6);
+}
+
+TEST(WhisperAnswerTest, WordsThatAreNotToldAreUnknown) {
+    EXPECT_FALSE(parseWhisperAnswer(R"({"text":"a"})")->words);
+    EXPECT_FALSE(parseWhisperAnswer(R"({"text":"a","segments":[{"text":"a"}]})")->words);
+    EXPECT_FALSE(parseWhisperAnswer(R"({"text":"a","segments":[7]})")->words);
+    EXPECT_TRUE(parseWhisperAnswer(R"({"text":"","segments":[]})")->words->empty());
+    EXPECT_TRUE(parseWhisperAnswer(R"({"text":"","segments":[{"words":[7,{}]}]})")->words);
+}
+
 TEST(WhisperAnswerTest, TheTextAloneIsEnough) {
     EXPECT_EQ(parseWhisperAnswer(R"({"text":""})")->text, "");
     EXPECT_EQ(parseWhisperAnswer(R"({"text":" \n"})")->text, "");

@@ -106,6 +106,18 @@ TEST_F(WhisperEngineTest, TheChildIsAskedForWholeWordsAndNoMoreThanItsText) {
     }));
 }
 
+TEST_F(WhisperEngineTest, WhatElseARequestAsksForReachesTheChild) {
+    start("");
+    const std::vector<std::int16_t> samples(32000);
+    const auto transcript = m_engine->transcribe(
+        {.samples = samples, .prompt = "Quietlark", .temperature = 0.4, .translates = true});
+    EXPECT_TRUE(transcript->isTranslation);
+    ASSERT_EQ(transcript->words->size(), 3U);
+    EXPECT_EQ(transcript->words->front().text, "samples=32000");
+    EXPECT_TRUE(waitUntil(
+        [this] { return m_log.contains("translate=true prompt=Quietlark temperature=0.40"); }));
+}
+
 TEST_F(WhisperEngineTest, AVeryShortRecordingIsFollowedBySilence) {
     start("");
     const std::vector<std::int16_t> samples{7, 0};

@@ -35,13 +35,16 @@ TEST(WhisperModelTest, SomeAreForEnglishAlone) {
     EXPECT_FALSE(isEnglishOnly("whisper-large-v3-turbo"));
 }
 
-TEST(WhisperLanguagesTest, LanguagesAreKnownByTheirCodes) {
+TEST(WhisperLanguagesTest, LanguagesAreKnownByTheirCodesAndNames) {
     EXPECT_EQ(whisperLanguage(""), "auto");
     EXPECT_EQ(whisperLanguage("auto"), "auto");
     EXPECT_EQ(whisperLanguage("DE"), "de");
     EXPECT_EQ(whisperLanguage("pt-BR"), "pt");
     EXPECT_EQ(whisperLanguage("zh_CN"), "zh");
     EXPECT_EQ(whisperLanguage("yue"), "yue");
+    EXPECT_EQ(whisperLanguage("german"), "de");
+    EXPECT_EQ(whisperLanguage("English"), "en");
+    EXPECT_EQ(whisperLanguage("Haitian Creole"), "ht");
     for (const char* name : {"xx", "e", "engl", "-", "en ", "\xff"})
         EXPECT_FALSE(whisperLanguage(name)) << name;
 }
