@@ -11,13 +11,13 @@
 namespace quietlark {
 namespace {
 
-/// Before the bus is tried again.
-constexpr std::chrono::milliseconds betweenSessions{5000};
+/// Before the bus, or a daemon that does not do as it is told, is tried again.
+constexpr std::chrono::milliseconds betweenTries{5000};
 
 void waitForWake(int wakeEvent) {
     pollfd descriptor{wakeEvent, POLLIN, 0};
     eventfd_t ignored = 0;
-    if (poll(&descriptor, 1, static_cast<int>(betweenSessions.count())) > 0)
+    if (poll(&descriptor, 1, static_cast<int>(betweenTries.count())) > 0)
         eventfd_read(wakeEvent, &ignored);
 }
 
@@ -59,8 +59,9 @@ void AvahiAnnouncer::run() {
     while (!isEnding()) {
         if (!session) session = AvahiSession::open(m_log);
         if (session) {
-            session->update(wanted());
-            if (!session->wait(m_wakeEvent)) session.reset();
+            const bool isDone = session->update(wanted());
+            const auto limit = isDone ? std::nullopt : std::optional(betweenTries);
+            if (!session->wait(m_wakeEvent, limit)) session.reset();
         }
         if (!session) waitForWake(m_wakeEvent);
     }

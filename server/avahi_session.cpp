@@ -130,22 +130,26 @@ void AvahiSession::heard(sd_bus_message* signal) {
     if (state == groupCollision) takeAnotherName();
 }
 
-void AvahiSession::update(const std::optional<ServiceAnnouncement>& wanted) {
-    if (wanted == m_published) return;
+bool AvahiSession::update(const std::optional<ServiceAnnouncement>& wanted) {
+    if (wanted == m_published) return true;
     const bool isAnnounced =
         wanted && m_published && differInTxtAlone(*wanted, *m_published) && updateTxt(*wanted);
     if (!isAnnounced) freeGroup();
-    if (wanted && !isAnnounced && (!isServerRunning() || !publish(*wanted))) return;
-    m_published = wanted;
+    const bool isDone = !wanted || isAnnounced || (isServerRunning() && publish(*wanted));
+    if (isDone) m_published = wanted;
+    if (!isDone && !m_hasFailed)
+        m_log.write(LogLevel::Info, "waiting for Avahi to announce " + wanted->name);
+    m_hasFailed = !isDone;
+    return isDone;
 }
 
-bool AvahiSession::wait(int wakeEvent) {
+bool AvahiSession::wait(int wakeEvent, std::optional<std::chrono::milliseconds> limit) {
     const int processed = sd_bus_process(m_bus.get(), nullptr);
     if (processed != 0) return processed > 0;
     std::array<pollfd, 2> descriptors{
         {{sd_bus_get_fd(m_bus.get()), static_cast<short>(sd_bus_get_events(m_bus.get())), 0},
          {wakeEvent, POLLIN, 0}}};
-    poll(descriptors.data(), descriptors.size(), -1);
+    poll(descriptors.data(), descriptors.size(), limit ? static_cast<int>(limit->count()) : -1);
     eventfd_t ignored = 0;
     if (descriptors[1].revents != 0) eventfd_read(wakeEvent, &ignored);
     return true;
@@ -172,7 +176,6 @@ bool AvahiSession::publish(const ServiceAnnouncement& wanted) {
         m_log.write(LogLevel::Info, "announced as " + m_name);
         return true;
     }
-    m_log.write(LogLevel::Error, "Avahi does not announce " + m_name);
     freeGroup();
     return false;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
@@ -21,13 +22,13 @@ public:
     AvahiSession(const AvahiSession&) = delete;
     AvahiSession& operator=(const AvahiSession&) = delete;
 
-    /// Makes Avahi announce just that, or nothing, if it is running; to be asked again after every
-    /// wait().
-    void update(const std::optional<ServiceAnnouncement>& wanted);
+    /// Makes Avahi announce just that, or nothing; to be asked again after every wait(). False when
+    /// it cannot: it is not running, does not answer or has no room.
+    [[nodiscard]] bool update(const std::optional<ServiceAnnouncement>& wanted);
 
-    /// Waits until the bus has something to say, and hears it, or until `wakeEvent` is readable.
-    /// False when the connection is lost.
-    [[nodiscard]] bool wait(int wakeEvent);
+    /// Waits until the bus has something to say, and hears it, until `wakeEvent` is readable, or
+    /// until the time is over, if there is a limit. False when the connection is lost.
+    [[nodiscard]] bool wait(int wakeEvent, std::optional<std::chrono::milliseconds> limit);
 
 private:
     struct Closer {
@@ -56,6 +57,7 @@ private:
     std::string m_requestedName;
     std::string m_name;  ///< that one, or another when somebody else has it
     std::optional<ServiceAnnouncement> m_published;  ///< as it was wanted
+    bool m_hasFailed = false;                        ///< since it was last published
 };
 
 }  // namespace quietlark

@@ -96,9 +96,10 @@ ServerProgram::Outcome ServerProgram::listen(SpeechServer& server) {
     const bool isShared = m_options.audience == Audience::Network;
     if (!m_options.port && isShared && server.bind(m_options.host, usualSharedPort)) return {};
     const int port = m_options.port.value_or(0);
-    if (server.bind(m_options.host, port)) return {};
-    return tl::unexpected("Cannot listen on " + localAddress(m_options.host, port) +
-                          ". Another program may be using it.");
+    const auto bound = server.bind(m_options.host, port);
+    if (bound) return {};
+    return tl::unexpected("Cannot listen on " + localAddress(m_options.host, port) + ": " +
+                          bound.error() + ".");
 }
 
 ServerProgram::Outcome ServerProgram::appear(int port) {

@@ -1,6 +1,8 @@
 #include "server/speech_server.h"
 
 #include <atomic>
+#include <cerrno>
+#include <cstring>
 
 #include <httplib.h>
 #include <sys/eventfd.h>
@@ -253,15 +255,24 @@ SpeechServer::SpeechServer(HttpApi& api, Log& log, ClientPatience patience)
 
 SpeechServer::~SpeechServer() = default;
 
-bool SpeechServer::bind(const std::string& host, int port) {
+tl::expected<void, std::string> SpeechServer::bind(const std::string& host, int port) {
+    errno = 0;
+    bool isTaken = take(host, port);
+    if (!isTaken && host == "::" && errno != EADDRINUSE) isTaken = take("0.0.0.0", port);
+    // The library leaves the reason where the system put it, if it came as far as asking that.
+    if (!isTaken && errno == 0) return tl::unexpected(std::string("There is no such address"));
+    if (!isTaken) return tl::unexpected(std::string(std::strerror(errno)));
+    m_listener->lengthenQueue();
+    return {};
+}
+
+bool SpeechServer::take(const std::string& host, int port) {
     if (port == 0) {
         m_port = m_listener->bind_to_any_port(host);
     } else {
         m_port = m_listener->bind_to_port(host, port) ? port : -1;
     }
-    if (m_port < 0) return false;
-    m_listener->lengthenQueue();
-    return true;
+    return m_port >= 0;
 }
 
 bool SpeechServer::run() {

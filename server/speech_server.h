@@ -3,6 +3,8 @@
 #include <memory>
 #include <string>
 
+#include <tl/expected.hpp>
+
 #include "platform/log.h"
 #include "server/http_api.h"
 #include "server/http_connection.h"
@@ -16,9 +18,10 @@ public:
     SpeechServer(HttpApi& api, Log& log, ClientPatience patience = {});
     ~SpeechServer();
 
-    /// Takes the address, so that clients can connect; port 0 takes a free one. False when the
-    /// address cannot be had.
-    [[nodiscard]] bool bind(const std::string& host, int port);
+    /// Takes the address, so that clients can connect; port 0 takes a free one. "::" means all of
+    /// this computer's, or those of IPv4 where there are no others. The error is the system's
+    /// reason.
+    [[nodiscard]] tl::expected<void, std::string> bind(const std::string& host, int port);
 
     /// The port that bind() took.
     [[nodiscard]] int port() const { return m_port; }
@@ -31,6 +34,8 @@ public:
 
 private:
     class Listener;
+
+    [[nodiscard]] bool take(const std::string& host, int port);
 
     std::unique_ptr<Listener> m_listener;
     int m_port = 0;

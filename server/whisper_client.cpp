@@ -96,9 +96,14 @@ WhisperClient::Health WhisperClient::health(std::chrono::milliseconds limit) con
     httplib::Client client(loopback, m_address.port);
     client.set_connection_timeout(limit);
     client.set_read_timeout(limit);
-    const auto answer = client.Get((m_address.path + "/health").c_str());
-    if (!answer) return Health::NoAnswer;
-    return answer->status == 503 ? Health::Loading : Health::Ready;
+    const auto statusOf = [&](const char* page) {
+        const auto answer = client.Get((m_address.path + page).c_str());
+        return answer ? answer->status : 0;
+    };
+    const int status = statusOf("/health");
+    if (status == 503) return Health::Loading;
+    return status == 200 || (status == 404 && statusOf("/") == 200) ? Health::Ready
+                                                                    : Health::NoAnswer;
 }
 
 tl::expected<Transcript, EngineError> WhisperClient::transcribe(const SpeechRequest& request,

@@ -21,7 +21,8 @@ public:
 
     explicit WhisperClient(Address address);
 
-    /// What it says of itself. A version that does not know the question is ready when it answers.
+    /// What it says of itself. A version that does not know the question is ready when it shows its
+    /// page. Another program, at an address that was meant for it, is as good as none.
     [[nodiscard]] Health health(std::chrono::milliseconds limit) const;
 
     /// Has a recording transcribed; `language` is one of whisperLanguage(). Unavailable means that

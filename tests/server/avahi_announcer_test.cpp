@@ -117,6 +117,14 @@ TEST_F(AvahiAnnouncerTest, ItWaitsForADaemon) {
     EXPECT_TRUE(findsSpeed(4.5));
 }
 
+TEST_F(AvahiAnnouncerTest, ItTriesAgainWhenTheDaemonDidNotAnswer) {
+    peer->freezeDaemon();
+    announcer->announce(announcement);
+    ASSERT_TRUE(waitUntil([this] { return log.contains("waiting for Avahi to announce Attic"); }));
+    peer->thawDaemon();
+    EXPECT_TRUE(findsSpeed(4.5));
+}
+
 TEST_F(AvahiAnnouncerTest, ItOutlivesTheSystemBus) {
     announcer->announce(announcement);
     ASSERT_TRUE(findsSpeed(4.5));
