@@ -31,6 +31,8 @@ const verbose = await transcribe({ response_format: "verbose_json" });
 assert.equal(verbose.text.trim(), text);
 assert.equal(verbose.segments.length, 1);
 assert.ok(verbose.duration > 1);
+assert.equal(verbose.usage.type, "duration");
+assert.equal(typeof verbose.segments[0].avg_logprob, "number");
 assert.match(await transcribe({ response_format: "srt" }), /^1\n00:00:0\d,\d{3} --> 00:00:/);
 assert.match(await transcribe({ response_format: "vtt" }), /^WEBVTT\n\n/);
 
@@ -39,4 +41,7 @@ await assert.rejects(transcribe({ language: "xx" }), (error) =>
     error.type === "invalid_request_error");
 await assert.rejects(transcribe({ file: new File(["no sound"], "a.wav") }), (error) =>
     error instanceof OpenAI.BadRequestError && error.param === "file");
+await assert.rejects(
+    transcribe({ response_format: "verbose_json", timestamp_granularities: ["word"] }), (error) =>
+        error instanceof OpenAI.BadRequestError && error.param === "timestamp_granularities[]");
 console.log("all as expected");

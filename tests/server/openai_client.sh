@@ -1,19 +1,30 @@
 #!/usr/bin/env bash
-# usage: openai_client.sh SERVER_PROGRAM
+# usage: openai_client.sh SERVER_PROGRAM CLIENT_FOLDER
 #
-# An OpenAI client that others wrote against the server. It is not fetched here: QUIETLARK_OPENAI_CLIENT
-# names a folder in which "npm install openai" was run. Skips (77) without it.
+# An OpenAI client that others wrote against the server. npm installs it in CLIENT_FOLDER, unless
+# QUIETLARK_OPENAI_CLIENT names a folder that has it. Skips (77) where there is no npm, or nothing to
+# fetch it from.
 set -euo pipefail
+version=6.49.0
 
 skip() {
     echo "skipped: $1"
     exit 77
 }
 
-command -v node >/dev/null || skip "there is no node"
-client=${QUIETLARK_OPENAI_CLIENT:-}
-[ -d "$client/node_modules/openai" ] ||
-    skip "QUIETLARK_OPENAI_CLIENT names no folder with the npm package openai"
+# The client's own requirement.
+node --eval 'process.exit(Number(process.versions.node.split(".")[0]) >= 20 ? 0 : 1)' 2>/dev/null ||
+    skip "there is no node of version 20 or later"
+client=${QUIETLARK_OPENAI_CLIENT:-$2}
+installed="$client/node_modules/openai/package.json"
+if [ -z "${QUIETLARK_OPENAI_CLIENT:-}" ] && ! grep -qs "\"version\": \"$version\"" "$installed"; then
+    command -v npm >/dev/null || skip "there is no npm"
+    mkdir -p "$client"
+    npm install --prefix "$client" --ignore-scripts --no-audit --no-fund --no-package-lock \
+        --fetch-retries 1 --fetch-timeout 20000 "openai@$version" >"$client/npm.log" 2>&1 ||
+        skip "npm cannot install openai: $(grep -m 1 'npm ERR!\|npm error' "$client/npm.log")"
+fi
+[ -e "$installed" ] || skip "$client has no openai"
 
 folder=$(mktemp -d)
 server=

@@ -97,6 +97,26 @@ TEST_F(ServerProgramTest, BothFlavoursTranscribeWhatCurlUploads) {
               "hello how are you\n 200");
 }
 
+TEST_F(ServerProgramTest, SubtitlesAndDetailsAreAnsweredToCurl) {
+    startServer();
+    const QString file = fileOf(WAV::encode(speech(sentence), 16000, 1));
+    const auto as = [&](const char* format) {
+        return upload(QStringLiteral("/v1/audio/transcriptions"), file,
+                      {QStringLiteral("response_format=") + QLatin1String(format)});
+    };
+    const QString srt = QString::fromStdString(as("srt"));
+    EXPECT_TRUE(srt.startsWith(QStringLiteral("1\n00:00:00,000 --> 00:00:0"))) << srt.toStdString();
+    EXPECT_TRUE(srt.endsWith(QStringLiteral("\nhello how are you\n\n 200")));
+    const QString vtt = QString::fromStdString(as("vtt"));
+    EXPECT_TRUE(vtt.startsWith(QStringLiteral("WEBVTT\n\n00:00:00.000 --> 00:00:0")));
+    EXPECT_TRUE(vtt.endsWith(QStringLiteral("\nhello how are you\n\n 200")));
+    const QString verbose = QString::fromStdString(as("verbose_json"));
+    EXPECT_TRUE(
+        verbose.startsWith(QStringLiteral(R"({"task":"transcribe","language":"english",)")));
+    EXPECT_TRUE(verbose.contains(QStringLiteral(R"("text":"hello how are you","tokens":[])")));
+    EXPECT_TRUE(verbose.contains(QStringLiteral(R"("usage":{"type":"duration","seconds":)")));
+}
+
 TEST_F(ServerProgramTest, ThirtyTwoMixedUploadsAtOnceGetTheRightAnswers) {
     startServer();
     const auto samples = speech(sentence);
