@@ -127,13 +127,10 @@ TEST_F(RegistrationTest, WhatElseTheListNamesIsNotOurs) {
     EXPECT_EQ(folders(), "");
 }
 
-TEST_F(RegistrationTest, AListThatSomebodyElseMightHaveWrittenIsNotBelieved) {
-    note({at("home/.local/opt/")});
-    EXPECT_EQ(folders(), ".local/opt");
-    ASSERT_TRUE(QFile::setPermissions(bundle("share/quietlark/registered"),
-                                      QFile::ReadOwner | QFile::WriteOther));
+TEST_F(RegistrationTest, WithoutAListNoFolderWasMade) {
+    link("home/.local/bin/quietlark", bundle("bin/quietlark"));
     EXPECT_EQ(folders(), "");
-    ASSERT_TRUE(QFile::remove(bundle("share/quietlark/registered")));
+    makeFolder("home/.local/opt/Quietlark/share/quietlark/registered");
     EXPECT_EQ(folders(), "");
 }
 

@@ -75,7 +75,7 @@ QSet<QString> foldersOnTheWayTo(const QStringList& paths) {
 /// A line each, in the order in which they were made, with a final slash.
 QStringList foldersMadeFor(const QString& bundle) {
     const auto list = readRegularFile(bundle + QStringLiteral("/share/quietlark/registered"),
-                                      longestListBytes, FileTrust::OwnerAndRoot);
+                                      longestListBytes, FileTrust::Anyone);
     QStringList folders;
     for (const QByteArray& line : list.value_or(QByteArray()).split('\n')) {
         if (line.size() > 1 && line.endsWith('/'))
