@@ -155,6 +155,7 @@ QStringList faultsOfFocus(QWidget& window, const QList<QWidget*>& seen) {
     std::ranges::copy_if(seen, std::back_inserter(stops),
                          [](const QWidget* widget) { return isTabStop(*widget); });
     if (stops.isEmpty()) return {};
+    if (!QTest::qWaitForWindowActive(&window)) return {QStringLiteral("it is not active")};
     QWidget* const before = window.focusWidget();
     const auto top = [&window](const QWidget* widget) {
         return widget->mapTo(&window, QPoint()).y();
