@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "screens/registration_request.h"
 #include "ui/general_pane.h"
 #include "ui/hotkey_row.h"
 #include "ui/permissions_alert_view.h"
@@ -57,7 +58,11 @@ PrefsView* WindowParts::makePreferences() {
 }
 
 ServerPickerPane* WindowParts::makePicker(ServerPickerModel::Options options) {
-    return new ServerPickerPane(m_state, m_ranker, m_resolver, m_desktop.scheduler, options);
+    auto* picker =
+        new ServerPickerPane(m_state, m_ranker, m_resolver, m_desktop.scheduler, options);
+    connect(picker, &ServerPickerPane::committed, this,
+            [this] { requestMissingRegistration(m_state, m_notifications); });
+    return picker;
 }
 
 }  // namespace quietlark
