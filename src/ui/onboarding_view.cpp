@@ -74,6 +74,8 @@ OnboardingView::OnboardingView(Parts parts)
     layout->addWidget(m_pages, 1);
     layout->addWidget(m_footer);
 
+    parts.picker->offerWayBack();
+    connect(parts.picker, &ServerPickerPane::wentBack, m_model.get(), &OnboardingModel::back);
     connect(parts.picker, &ServerPickerPane::committed, m_model.get(),
             &OnboardingModel::onServerCommitted);
     connect(m_done.get(), &DoneStepModel::readinessChanged, this,

@@ -15,10 +15,19 @@ class ServerPickerFooter final : public QWidget {
 public:
     explicit ServerPickerFooter(ServerPickerModel& model);
 
+    /// For a window in which something comes before the choice: adds the way back there from its
+    /// beginning.
+    void offerWayBack();
+
+Q_SIGNALS:
+    void wentBack();
+
 private:
     void refresh();
 
     ServerPickerModel& m_model;
+    QPushButton* m_back;
+    bool m_offersWayBack = false;
     QPushButton* m_leave;
     QPushButton* m_connect;
 };

@@ -4,6 +4,7 @@
 
 #include "picker/server_step.h"
 #include "ui/server_picker_editing_view.h"
+#include "ui/server_picker_footer.h"
 
 namespace quietlark {
 
@@ -24,5 +25,11 @@ ServerPickerPane::ServerPickerPane(AppState& appState, const ServerRanker& ranke
 }
 
 ServerPickerPane::~ServerPickerPane() = default;
+
+void ServerPickerPane::offerWayBack() {
+    auto* footer = m_view->findChild<ServerPickerFooter*>();
+    connect(footer, &ServerPickerFooter::wentBack, this, &ServerPickerPane::wentBack);
+    footer->offerWayBack();
+}
 
 }  // namespace quietlark

@@ -19,10 +19,14 @@ public:
                      Scheduler& scheduler, ServerPickerModel::Options options);
     ~ServerPickerPane() override;
 
+    /// As ServerPickerFooter::offerWayBack().
+    void offerWayBack();
+
 Q_SIGNALS:
     /// The settings have the user's choice.
     void committed();
     void cancelled();
+    void wentBack();
 
 private:
     ServerPickerModel m_model;

@@ -1,4 +1,5 @@
 #include <QPlainTextEdit>
+#include <QPushButton>
 
 #include "ui/hotkey_capture_view.h"
 #include "ui/windows_fixture.h"
@@ -85,6 +86,20 @@ TEST_F(WindowsTest, ReturnDoesNotPassAStepThatIsNotComplete) {
     EXPECT_TRUE(reads("Grant permissions"));
 }
 
+TEST_F(WindowsTest, TheServerStepLeadsBackToTheWelcome) {
+    openOnboarding(OnboardingModel::serverStep);
+    auto* back = shown().findChild<QPushButton*>(text("back"));
+    EXPECT_TRUE(back->isVisible());
+    shown().findChild<QAbstractButton*>(text("network"))->click();
+    press(Qt::Key_Return);
+    EXPECT_FALSE(back->isVisible());
+    press(Qt::Key_Escape);
+    EXPECT_TRUE(back->isVisible());
+    back->click();
+    EXPECT_TRUE(reads("Welcome to Quietlark"));
+    EXPECT_EQ(Config::load(files.config).onboardingStep, OnboardingModel::welcomeStep);
+}
+
 TEST_F(WindowsTest, ReturnOnTheWayBackGoesBack) {
     grantAll();
     openOnboarding(OnboardingModel::permissionsStep);
@@ -147,6 +162,7 @@ TEST_F(WindowsTest, TheTrialBoxTakesText) {
 
 TEST_F(WindowsTest, PreferencesComeForwardOnTheTabThatWasLastSelected) {
     prefs().select(PrefsTab::hotkey);
+    shown().close();
     EXPECT_EQ(prefs().selected(), PrefsTab::hotkey);
 }
 
