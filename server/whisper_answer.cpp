@@ -50,6 +50,11 @@ double numberIn(const Json& object, const char* name, double otherwise = 0) {
     return found != object.end() && found->is_number() ? found->get<double>() : otherwise;
 }
 
+std::int64_t wholeNumberIn(const Json& object, const char* name) {
+    const auto found = object.find(name);
+    return found != object.end() && found->is_number_integer() ? found->get<std::int64_t>() : 0;
+}
+
 std::vector<int> tokensIn(const Json& segment) {
     std::vector<int> tokens;
     const auto found = segment.find("tokens");
@@ -89,7 +94,7 @@ std::vector<Transcript::Segment> segmentsIn(const Json& answer) {
         segments.push_back({.startSeconds = numberIn(segment, "start"),
                             .endSeconds = numberIn(segment, "end"),
                             .text = textIn(segment, "text"),
-                            .seek = static_cast<std::int64_t>(numberIn(segment, "seek")),
+                            .seek = wholeNumberIn(segment, "seek"),
                             .tokens = tokensIn(segment),
                             .temperature = numberIn(segment, "temperature"),
                             .meanLogProbability = numberIn(segment, "avg_logprob"),

@@ -30,11 +30,13 @@ TEST(WhisperAnswerTest, WhatItTellsOfASegmentIsKept) {
     const auto segments =
         parseWhisperAnswer(
             R"({"text":"a b","segments":[{"text":"a","tokens":[50364,7],"temperature":0.2,)"
-            R"("avg_logprob":-0.25,"no_speech_prob":0.125},)"
-            R"({"text":" b","tokens":["x"],"avg_logprob":null,"compression_ratio":1.5}]})")
+            R"("avg_logprob":-0.25,"no_speech_prob":0.125,"seek":300},)"
+            R"({"text":" b","tokens":["x"],"avg_logprob":null,"compression_ratio":1.5,"seek":1e300}]})")
             ->segments;
     ASSERT_EQ(segments.size(), 2U);
     EXPECT_EQ(segments[0].tokens, (std::vector<int>{50364, 7}));
+    EXPECT_EQ(segments[0].seek, 300);
+    EXPECT_EQ(segments[1].seek, 0);
     EXPECT_EQ(segments[0].temperature, 0.2);
     EXPECT_EQ(segments[0].meanLogProbability, -0.25);
     EXPECT_EQ(segments[0].compressionRatio, 1);
