@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include <QPointer>
+
 #include "commands/console.h"
 #include "commands/progress_line.h"
 #include "local_server/model_status.h"
@@ -40,9 +42,17 @@ void ModelCommand::run(const ModelArguments& arguments, DoneHandler onDone) {
 }
 
 void ModelCommand::interrupt() {
+    if (std::exchange(m_isInterrupted, true)) return;
     m_downloader.disconnect(this);
-    m_downloader.cancel();
-    fail(tr("Stopped; the next download continues from here."));
+    m_downloader.stop([self = QPointer(this)] {
+        if (self) self->onStopped();
+    });
+}
+
+void ModelCommand::onStopped() {
+    const bool isKept = ModelStatus::read(m_files).kind == ModelStatus::Case::incomplete;
+    fail(isKept ? tr("Stopped; the next download continues from here.")
+                : tr("Stopped; the next download starts anew."));
 }
 
 void ModelCommand::printStatus() {

@@ -28,10 +28,11 @@ public:
     /// Runs once.
     void run(const ModelArguments& arguments, DoneHandler onDone);
 
-    /// Stops the download, for the next command to continue.
+    /// Stops the download, for the next command to continue, and ends once that is saved.
     void interrupt();
 
 private:
+    void onStopped();
     void printStatus();
     void download();
     void showProgress();
@@ -45,6 +46,7 @@ private:
     ProgressLine& m_progress;
     Console& m_console;
     DoneHandler m_onDone;
+    bool m_isInterrupted = false;
 };
 
 }  // namespace quietlark

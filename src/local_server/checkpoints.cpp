@@ -4,8 +4,9 @@
 
 namespace quietlark {
 
-Checkpoints::Checkpoints(qint64 savedBytes, Save save)
+Checkpoints::Checkpoints(qint64 savedBytes, Save save, std::chrono::milliseconds patience)
     : m_save(std::move(save)),
+      m_patience(patience),
       m_savedBytes(savedBytes),
       m_writtenBytes(savedBytes),
       m_thread([this] { run(); }) {}
@@ -14,12 +15,17 @@ Checkpoints::~Checkpoints() {
     stop();
 }
 
-void Checkpoints::reach(qint64 bytes) {
-    {
-        const std::lock_guard lock(m_mutex);
-        m_writtenBytes = bytes;
-    }
-    m_changed.notify_one();
+FileOutcome Checkpoints::reach(qint64 bytes) {
+    std::unique_lock lock(m_mutex);
+    m_writtenBytes = bytes;
+    m_changed.notify_all();
+    m_changed.wait(lock, [this] { return !mustWait(); });
+    return m_outcome;
+}
+
+bool Checkpoints::mustWait() const {
+    const bool isTooMuch = m_writtenBytes - m_savedBytes > maxUnsavedBytes;
+    return isTooMuch && m_outcome && !m_isOver && Clock::now() >= m_lastBegin + m_patience;
 }
 
 FileOutcome Checkpoints::stop() {
@@ -27,7 +33,7 @@ FileOutcome Checkpoints::stop() {
         const std::lock_guard lock(m_mutex);
         m_isOver = true;
     }
-    m_changed.notify_one();
+    m_changed.notify_all();
     if (m_thread.joinable()) m_thread.join();
     return m_outcome;
 }
@@ -39,14 +45,16 @@ void Checkpoints::run() {
                        [this] { return m_isOver || m_writtenBytes - m_savedBytes >= strideBytes; });
         if (m_isOver) return;
         const qint64 bytes = m_writtenBytes;
-        const auto next = std::chrono::steady_clock::now() + minInterval;
+        m_lastBegin = Clock::now();
+        m_changed.notify_all();
         lock.unlock();
-        const FileOutcome outcome = m_save(bytes);
+        FileOutcome outcome = m_save(bytes);
         lock.lock();
-        m_savedBytes = bytes;
-        m_outcome = outcome;
+        m_outcome = std::move(outcome);
+        if (m_outcome) m_savedBytes = bytes;
+        m_changed.notify_all();
         if (!m_outcome) return;
-        m_changed.wait_until(lock, next, [this] { return m_isOver; });
+        m_changed.wait_until(lock, m_lastBegin + minInterval, [this] { return m_isOver; });
     }
 }
 

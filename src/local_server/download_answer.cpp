@@ -13,8 +13,8 @@ struct Sentences {
     Q_DECLARE_TR_FUNCTIONS(DownloadAnswer)
 
 public:
-    static QString status(int status, const QUrl& url) {
-        return QStringLiteral("HTTP %1 from %2").arg(status).arg(url.toString());
+    static QString status(int status, const QString& address) {
+        return QStringLiteral("HTTP %1 from ").arg(status) + address;
     }
     static QString encoded(const QString& coding) {
         return tr("The server sent the model in a coding that was not asked for (%1).").arg(coding);
@@ -111,7 +111,7 @@ DownloadAnswer readAnswer(const HttpHead& head, const ModelSource& source,
     if (asked && head.status == 416) return OtherModel{};
     const bool isRest = asked && head.status == 206;
     if (!isRest && head.status != 200) {
-        return RefusedModel{Sentences::status(head.status, source.url)};
+        return RefusedModel{Sentences::status(head.status, source.address())};
     }
     const QByteArray coding = head.header("Content-Encoding").value_or("identity");
     if (coding.compare("identity", Qt::CaseInsensitive) != 0) {

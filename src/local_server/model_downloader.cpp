@@ -59,6 +59,7 @@ void ModelDownloader::onStarted() {
 }
 
 void ModelDownloader::onProgress(qint64 written, qint64 expected) {
+    if (written <= m_bytesWritten && expected <= m_totalBytes) return;
     m_bytesWritten = std::max(m_bytesWritten, written);
     m_totalBytes = std::max(m_totalBytes, expected);
     if (m_totalBytes >= 1) {

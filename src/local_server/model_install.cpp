@@ -32,6 +32,7 @@ FileOutcome installModel(const ModelFiles& files) {
         .map([&] {
             writeName(files.name());
             QFile::remove(files.resume());
+            removeLeftover(files.resume());
         });
 }
 

@@ -22,6 +22,12 @@ struct ModelSource {
     /// length and digest. QUIETLARK_MODEL_URL in the environment names another, of which nothing is
     /// known but the digest in QUIETLARK_MODEL_SHA256, when that is set.
     [[nodiscard]] static ModelSource configured(const QProcessEnvironment& environment);
+
+    /// The absolute address as it is shown and stored: without a password.
+    [[nodiscard]] QString address() const;
+
+    /// A sentence about what somebody has set wrongly, if so.
+    [[nodiscard]] std::optional<QString> mistake() const;
 };
 
 }  // namespace quietlark

@@ -1,5 +1,7 @@
 #include "local_server/model_status.h"
 
+#include <algorithm>
+
 #include <QFileInfo>
 
 #include "local_server/resume_data.h"
@@ -14,7 +16,10 @@ ModelStatus ModelStatus::read(const ModelFiles& files) {
     }
     const auto data = ResumeData::read(files.resume());
     if (!data) return {};
-    const qint64 bytes = data->reliableBytes(QFileInfo(files.received()).size(), bootSession());
+    // An install that was broken off has moved it on.
+    const qint64 fileBytes =
+        std::max(QFileInfo(files.received()).size(), QFileInfo(files.partial()).size());
+    const qint64 bytes = data->reliableBytes(fileBytes, bootSession());
     if (bytes == 0) return {};
     return {Case::incomplete, bytes, data->totalBytes};
 }

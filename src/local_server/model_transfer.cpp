@@ -40,8 +40,21 @@ ModelTransfer::ModelTransfer(ModelSource source, ModelFiles files, HttpStreams& 
       m_handlers(std::move(handlers)) {}
 
 void ModelTransfer::start() {
-    m_received.emplace(m_files, m_source.url.toString(QUrl::FullyEncoded));
-    if (const auto reason = obstacle()) return finish(tl::unexpected(*reason));
+    m_received.emplace(m_files, m_source);
+    if (const auto mistake = m_source.mistake()) return finish(tl::unexpected(*mistake));
+    auto lock = DirectoryLock::tryLock(m_files.directory());
+    if (!lock) return refuse(lock.error());
+    m_lock.emplace(std::move(*lock));
+    // By another process, since the last look.
+    if (m_files.isInstalled()) return finish({});
+    if (QFileInfo(m_files.active()).isDir()) {
+        return failInstall(tr("%1 is a directory.").arg(m_files.active()));
+    }
+    m_received->restore();
+    // What is not known for certain, the server is asked first.
+    if (const auto reason = lackOfSpace(m_source.lengthBytes)) {
+        return finish(tl::unexpected(*reason));
+    }
     hashWhatIsHere();
 }
 
@@ -53,15 +66,11 @@ void ModelTransfer::cancel() {
     m_lock.reset();
 }
 
-std::optional<QString> ModelTransfer::obstacle() {
-    m_lock = DirectoryLock::tryLock(m_files.directory());
-    if (!m_lock) return tr("The model is being downloaded by another Quietlark already.");
-    if (QFileInfo(m_files.active()).isDir()) {
-        return tr("Install failed: %1 is a directory.").arg(m_files.active());
+void ModelTransfer::refuse(std::error_code reason) {
+    if (reason != std::errc::operation_would_block) {
+        return failInstall(QString::fromStdString(reason.message()));
     }
-    m_received->restore();
-    const auto total = m_received->totalBytes();
-    return lackOfSpace(total ? total : m_source.lengthBytes);
+    finish(tl::unexpected(tr("The model is being downloaded by another Quietlark already.")));
 }
 
 std::optional<QString> ModelTransfer::lackOfSpace(std::optional<qint64> totalBytes) const {
@@ -92,11 +101,18 @@ void ModelTransfer::ask() {
     if (bytes > 0) {
         m_handlers.onProgress(bytes, total.value_or(-1));
         if (bytes == total) return install();
-        m_asked = RangeAsked{bytes, m_received->validator(), total};
+        askFor(RangeAsked{bytes, m_received->validator(), total});
+    } else {
+        askFor(std::nullopt);
     }
+    watchTime();
+}
+
+void ModelTransfer::askFor(std::optional<RangeAsked> range) {
+    m_asked = std::move(range);
+    m_redirectCount = 0;
     m_firstRequest = request(m_source.url, m_asked);
     send(m_firstRequest);
-    watchTime();
 }
 
 void ModelTransfer::send(HttpStreamRequest request) {
@@ -118,36 +134,38 @@ void ModelTransfer::onHead(const HttpHead& head) {
 }
 
 void ModelTransfer::onAnswer(const WholeModel& answer) {
-    // What was there before is about to make room.
-    if (!m_asked) {
-        if (const auto reason = lackOfSpace(answer.totalBytes)) {
-            return finish(tl::unexpected(*reason));
-        }
-    }
-    const FileOutcome begun = m_received->beginAnew(answer.validator, answer.totalBytes);
-    if (!begun) failInstall(begun.error());
+    begin(answer.totalBytes,
+          [&] { return m_received->beginAnew(answer.validator, answer.totalBytes); });
 }
 
 void ModelTransfer::onAnswer(const RestOfModel& answer) {
-    const FileOutcome begun = m_received->beginRest(answer.totalBytes);
-    if (!begun) failInstall(begun.error());
+    begin(answer.totalBytes, [&] { return m_received->beginRest(answer.totalBytes); });
 }
 
 void ModelTransfer::onAnswer(const OtherModel&) {
     m_received->discard();
-    m_asked.reset();
-    m_redirectCount = 0;
-    m_firstRequest = request(m_source.url, m_asked);
-    send(m_firstRequest);
+    askFor(std::nullopt);
 }
 
 void ModelTransfer::onAnswer(const RefusedModel& answer) {
     failInstall(answer.reason);
 }
 
-void ModelTransfer::onBytes(QByteArrayView bytes) {
+void ModelTransfer::begin(std::optional<qint64> totalBytes,
+                          const std::function<FileOutcome()>& open) {
+    // What is here counts, also where it is about to make room.
+    if (const auto reason = lackOfSpace(totalBytes)) return finish(tl::unexpected(*reason));
+    const FileOutcome begun = open();
+    if (!begun) failInstall(begun.error());
+}
+
+std::optional<qint64> ModelTransfer::expectedBytes() const {
     const auto promised = m_received->totalBytes();
-    const auto total = promised ? promised : m_source.lengthBytes;
+    return promised ? promised : m_source.lengthBytes;
+}
+
+void ModelTransfer::onBytes(QByteArrayView bytes) {
+    const auto total = expectedBytes();
     if (m_received->bytes() + bytes.size() > total.value_or(std::numeric_limits<qint64>::max())) {
         m_received->discard();
         return failInstall(tr("The server sent more than the %1 bytes of the model.").arg(*total));
@@ -155,7 +173,7 @@ void ModelTransfer::onBytes(QByteArrayView bytes) {
     const FileOutcome written = m_received->append(bytes);
     if (!written) return failInstall(written.error());
     m_lastActivity = m_scheduler.now();
-    m_handlers.onProgress(m_received->bytes(), promised.value_or(-1));
+    m_handlers.onProgress(m_received->bytes(), m_received->totalBytes().value_or(-1));
 }
 
 void ModelTransfer::onEnd(const tl::expected<void, TransportError>& outcome) {
@@ -177,8 +195,7 @@ void ModelTransfer::watchTime() {
 void ModelTransfer::install() {
     m_exchange.cancel();
     const qint64 bytes = m_received->bytes();
-    const auto promised = m_received->totalBytes();
-    const auto total = promised ? promised : m_source.lengthBytes;
+    const auto total = expectedBytes();
     if (bytes == 0) return failInstall(tr("The server sent an empty file."));
     if (bytes != total.value_or(bytes)) {
         return failInstall(

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <functional>
 #include <optional>
+#include <system_error>
 
 #include <QObject>
 
@@ -33,17 +35,20 @@ public:
     void cancel();
 
 private:
-    [[nodiscard]] std::optional<QString> obstacle();
+    void refuse(std::error_code reason);
     [[nodiscard]] std::optional<QString> lackOfSpace(std::optional<qint64> totalBytes) const;
     void hashWhatIsHere();
 
     void ask();
+    void askFor(std::optional<RangeAsked> range);
     void send(HttpStreamRequest request);
     void onHead(const HttpHead& head);
     void onAnswer(const WholeModel& answer);
     void onAnswer(const RestOfModel& answer);
     void onAnswer(const OtherModel& answer);
     void onAnswer(const RefusedModel& answer);
+    void begin(std::optional<qint64> totalBytes, const std::function<FileOutcome()>& open);
+    [[nodiscard]] std::optional<qint64> expectedBytes() const;
     void onBytes(QByteArrayView bytes);
     void onEnd(const tl::expected<void, TransportError>& outcome);
     void watchTime();

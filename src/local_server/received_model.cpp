@@ -15,15 +15,18 @@ FileOutcome save(int descriptor, const QString& path, ResumeData data, qint64 by
     // In this order, so that the record never promises more than the disk has.
     return syncFile(descriptor).and_then([&] {
         data.syncedBytes = bytes;
-        return writeFileDurably(path, data.toJson());
+        return rewriteFileDurably(path, data.toJson());
     });
 }
 
 }  // namespace
 
-ReceivedModel::ReceivedModel(ModelFiles files, QString url)
-    : m_files(std::move(files)), m_file(m_files.received()) {
-    m_data.url = std::move(url);
+ReceivedModel::ReceivedModel(ModelFiles files, const ModelSource& source)
+    : m_files(std::move(files)),
+      m_knownBytes(source.lengthBytes),
+      m_hasKnownDigest(source.sha256.has_value()),
+      m_file(m_files.received()) {
+    m_data.url = source.address();
 }
 
 ReceivedModel::~ReceivedModel() {
@@ -32,18 +35,20 @@ ReceivedModel::~ReceivedModel() {
 }
 
 void ReceivedModel::restore() {
+    removeLeftover(m_files.resume());
     if (!findResumeData() || !m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
-        m_data = {m_data.url, {}, {}, 0, {}};
-        m_file.remove();
-        return;
+        return discard();
     }
     m_bytes = m_data.reliableBytes(m_file.size(), bootSession());
-    if (m_bytes > m_data.totalBytes.value_or(m_bytes)) discard();
+    if (!m_data.totalBytes) return;
+    if (m_bytes > *m_data.totalBytes) return discard();
+    if (!m_hasKnownDigest) m_bytes = std::clamp<qint64>(*m_data.totalBytes - 1, 0, m_bytes);
 }
 
 bool ReceivedModel::findResumeData() {
     const auto data = ResumeData::read(m_files.resume());
     if (!data || data->url != m_data.url) return false;
+    if (m_knownBytes && data->totalBytes.value_or(*m_knownBytes) != *m_knownBytes) return false;
     m_data = *data;
     // An install that was broken off has moved it on. It is verified again before it is used.
     if (!m_file.exists()) return replaceFile(m_files.partial(), m_files.received()).has_value();
@@ -66,9 +71,8 @@ FileOutcome ReceivedModel::beginAnew(const QByteArray& validator,
                                      std::optional<qint64> totalBytes) {
     m_checkpoints.reset();
     // First, so that it never describes a file that it does not belong to.
-    QFile::remove(m_files.resume());
+    forget();
     m_data = {m_data.url, validator, totalBytes, 0, bootSession()};
-    static_cast<void>(m_digest.takeHex());
     return openAt(0).and_then([this] {
         if (m_data.validator.isEmpty()) return FileOutcome();
         startCheckpoints();
@@ -79,7 +83,9 @@ FileOutcome ReceivedModel::beginAnew(const QByteArray& validator,
 FileOutcome ReceivedModel::beginRest(qint64 totalBytes) {
     m_data.totalBytes = totalBytes;
     m_data.bootSession = bootSession();
-    return openAt(m_bytes).map([this] { startCheckpoints(); });
+    return openAt(m_bytes)
+        .and_then([this] { return save(m_file.handle(), m_files.resume(), m_data, m_bytes); })
+        .map([this] { startCheckpoints(); });
 }
 
 FileOutcome ReceivedModel::openAt(qint64 bytes) {
@@ -109,9 +115,9 @@ FileOutcome ReceivedModel::append(QByteArrayView bytes) {
     m_bytes += bytes.size();
     m_hashedBytes = m_bytes;
     // The disk works while the digest is computed.
-    if (m_checkpoints) m_checkpoints->reach(m_bytes);
+    FileOutcome saved = m_checkpoints ? m_checkpoints->reach(m_bytes) : FileOutcome();
     m_digest.add(bytes);
-    return {};
+    return saved;
 }
 
 tl::expected<QByteArray, QString> ReceivedModel::seal() {
@@ -131,12 +137,17 @@ void ReceivedModel::keep() {
 
 void ReceivedModel::discard() {
     m_checkpoints.reset();
+    forget();
+    m_file.remove();
+}
+
+void ReceivedModel::forget() {
+    QFile::remove(m_files.resume());
+    removeLeftover(m_files.resume());
     m_data = {m_data.url, {}, {}, 0, {}};
     m_bytes = 0;
     m_hashedBytes = 0;
     static_cast<void>(m_digest.takeHex());
-    QFile::remove(m_files.resume());
-    m_file.remove();
 }
 
 }  // namespace quietlark

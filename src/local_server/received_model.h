@@ -9,6 +9,7 @@
 
 #include "local_server/checkpoints.h"
 #include "local_server/model_files.h"
+#include "local_server/model_source.h"
 #include "local_server/resume_data.h"
 #include "platform/durable_file.h"
 #include "platform/sha256.h"
@@ -19,14 +20,16 @@ namespace quietlark {
 /// the main thread: it waits for the disk. Nobody else uses these files meanwhile.
 class ReceivedModel {
 public:
-    /// Of a download from `url`. Touches nothing yet.
-    ReceivedModel(ModelFiles files, QString url);
+    /// Of a download from `source`. Touches nothing yet.
+    ReceivedModel(ModelFiles files, const ModelSource& source);
     /// Keeps what can be continued, as far as it has been saved.
     ~ReceivedModel();
     ReceivedModel(const ReceivedModel&) = delete;
     ReceivedModel& operator=(const ReceivedModel&) = delete;
 
-    /// Finds what an earlier attempt has left, drops what is of no use.
+    /// Finds what an earlier attempt has left, drops what is of no use. Where no digest tells in
+    /// the end whether all of it is right, a byte at least is left for a server to confirm the
+    /// length.
     void restore();
     /// Puts the next piece of what was restored into the digest; false when there is none left.
     /// Anything that cannot be read is as if it had not been received.
@@ -54,10 +57,13 @@ public:
 
 private:
     [[nodiscard]] bool findResumeData();
+    void forget();
     [[nodiscard]] FileOutcome openAt(qint64 bytes);
     void startCheckpoints();
 
     const ModelFiles m_files;
+    const std::optional<qint64> m_knownBytes;  ///< length of the whole model
+    const bool m_hasKnownDigest;
     ResumeData m_data;
     QFile m_file;
     qint64 m_bytes = 0;

@@ -5,6 +5,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include "platform/durable_file.h"
 #include "platform/regular_file.h"
 
 namespace quietlark {
@@ -45,7 +46,7 @@ QByteArray ResumeData::toJson() const {
                        {syncedBytesKey, syncedBytes},
                        {bootSessionKey, bootSession}};
     if (totalBytes) object.insert(totalBytesKey, *totalBytes);
-    return QJsonDocument(object).toJson();
+    return QJsonDocument(object).toJson().leftJustified(sectorBytes, ' ');
 }
 
 std::optional<ResumeData> ResumeData::fromJson(const QByteArray& json) {

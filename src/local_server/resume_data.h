@@ -22,6 +22,7 @@ struct ResumeData {
     /// not been started anew, else what was synced.
     [[nodiscard]] qint64 reliableBytes(qint64 fileBytes, const QString& currentBootSession) const;
 
+    /// As long as a disk's sector, if it fits, so that it can be rewritten in one.
     [[nodiscard]] QByteArray toJson() const;
     /// Absent for anything that toJson() does not write.
     [[nodiscard]] static std::optional<ResumeData> fromJson(const QByteArray& json);

@@ -1,8 +1,9 @@
 #pragma once
 
-#include <optional>
+#include <system_error>
 
 #include <QString>
+#include <tl/expected.hpp>
 
 namespace quietlark {
 
@@ -10,8 +11,10 @@ namespace quietlark {
 /// or with the process, however that ends, and leaves no file behind.
 class DirectoryLock {
 public:
-    /// Absent when somebody else has it, or there is no such directory. Does not wait.
-    [[nodiscard]] static std::optional<DirectoryLock> tryLock(const QString& directory);
+    /// Does not wait. The error is std::errc::operation_would_block when somebody else has it, and
+    /// otherwise why the system cannot lock it.
+    [[nodiscard]] static tl::expected<DirectoryLock, std::error_code> tryLock(
+        const QString& directory);
 
     DirectoryLock(DirectoryLock&& other) noexcept;
     DirectoryLock& operator=(DirectoryLock&& other) noexcept;

@@ -23,4 +23,14 @@ using FileOutcome = tl::expected<void, QString>;
 /// through a file of the same name with ".new" behind it.
 [[nodiscard]] FileOutcome writeFileDurably(const QString& path, const QByteArray& content);
 
+/// What disks write whole or not at all.
+inline constexpr qsizetype sectorBytes = 512;
+
+/// The same, in a third of the time where the file holds as many bytes already, and no more than
+/// sectorBytes: it is overwritten where it is.
+[[nodiscard]] FileOutcome rewriteFileDurably(const QString& path, const QByteArray& content);
+
+/// Removes what these leave beside the file when they are killed.
+void removeLeftover(const QString& path);
+
 }  // namespace quietlark

@@ -12,6 +12,7 @@
 #include "commands/progress_line.h"
 #include "fakes/fake_model_fetcher.h"
 #include "fakes/fake_scheduler.h"
+#include "local_server/resume_data.h"
 #include "notifications/notification_center.h"
 
 namespace quietlark {
@@ -28,12 +29,13 @@ protected:
         m_command->run({action}, [this](ExitCode code) { m_code = code; });
         m_scheduler.runPosted();
     }
-    void installModel() const {
+    void write(const QString& path, const QByteArray& content) const {
         QDir().mkpath(m_files.directory());
-        QFile file(m_files.active());
+        QFile file(path);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("model");
+        file.write(content);
     }
+    void installModel() const { write(m_files.active(), "model"); }
 
     QTemporaryDir m_home;
     const ModelFiles m_files{m_home.filePath(QStringLiteral("models"))};
@@ -100,9 +102,22 @@ TEST_F(ModelCommandTest, AFailureIsTold) {
 TEST_F(ModelCommandTest, AnInterruptCancelsTheDownload) {
     run(Action::Download);
     m_command->interrupt();
+    m_command->interrupt();
     EXPECT_FALSE(m_fetcher.isFetching());
-    EXPECT_EQ(m_messages.str(), "quietlark: Stopped; the next download continues from here.\n");
+    EXPECT_EQ(m_code, std::nullopt);
+    m_fetcher.becomeStill();
+    EXPECT_EQ(m_messages.str(), "quietlark: Stopped; the next download starts anew.\n");
     EXPECT_EQ(m_code, ExitCode::Failed);
+}
+
+TEST_F(ModelCommandTest, AnInterruptSaysWhetherTheNextDownloadContinues) {
+    run(Action::Download);
+    const ResumeData data{{}, "\"one\"", 10, 5, {}};
+    write(m_files.resume(), data.toJson());
+    write(m_files.received(), "01234");
+    m_command->interrupt();
+    m_fetcher.becomeStill();
+    EXPECT_EQ(m_messages.str(), "quietlark: Stopped; the next download continues from here.\n");
 }
 
 TEST_F(ModelCommandTest, AResultThatCannotBeWrittenIsAFailure) {

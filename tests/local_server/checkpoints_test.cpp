@@ -38,33 +38,57 @@ protected:
 
 TEST_F(CheckpointsTest, AStrideIsSavedAsSoonAsItIsWritten) {
     Checkpoints checkpoints(100, save());
-    checkpoints.reach(100 + stride);
+    EXPECT_TRUE(checkpoints.reach(100 + stride));
     EXPECT_TRUE(saves(100 + stride));
 }
 
 TEST_F(CheckpointsTest, LessThanAStrideIsNotSaved) {
     Checkpoints checkpoints(100, save());
-    checkpoints.reach(100 + stride - 1);
+    EXPECT_TRUE(checkpoints.reach(100 + stride - 1));
     EXPECT_TRUE(checkpoints.stop());
     EXPECT_EQ(m_count, 0);
 }
 
 TEST_F(CheckpointsTest, WhatIsWrittenDuringASaveIsSavedByTheNext) {
     m_isHeld = true;
-    Checkpoints checkpoints(0, save());
-    checkpoints.reach(stride);
+    Checkpoints checkpoints(0, save(), std::chrono::hours(1));
+    EXPECT_TRUE(checkpoints.reach(stride));
     ASSERT_TRUE(saves(stride));
-    checkpoints.reach(2 * stride);
-    checkpoints.reach(3 * stride);
+    EXPECT_TRUE(checkpoints.reach(2 * stride));
+    EXPECT_TRUE(checkpoints.reach(3 * stride));
     m_isHeld = false;
     EXPECT_TRUE(saves(3 * stride));
     EXPECT_EQ(m_count, 2);
 }
 
+TEST_F(CheckpointsTest, AWriterWaitsForASlowDisk) {
+    constexpr qint64 pieceBytes = 64 * 1024;
+    std::atomic<qint64> saved = 0;
+    const auto saveSlowly = [&saved](qint64 bytes) {
+        for (int turn = 0; turn < 1000; ++turn)
+            std::this_thread::yield();
+        saved = bytes;
+        return FileOutcome();
+    };
+    Checkpoints checkpoints(0, saveSlowly, std::chrono::milliseconds(0));
+    for (qint64 written = pieceBytes; written <= 32 * stride; written += pieceBytes) {
+        EXPECT_TRUE(checkpoints.reach(written));
+        ASSERT_LE(written - saved, Checkpoints::maxUnsavedBytes);
+    }
+}
+
+TEST_F(CheckpointsTest, AFailureIsToldAtOnceAndMakesNobodyWait) {
+    m_outcome = tl::unexpected(QStringLiteral("broken disk"));
+    Checkpoints checkpoints(0, save());
+    static_cast<void>(checkpoints.reach(stride));
+    EXPECT_TRUE(waitUntil([&] { return !checkpoints.reach(stride); }));
+    EXPECT_EQ(checkpoints.reach(100 * stride).error(), QStringLiteral("broken disk"));
+}
+
 TEST_F(CheckpointsTest, NothingIsSavedOnceTheyAreStopped) {
     Checkpoints checkpoints(0, save());
     EXPECT_TRUE(checkpoints.stop());
-    checkpoints.reach(stride);
+    EXPECT_TRUE(checkpoints.reach(stride));
     EXPECT_TRUE(checkpoints.stop());
     EXPECT_EQ(m_count, 0);
 }
@@ -72,9 +96,9 @@ TEST_F(CheckpointsTest, NothingIsSavedOnceTheyAreStopped) {
 TEST_F(CheckpointsTest, TheFirstFailureIsRememberedAndTheLast) {
     m_outcome = tl::unexpected(QStringLiteral("broken disk"));
     Checkpoints checkpoints(0, save());
-    checkpoints.reach(stride);
+    static_cast<void>(checkpoints.reach(stride));
     ASSERT_TRUE(saves(stride));
-    checkpoints.reach(2 * stride);
+    static_cast<void>(checkpoints.reach(2 * stride));
     EXPECT_EQ(checkpoints.stop().error(), QStringLiteral("broken disk"));
     EXPECT_EQ(m_count, 1);
 }

@@ -130,4 +130,9 @@ TEST_F(DownloadAnswerTest, ARangeBeyondTheEndIsAnotherModel) {
     EXPECT_TRUE(isOther(rest({{"Content-Range", "bytes */30"}}, 416)));
 }
 
+TEST_F(DownloadAnswerTest, ARefusalNamesTheAbsoluteAddress) {
+    m_source.url = QUrl(QStringLiteral("https://models.example/a%20model.bin"));
+    EXPECT_EQ(refusal(whole({}, 404)), "HTTP 404 from https://models.example/a%20model.bin");
+}
+
 }  // namespace quietlark

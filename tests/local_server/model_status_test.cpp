@@ -33,4 +33,10 @@ TEST_F(ModelStatusTest, TheModelIsInstalled) {
     EXPECT_EQ(ModelStatus::read(m_files), (ModelStatus{Status::installed, 10, 10}));
 }
 
+TEST_F(ModelStatusTest, AnInstallThatWasBrokenOffIsIncomplete) {
+    leave("0123456789");
+    ASSERT_TRUE(QFile::rename(m_files.received(), m_files.partial()));
+    EXPECT_EQ(ModelStatus::read(m_files), (ModelStatus{Status::incomplete, 10, 10}));
+}
+
 }  // namespace quietlark

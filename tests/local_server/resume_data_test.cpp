@@ -4,6 +4,8 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include "platform/durable_file.h"
+
 namespace quietlark {
 
 namespace {
@@ -66,6 +68,15 @@ TEST(ResumeDataTest, OnlyWhatWasSyncedCountsWhereTheSystemDoesNotTell) {
 TEST(ResumeDataTest, AFileThatIsNotThereIsNothing) {
     const QTemporaryDir home;
     EXPECT_EQ(ResumeData::read(home.filePath(QStringLiteral("none"))), std::nullopt);
+}
+
+TEST(ResumeDataTest, FillsOneSectorIfItFits) {
+    ResumeData data = example();
+    EXPECT_EQ(data.toJson().size(), sectorBytes);
+    data.syncedBytes = 1'624'555'275;
+    EXPECT_EQ(data.toJson().size(), sectorBytes);
+    data.url += QString(1000, u'x');
+    EXPECT_EQ(ResumeData::fromJson(data.toJson()), data);
 }
 
 }  // namespace quietlark

@@ -40,6 +40,38 @@ TEST_F(DurableFileTest, TellsWhyAFileCannotBeWritten) {
               QStringLiteral("No such file or directory"));
 }
 
+TEST_F(DurableFileTest, AFileThatCannotBeReplacedLeavesNothingBesideIt) {
+    ASSERT_TRUE(QDir().mkpath(path("a")));
+    EXPECT_EQ(writeFileDurably(path("a"), "one").error(), QStringLiteral("Is a directory"));
+    EXPECT_TRUE(QDir(m_home.path()).entryList(QDir::Files).isEmpty());
+}
+
+TEST_F(DurableFileTest, AShortFileOfTheSameLengthIsRewrittenWhereItIs) {
+    ASSERT_TRUE(writeFileDurably(path("a"), "one"));
+    QFile::link(path("a"), path("link"));
+    QFile open(path("a"));
+    ASSERT_TRUE(open.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(rewriteFileDurably(path("a"), "two"));
+    EXPECT_EQ(open.readAll(), "two");
+    EXPECT_TRUE(rewriteFileDurably(path("link"), "new"));
+    EXPECT_EQ(read(path("a")), "two");
+    EXPECT_EQ(read(path("link")), "new");
+}
+
+TEST_F(DurableFileTest, AnyOtherFileIsReplaced) {
+    ASSERT_TRUE(writeFileDurably(path("a"), "one"));
+    QFile open(path("a"));
+    ASSERT_TRUE(open.open(QIODevice::ReadOnly));
+    for (const QByteArray& content :
+         {QByteArray("four"), QByteArray(sectorBytes + 1, 'x'), QByteArray(sectorBytes + 1, 'y')}) {
+        EXPECT_TRUE(rewriteFileDurably(path("a"), content));
+        EXPECT_EQ(read(path("a")), content);
+    }
+    EXPECT_EQ(open.readAll(), "one");
+    EXPECT_EQ(rewriteFileDurably(path("none/a"), "one").error(),
+              QStringLiteral("No such file or directory"));
+}
+
 TEST_F(DurableFileTest, ReplacesAFileByAnother) {
     ASSERT_TRUE(writeFileDurably(path("a"), "old"));
     ASSERT_TRUE(writeFileDurably(path("b"), "new"));
@@ -68,7 +100,14 @@ TEST_F(DurableFileTest, ADirectoryIsLockedForOneAtATime) {
         EXPECT_FALSE(DirectoryLock::tryLock(m_home.path()));
     }
     EXPECT_TRUE(DirectoryLock::tryLock(m_home.path()));
-    EXPECT_FALSE(DirectoryLock::tryLock(path("none")));
+}
+
+TEST_F(DurableFileTest, ALockTellsSomebodyElseFromAnyOtherObstacle) {
+    ASSERT_TRUE(writeFileDurably(path("file"), ""));
+    const auto first = DirectoryLock::tryLock(m_home.path());
+    EXPECT_EQ(DirectoryLock::tryLock(m_home.path()).error(), std::errc::operation_would_block);
+    EXPECT_EQ(DirectoryLock::tryLock(path("none")).error(), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(DirectoryLock::tryLock(path("file")).error(), std::errc::not_a_directory);
 }
 
 TEST(BootSessionTest, IsTheSameAllTheTime) {

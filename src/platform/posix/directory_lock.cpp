@@ -1,5 +1,6 @@
 #include "platform/directory_lock.h"
 
+#include <cerrno>
 #include <utility>
 
 #include <QFile>
@@ -9,12 +10,20 @@
 
 namespace quietlark {
 
-std::optional<DirectoryLock> DirectoryLock::tryLock(const QString& directory) {
+namespace {
+
+tl::unexpected<std::error_code> lastError() {
+    return tl::unexpected(std::error_code(errno, std::generic_category()));
+}
+
+}  // namespace
+
+tl::expected<DirectoryLock, std::error_code> DirectoryLock::tryLock(const QString& directory) {
     const int descriptor =
         ::open(QFile::encodeName(directory).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0) return std::nullopt;
+    if (descriptor < 0) return lastError();
     DirectoryLock lock(descriptor);
-    if (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) return std::nullopt;
+    if (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) return lastError();
     return lock;
 }
 
