@@ -40,6 +40,8 @@ protected:
     /// so many bytes.
     void count(qint64 bytesFound) {
         ASSERT_TRUE(waitUntil([this] { return m_server.openConnectionCount() == 0; }));
+        // Without a digest the server confirms the length with the last byte.
+        if (m_sha256.isEmpty()) bytesFound = std::min<qint64>(bytesFound, m_model.size() - 1);
         const auto answers = m_server.answers();
         for (; m_countedAnswers < answers.size(); ++m_countedAnswers) {
             const auto& answer = answers[m_countedAnswers];
