@@ -46,7 +46,9 @@ QSize ServerCard::sizeHint() const {
 }
 
 QSize ServerCard::minimumSizeHint() const {
-    const int width = em() * 15;
+    // The title stays on one line; one more, as the advance is rounded.
+    const int title = QFontMetrics(titleFont()).horizontalAdvance(text()) + 1;
+    const int width = std::max(em() * 15, places({}).title.left() + title + em());
     return {width, heightForWidth(width)};
 }
 
