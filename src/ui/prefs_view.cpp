@@ -33,6 +33,9 @@ PrefsView::PrefsView(const std::map<PrefsTab, QWidget*>& panes) : m_tabs(new QTa
     layout->setContentsMargins({});
     layout->addWidget(m_tabs);
     m_tabs->setDocumentMode(true);
+    // The keyboard is its bar's, which has a name, and gets the policy of what it stands in for.
+    m_tabs->setFocusPolicy(Qt::NoFocus);
+    m_tabs->tabBar()->setFocusPolicy(Qt::TabFocus);
     setFocusProxy(m_tabs);
     drawSymbols();
 }

@@ -1,37 +1,8 @@
 #!/usr/bin/env bash
 # The first run by the keyboard alone: a server by its address, a second hotkey, a dictation into the
 # wizard's own box and one elsewhere. Half-way the wizard is closed, and comes up where it was.
-# shellcheck source=onboarding_support.sh
-. "$(dirname "$0")/onboarding_support.sh"
-
-key() {
-    xdotool key "$@"
-}
-
-has_keyboard() {
-    [[ $(screen_reader focused) = "$1: $2"* ]]
-}
-
-keyboard_has_left() {
-    [ "$(screen_reader focused)" != "$1" ]
-}
-
-# goes_to ROLE NAME: by the Tab key.
-goes_to() {
-    local presses before
-    for ((presses = 0; presses < 12; presses++)); do
-        has_keyboard "$1" "$2" && return
-        before=$(screen_reader focused)
-        key Tab
-        wait_until 10 keyboard_has_left "$before" || break
-    done
-    fail "The Tab key does not lead to the $1 \"$2\" but to: $(screen_reader focused)"
-}
-
-waits_for_keyboard() {
-    wait_until 30 has_keyboard "$1" "$2" ||
-        fail "The keyboard is not at the $1 \"$2\" but at: $(screen_reader focused)"
-}
+# shellcheck source=window_support.sh
+. "$(dirname "$0")/window_support.sh"
 
 start_screen_reader
 start_server

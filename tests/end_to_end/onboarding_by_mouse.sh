@@ -2,8 +2,8 @@
 # The first run by the mouse: the server on this computer, whose model is downloaded, and which a real
 # service manager then starts; a dictation into the wizard's own box and one elsewhere. Half-way the
 # wizard is closed, and comes up where it was.
-# shellcheck source=onboarding_support.sh
-. "$(dirname "$0")/onboarding_support.sh"
+# shellcheck source=window_support.sh
+. "$(dirname "$0")/window_support.sh"
 
 click_at() {
     xdotool mousemove "$1" "$2" click 1

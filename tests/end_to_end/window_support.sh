@@ -1,6 +1,5 @@
 # shellcheck shell=bash
-# The first run, from no configuration at all, as somebody sees and works it. What the windows show
-# is asked of them as a screen reader asks.
+# The windows as somebody sees and works them. What they show is asked of them as a screen reader asks.
 # shellcheck source=support.sh
 . "$(dirname "${BASH_SOURCE[0]}")/support.sh"
 
@@ -39,6 +38,35 @@ sees() {
     wait_until "${3:-60}" shows "$1" "$2" ||
         fail "There is no $1 \"$2\". There is: $(screen_reader shown)"
     expect 'what a screen reader cannot read' '' "$(screen_reader faults)"
+}
+
+key() {
+    xdotool key "$@"
+}
+
+has_keyboard() {
+    [[ $(screen_reader focused) = "$1: $2"* ]]
+}
+
+keyboard_has_left() {
+    [ "$(screen_reader focused)" != "$1" ]
+}
+
+# goes_to ROLE NAME: by the Tab key.
+goes_to() {
+    local presses before
+    for ((presses = 0; presses < 12; presses++)); do
+        has_keyboard "$1" "$2" && return
+        before=$(screen_reader focused)
+        key Tab
+        wait_until 10 keyboard_has_left "$before" || break
+    done
+    fail "The Tab key does not lead to the $1 \"$2\" but to: $(screen_reader focused)"
+}
+
+waits_for_keyboard() {
+    wait_until 30 has_keyboard "$1" "$2" ||
+        fail "The keyboard is not at the $1 \"$2\" but at: $(screen_reader focused)"
 }
 
 configuration="$XDG_CONFIG_HOME/Quietlark/config.json"
