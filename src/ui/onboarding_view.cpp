@@ -118,6 +118,7 @@ QWidget* OnboardingView::makeFooter() {
     m_next->setDefault(true);
     // Return is the button's own while it has the focus.
     m_back->setAutoDefault(true);
+    giveAir(*m_back);
     connect(m_back, &QPushButton::clicked, m_model.get(), &OnboardingModel::back);
     connect(m_next, &QPushButton::clicked, this, &OnboardingView::advance);
     return footer;
@@ -151,6 +152,7 @@ void OnboardingView::refresh() {
     m_footer->setVisible(m_model->showsFooter());
     m_back->setVisible(m_model->canGoBack());
     m_next->setText(m_model->nextTitle());
+    giveAir(*m_next);
     const bool hasFocus = m_next->hasFocus() || QWidget::hasFocus();
     m_next->setEnabled(m_model->canAdvance());
     if (hasFocus) focusNext();

@@ -67,8 +67,12 @@ QLabel* makeCaption(const QString& text) {
 QPushButton* makeButton(const QString& text) {
     auto* button = new QPushButton(text);
     button->setAutoDefault(false);
-    button->setMinimumWidth(button->sizeHint().width() + button->fontMetrics().height());
+    giveAir(*button);
     return button;
+}
+
+void giveAir(QPushButton& button) {
+    button.setMinimumWidth(button.sizeHint().width() + button.fontMetrics().height());
 }
 
 QWidget* makeBusyBar() {

@@ -21,6 +21,9 @@ namespace quietlark {
 /// A button with some air around its text, for the middle of a page.
 [[nodiscard]] QPushButton* makeButton(const QString& text);
 
+/// Gives any button some air around the text that it has now.
+void giveAir(QPushButton& button);
+
 /// A narrow bar that says that something is going on.
 [[nodiscard]] QWidget* makeBusyBar();
 

@@ -24,6 +24,7 @@ ServerListPage::ServerListPage(ServerPickerModel& model, ServerStep& step)
     m_content->addWidget(makeEmptyState());
     m_content->addWidget(m_list);
     m_otherAddress->setAutoDefault(true);
+    giveAir(*m_otherAddress);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
     layout->addWidget(makeHeading(tr("Servers on your local network")));

@@ -4,6 +4,7 @@
 #include <QPushButton>
 
 #include "picker/server_picker_model.h"
+#include "ui/page_labels.h"
 
 namespace quietlark {
 
@@ -39,6 +40,8 @@ ServerPickerFooter::ServerPickerFooter(ServerPickerModel& model)
     m_back->setAutoDefault(true);
     m_leave->setAutoDefault(true);
     m_connect->setDefault(true);
+    for (QPushButton* button : {m_back, m_connect})
+        giveAir(*button);
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins({});
     layout->addWidget(m_back);
@@ -63,6 +66,7 @@ void ServerPickerFooter::refresh() {
     m_back->setVisible(m_offersWayBack && m_model.phase() == ServerPickerModel::Phase::cards);
     const WayOut wayOut = m_model.wayOut();
     m_leave->setText(label(wayOut));
+    giveAir(*m_leave);
     m_leave->setVisible(wayOut != WayOut::none);
     m_connect->setEnabled(m_model.canConnect());
 }

@@ -142,12 +142,17 @@ QStringList faultsOfLayout(const QList<QWidget*>& seen) {
     return faults;
 }
 
-/// Of several radio buttons the Tab key leads to the chosen one, and the arrow keys to the others.
+/// Of several radio buttons the Tab key leads to the chosen one, or to the one that had the focus
+/// last, and the arrow keys to the others.
 bool isTabStop(const QWidget& widget) {
     const bool takesTab = widget.focusPolicy() & Qt::TabFocus;
     if (!widget.isEnabled() || !takesTab || widget.focusProxy()) return false;
     const auto* radio = qobject_cast<const QRadioButton*>(&widget);
-    return !radio || radio->isChecked();
+    if (!radio || radio->isChecked()) return true;
+    const auto others = radio->parentWidget()->findChildren<QRadioButton*>();
+    return std::ranges::none_of(others, [](const QRadioButton* other) {
+        return other->isChecked() && (other->focusPolicy() & Qt::TabFocus);
+    });
 }
 
 QStringList faultsOfFocus(QWidget& window, const QList<QWidget*>& seen) {
@@ -172,6 +177,8 @@ QStringList faultsOfFocus(QWidget& window, const QList<QWidget*>& seen) {
         reached << now;
         QTest::keyClick(now, Qt::Key_Tab);
     }
+    if (QApplication::focusWidget() != reached.first())
+        faults << nameOf(*reached.first()) + QStringLiteral(" is not reached again");
     for (const QWidget* stop : stops) {
         if (!reached.contains(stop)) faults << nameOf(*stop) + QStringLiteral(" is not reached");
     }
