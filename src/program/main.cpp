@@ -185,7 +185,9 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
     const QString name = QStringLiteral("net.quietlark.app");
     QApplication::setDesktopFileName(name);
-    QApplication::setWindowIcon(QIcon::fromTheme(name));  // for desktops that do not know the file
+    // For desktops that do not know the file.
+    const QIcon ownIcon(QStringLiteral(":/quietlark/net.quietlark.app.svg"));
+    QApplication::setWindowIcon(QIcon::fromTheme(name, ownIcon));
     return application;
 }
 
