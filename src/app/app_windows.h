@@ -15,7 +15,8 @@ class AppWindows : public QObject {
 public:
     enum class Kind { onboarding, permissionsAlert, preferences };
 
-    /// Gives every window these menus, from left to right.
+    /// Gives every window these menus, from left to right; where windows have no menu bar, their
+    /// keystrokes.
     virtual void setMainMenu(const std::vector<Menu>& menus) = 0;
 
     /// Brings the window to the front and makes it the active one; it is made if there is none.

@@ -100,6 +100,20 @@ TEST_F(X11KeyEventSourceTest, SeesKeysBoundForAnotherProgramsWindow) {
     EXPECT_EQ(events(), (Events{{Kind::KeyDown, space, 0}, {Kind::KeyUp, space, 0}}));
 }
 
+TEST_F(X11KeyEventSourceTest, SeesAKeyOnceThatRepeatsInTheWindow) {
+    KeyWindow window(m_server.display());
+    window.takeFocus();
+    m_server.run(QStringLiteral("xset"),
+                 {QStringLiteral("r"), QStringLiteral("rate"), QStringLiteral("50"),
+                  QStringLiteral("50")});
+    watch();
+    press(KEY_SPACE);
+    std::size_t typed = 0;
+    ASSERT_TRUE(waitUntil([&] { return (typed += window.typed().size()) >= 3; }));
+    release(KEY_SPACE);
+    EXPECT_EQ(events(), (Events{{Kind::KeyDown, space, 0}, {Kind::KeyUp, space, 0}}));
+}
+
 TEST_F(X11KeyEventSourceTest, KnowsTheModifiersThatWereHeldBeforeItBegan) {
     press(KEY_RIGHTCTRL);
     watch();
