@@ -8,6 +8,8 @@ started=()
 start() {
     local name=$1
     shift
+    # Now, and not some time after the process was made: nobody is to read what the last one said.
+    : >"$logs/$name.out"
     setsid setpriv --pdeathsig TERM "$@" >"$logs/$name.out" 2>"$logs/$name.err" </dev/null &
     started_id=$!
     disown "$started_id"
