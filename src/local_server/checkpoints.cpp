@@ -18,9 +18,13 @@ Checkpoints::~Checkpoints() {
 FileOutcome Checkpoints::reach(qint64 bytes) {
     std::unique_lock lock(m_mutex);
     m_writtenBytes = bytes;
-    m_changed.notify_all();
+    if (m_isIdle && isDue()) m_due.notify_one();
     m_changed.wait(lock, [this] { return !mustWait(); });
     return m_outcome;
+}
+
+bool Checkpoints::isDue() const {
+    return m_writtenBytes - m_savedBytes >= strideBytes;
 }
 
 bool Checkpoints::mustWait() const {
@@ -33,6 +37,7 @@ FileOutcome Checkpoints::stop() {
         const std::lock_guard lock(m_mutex);
         m_isOver = true;
     }
+    m_due.notify_one();
     m_changed.notify_all();
     if (m_thread.joinable()) m_thread.join();
     return m_outcome;
@@ -41,8 +46,9 @@ FileOutcome Checkpoints::stop() {
 void Checkpoints::run() {
     std::unique_lock lock(m_mutex);
     while (true) {
-        m_changed.wait(lock,
-                       [this] { return m_isOver || m_writtenBytes - m_savedBytes >= strideBytes; });
+        m_isIdle = true;
+        m_due.wait(lock, [this] { return m_isOver || isDue(); });
+        m_isIdle = false;
         if (m_isOver) return;
         const qint64 bytes = m_writtenBytes;
         m_lastBegin = Clock::now();
@@ -54,7 +60,7 @@ void Checkpoints::run() {
         if (m_outcome) m_savedBytes = bytes;
         m_changed.notify_all();
         if (!m_outcome) return;
-        m_changed.wait_until(lock, m_lastBegin + minInterval, [this] { return m_isOver; });
+        m_due.wait_until(lock, m_lastBegin + minInterval, [this] { return m_isOver; });
     }
 }
 

@@ -48,15 +48,18 @@ private:
     using Clock = std::chrono::steady_clock;
 
     void run();
+    [[nodiscard]] bool isDue() const;
     [[nodiscard]] bool mustWait() const;
 
     const Save m_save;
     const std::chrono::milliseconds m_patience;
     std::mutex m_mutex;
-    std::condition_variable m_changed;
-    qint64 m_savedBytes;  ///< guarded by m_mutex, as are the next four
+    std::condition_variable m_due;      ///< there is something to save, or it is over
+    std::condition_variable m_changed;  ///< a save began or ended
+    qint64 m_savedBytes;                ///< guarded by m_mutex, as are the next five
     qint64 m_writtenBytes;
     Clock::time_point m_lastBegin;  ///< of a save
+    bool m_isIdle = true;           ///< the thread waits until something is due
     bool m_isOver = false;
     FileOutcome m_outcome;
     std::thread m_thread;

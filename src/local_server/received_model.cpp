@@ -30,7 +30,7 @@ ReceivedModel::ReceivedModel(ModelFiles files, const ModelSource& source)
 }
 
 ReceivedModel::~ReceivedModel() {
-    m_checkpoints.reset();
+    stopWork();
     if (m_file.isOpen() && m_data.validator.isEmpty()) m_file.remove();
 }
 
@@ -69,13 +69,13 @@ bool ReceivedModel::hashNextPiece() {
 
 FileOutcome ReceivedModel::beginAnew(const QByteArray& validator,
                                      std::optional<qint64> totalBytes) {
-    m_checkpoints.reset();
+    stopWork();
     // First, so that it never describes a file that it does not belong to.
     forget();
     m_data = {m_data.url, validator, totalBytes, 0, bootSession()};
     return openAt(0).and_then([this] {
+        startWork();
         if (m_data.validator.isEmpty()) return FileOutcome();
-        startCheckpoints();
         return writeFileDurably(m_files.resume(), m_data.toJson());
     });
 }
@@ -85,7 +85,7 @@ FileOutcome ReceivedModel::beginRest(qint64 totalBytes) {
     m_data.bootSession = bootSession();
     return openAt(m_bytes)
         .and_then([this] { return save(m_file.handle(), m_files.resume(), m_data, m_bytes); })
-        .map([this] { startCheckpoints(); });
+        .map([this] { startWork(); });
 }
 
 FileOutcome ReceivedModel::openAt(qint64 bytes) {
@@ -99,10 +99,17 @@ FileOutcome ReceivedModel::openAt(qint64 bytes) {
     return {};
 }
 
-void ReceivedModel::startCheckpoints() {
+void ReceivedModel::startWork() {
+    m_trailing = std::make_unique<TrailingDigest>(m_file.handle(), m_bytes, m_digest);
+    if (m_data.validator.isEmpty()) return;
     m_checkpoints = std::make_unique<Checkpoints>(
         m_bytes, [descriptor = m_file.handle(), path = m_files.resume(),
                   data = m_data](qint64 bytes) { return save(descriptor, path, data, bytes); });
+}
+
+void ReceivedModel::stopWork() {
+    m_checkpoints.reset();
+    m_trailing.reset();
 }
 
 FileOutcome ReceivedModel::append(QByteArrayView bytes) {
@@ -114,29 +121,28 @@ FileOutcome ReceivedModel::append(QByteArrayView bytes) {
     }
     m_bytes += bytes.size();
     m_hashedBytes = m_bytes;
-    // The disk works while the digest is computed.
-    FileOutcome saved = m_checkpoints ? m_checkpoints->reach(m_bytes) : FileOutcome();
-    m_digest.add(bytes);
-    return saved;
+    m_trailing->reach(m_bytes);
+    return m_checkpoints ? m_checkpoints->reach(m_bytes) : FileOutcome();
 }
 
 tl::expected<QByteArray, QString> ReceivedModel::seal() {
     const FileOutcome saved = m_checkpoints ? m_checkpoints->stop() : FileOutcome();
-    m_checkpoints.reset();
-    return saved.and_then([this] { return syncFile(m_file.handle()); }).map([this] {
-        return m_digest.takeHex();
-    });
+    const FileOutcome digested = m_trailing ? m_trailing->finish() : FileOutcome();
+    stopWork();
+    return saved.and_then([&] { return digested; })
+        .and_then([this] { return syncFile(m_file.handle()); })
+        .map([this] { return m_digest.takeHex(); });
 }
 
 void ReceivedModel::keep() {
-    m_checkpoints.reset();
+    stopWork();
     if (!m_file.isOpen() || m_data.validator.isEmpty()) return;
     // What cannot be saved is fetched again.
     static_cast<void>(save(m_file.handle(), m_files.resume(), m_data, m_bytes));
 }
 
 void ReceivedModel::discard() {
-    m_checkpoints.reset();
+    stopWork();
     forget();
     m_file.remove();
 }

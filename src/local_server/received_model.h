@@ -11,6 +11,7 @@
 #include "local_server/model_files.h"
 #include "local_server/model_source.h"
 #include "local_server/resume_data.h"
+#include "local_server/trailing_digest.h"
 #include "platform/durable_file.h"
 #include "platform/sha256.h"
 
@@ -59,7 +60,8 @@ private:
     [[nodiscard]] bool findResumeData();
     void forget();
     [[nodiscard]] FileOutcome openAt(qint64 bytes);
-    void startCheckpoints();
+    void startWork();
+    void stopWork();
 
     const ModelFiles m_files;
     const std::optional<qint64> m_knownBytes;  ///< length of the whole model
@@ -69,7 +71,9 @@ private:
     qint64 m_bytes = 0;
     qint64 m_hashedBytes = 0;
     Sha256 m_digest;
-    std::unique_ptr<Checkpoints> m_checkpoints;  ///< while bytes are appended
+    // While bytes are appended:
+    std::unique_ptr<TrailingDigest> m_trailing;
+    std::unique_ptr<Checkpoints> m_checkpoints;  ///< of what can be continued
 };
 
 }  // namespace quietlark

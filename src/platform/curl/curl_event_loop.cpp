@@ -17,8 +17,8 @@ CurlEventLoop::~CurlEventLoop() {
     curl_multi_cleanup(m_multi);
 }
 
-void CurlEventLoop::add(CURL* transfer, EndHandler onEnd) {
-    m_transfers[transfer] = std::move(onEnd);
+void CurlEventLoop::add(CURL* transfer, Handlers handlers) {
+    m_transfers[transfer] = std::move(handlers);
     curl_multi_add_handle(m_multi, transfer);
 }
 
@@ -68,14 +68,16 @@ CurlEventLoop::Watch CurlEventLoop::watch(curl_socket_t socket) {
 void CurlEventLoop::act(curl_socket_t socket, int event) {
     int transfersLeft = 0;
     curl_multi_socket_action(m_multi, socket, event, &transfersLeft);
+    for (const auto& [transfer, handlers] : m_transfers)
+        handlers.onTurn();
     int messagesLeft = 0;
     while (const CURLMsg* message = curl_multi_info_read(m_multi, &messagesLeft)) {
         if (message->msg != CURLMSG_DONE) continue;
         CURL* transfer = message->easy_handle;
         const CURLcode code = message->data.result;
-        const EndHandler onEnd = m_transfers[transfer];
+        const auto onEnd = m_transfers[transfer].onEnd;
         remove(transfer);
-        if (onEnd) onEnd(code);
+        onEnd(code);
     }
 }
 

@@ -14,7 +14,10 @@ namespace quietlark {
 /// Lets libcurl work whenever the event loop of the thread that made this finds its sockets ready.
 class CurlEventLoop final : public QObject {
 public:
-    using EndHandler = std::function<void(CURLcode)>;
+    struct Handlers {
+        std::function<void()> onTurn;         ///< libcurl has worked, perhaps on this transfer
+        std::function<void(CURLcode)> onEnd;  ///< the last call
+    };
 
     CurlEventLoop();
     /// Every transfer has been removed before.
@@ -22,9 +25,9 @@ public:
     CurlEventLoop(const CurlEventLoop&) = delete;
     CurlEventLoop& operator=(const CurlEventLoop&) = delete;
 
-    /// Starts a transfer and calls `onEnd` once it is over. Not from within a callback of libcurl.
-    void add(CURL* transfer, EndHandler onEnd);
-    /// Breaks a transfer off, if it is not over yet. Not from within a callback of libcurl.
+    /// Starts a transfer. Not from within a callback of libcurl, nor are the handlers.
+    void add(CURL* transfer, Handlers handlers);
+    /// Breaks a transfer off, if it is not over yet. Not from within a callback or a handler.
     void remove(CURL* transfer);
 
 private:
@@ -45,7 +48,7 @@ private:
     CURLM* m_multi;
     QTimer m_timer;
     std::map<curl_socket_t, Watch> m_watches;
-    std::map<CURL*, EndHandler> m_transfers;  ///< under way
+    std::map<CURL*, Handlers> m_transfers;  ///< under way
 };
 
 }  // namespace quietlark

@@ -16,7 +16,7 @@ namespace {
 // records fills all of that. A larger buffer would let a server 50 ms away send more than 4 to 8
 // megabytes per second.
 constexpr int systemBufferBytes = 192 * 1024;
-constexpr long bufferBytes = 128 * 1024;
+constexpr qsizetype bufferBytes = 128 * 1024;
 
 // Far more than any server has to say.
 constexpr qsizetype maxHeadBytes = 256 * 1024;
@@ -58,7 +58,9 @@ void CurlExchange::send() {
                                                CURLE_UNSUPPORTED_PROTOCOL, "no web address")));
     }
     describe();
-    m_loop.add(m_transfer, [this](CURLcode code) { onDone(code); });
+    m_body.reserve(bufferBytes);
+    m_loop.add(m_transfer, {.onTurn = [this] { handOver(); },
+                            .onEnd = [this](CURLcode code) { onDone(code); }});
 }
 
 void CurlExchange::describe() {
@@ -86,7 +88,7 @@ void CurlExchange::describe() {
     // A name that is being looked up when a request is withdrawn makes nobody wait.
     set(CURLOPT_QUICK_EXIT, 1L);
     set(CURLOPT_ERRORBUFFER, m_errorText);
-    set(CURLOPT_BUFFERSIZE, bufferBytes);
+    set(CURLOPT_BUFFERSIZE, long{bufferBytes});
     set(CURLOPT_SOCKOPTFUNCTION, &CurlExchange::boundSocket);
     set(CURLOPT_HEADERFUNCTION, &CurlExchange::onHeaderLine);
     set(CURLOPT_HEADERDATA, this);
@@ -143,8 +145,16 @@ bool CurlExchange::takeHead() {
 }
 
 bool CurlExchange::takeBody(QByteArrayView bytes) {
-    if (const auto onBytes = m_handlers.onBytes) onBytes(bytes);
+    // libcurl gives it in pieces of 16 KiB, and takes it from the network in much larger ones.
+    m_body.append(bytes);
+    if (m_body.size() >= bufferBytes) handOver();
     return m_handlers.onEnd != nullptr;
+}
+
+void CurlExchange::handOver() {
+    if (m_body.isEmpty()) return;
+    if (const auto onBytes = m_handlers.onBytes) onBytes(m_body);
+    m_body.resize(0);
 }
 
 void CurlExchange::onDone(CURLcode code) {

@@ -39,6 +39,7 @@ private:
     [[nodiscard]] bool takeHeaderLine(const QByteArray& line);
     [[nodiscard]] bool takeHead();
     [[nodiscard]] bool takeBody(QByteArrayView bytes);
+    void handOver();
     void onDone(CURLcode code);
     void finish(const tl::expected<void, TransportError>& outcome);
 
@@ -51,6 +52,7 @@ private:
     HttpHead m_head;
     qsizetype m_headBytes = 0;
     bool m_hasHead = false;
+    QByteArray m_body;  ///< what has come and was not handed over yet
 };
 
 }  // namespace quietlark
