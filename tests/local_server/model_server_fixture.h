@@ -10,6 +10,8 @@
 #include <QTcpSocket>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+#include <linux/sockios.h>
+#include <sys/ioctl.h>
 
 #include "local_server/background_model_fetcher.h"
 #include "local_server/model_downloader.h"
@@ -62,14 +64,35 @@ protected:
             http_reply::bytesAndClose()(socket);
         };
     }
-    /// The same, but the connection is reset.
+    /// The same, but the connection is reset once the system has all up to there.
     [[nodiscard]] HttpServer::Reply modelResetAt(qsizetype end) {
         return [this, end](QTcpSocket& socket) {
-            QObject::connect(&socket, &QTcpSocket::bytesWritten, &socket, [&socket] {
-                if (socket.bytesToWrite() == 0) http_reply::reset()(socket);
+            QObject::connect(&socket, &QTcpSocket::bytesWritten, &socket, [this, end, &socket] {
+                if (socket.bytesToWrite() > 0) return;
+                m_sentUpTo = end - bytesOnTheWay(socket);
+                http_reply::reset()(socket);
             });
             send(socket, end);
         };
+    }
+    /// The model up to its second mebibyte, and then nothing more.
+    [[nodiscard]] HttpServer::Reply modelStallingInTheMiddle() {
+        return [this](QTcpSocket& socket) { send(socket, 2 * mebibyte); };
+    }
+    /// Leaves an attempt that stalled after two mebibytes, all of which has arrived.
+    void receiveTwoMebibytes() {
+        serverDoes(modelStallingInTheMiddle());
+        start();
+        ASSERT_TRUE(waitUntil([this] { return m_downloader->bytesWritten() == 2 * mebibyte; }));
+        m_downloader->cancel();
+        ASSERT_TRUE(waitUntil([this] { return m_server.openConnectionCount() == 0; }));
+    }
+    /// That the next attempt goes on from what has arrived, and brings the model.
+    void expectToContinueFromTwoMebibytes() {
+        serverDoes(model());
+        EXPECT_EQ(download().kind, State::Case::ready);
+        EXPECT_EQ(lastRange(), "bytes=2097152-");
+        EXPECT_TRUE(isInstalled());
     }
     [[nodiscard]] QByteArray head(qsizetype from) const {
         const QByteArray total = QByteArray::number(m_model.size());
@@ -118,10 +141,18 @@ protected:
         socket.write(m_model.sliced(from, end - from));
     }
 
+    /// Of what was sent, as far as the other side has not acknowledged it.
+    [[nodiscard]] static qint64 bytesOnTheWay(const QTcpSocket& socket) {
+        int bytes = 0;
+        ::ioctl(static_cast<int>(socket.socketDescriptor()), SIOCOUTQ, &bytes);
+        return bytes;
+    }
+
     static constexpr const char* tag = "\"one\"";
     static constexpr qsizetype mebibyte = 1024 * 1024;
 
-    const QByteArray m_model = someBytes(3 * mebibyte + 17);
+    QByteArray m_model = someBytes(3 * mebibyte + 17);
+    qint64 m_sentUpTo = 0;  ///< the byte of the model before which a connection was last reset
     QTemporaryDir m_home;
     ModelFiles m_files{m_home.filePath(QStringLiteral("models"))};
     HttpServer m_server;
