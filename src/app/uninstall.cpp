@@ -3,6 +3,7 @@
 #include <array>
 #include <optional>
 
+#include <QDir>
 #include <QFileInfo>
 #include <QStringList>
 
@@ -27,7 +28,11 @@ OwnFiles::Folder settingsFolder(const AppState::Files& files) {
 
 OwnFiles::Folder modelFolder(const AppState::Files& files) {
     const QFileInfo models(files.model.directory());
-    return {models.path(), {models.fileName() + u'/' + QFileInfo(files.model.active()).fileName()}};
+    QStringList entries;
+    for (const QString& file : {files.model.active(), files.model.partial(), files.model.received(),
+                                files.model.resume(), files.model.name()})
+        entries << QDir(models.path()).relativeFilePath(file);
+    return {models.path(), entries};
 }
 
 /// One line of shell that resets what there is to reset, whether or not each reset works; absent

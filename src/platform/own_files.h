@@ -12,7 +12,8 @@ public:
     struct Folder {
         QString path;  ///< its last component is the program's name
         /// What the program writes there, relative to `path`. Each name stands for that file and
-        /// for those that have a point and more behind it, such as temporary ones.
+        /// for what writing it may leave: the name with ".lock", ".new", or a point and six random
+        /// letters behind it.
         QStringList entries;
     };
 

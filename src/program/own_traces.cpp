@@ -34,6 +34,17 @@ QStringList bundleRoots(const Installation& installation) {
     return roots;
 }
 
+/// Which other programs use too, wherever the environment has put them, or that somebody stands in.
+QStringList sharedPlaces() {
+    QStringList places{QDir::rootPath(), QDir::homePath(), registeredHome(),
+                       configHome(),     dataHome(),       QDir::currentPath()};
+    for (const char* variable : {"XDG_STATE_HOME", "XDG_CACHE_HOME", "XDG_RUNTIME_DIR", "TMPDIR"}) {
+        const QString place = QFile::decodeName(qgetenv(variable));
+        if (place.startsWith(u'/')) places << place;
+    }
+    return places;
+}
+
 Registration registration() {
     return Registration(QDir::homePath(), {configHome(), usualConfigHome()},
                         {dataHome(), usualDataHome()});
@@ -45,8 +56,7 @@ OwnTraces::OwnTraces(const QString& settingsFile)
     : installation(QCoreApplication::applicationFilePath(), QDir::homePath(), furtherRoot()),
       defaults(defaultsBeside(settingsFile)),
       loginItem(configHome(), QCoreApplication::applicationFilePath()),
-      files({usualConfigHome(), usualDataHome()},
-            {QDir::rootPath(), QDir::homePath(), registeredHome(), installation.bundlePath()}),
+      files({usualConfigHome(), usualDataHome()}, sharedPlaces() << installation.bundlePath()),
       recycler({bundleRoots(installation),
                 {QDir::homePath(), registeredHome()},
                 QStringLiteral("/var/lib/dpkg/info/quietlark.list")},

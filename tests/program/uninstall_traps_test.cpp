@@ -29,7 +29,9 @@ protected:
         for (const char* path : othersFiles)
             write(path);
         QDir::setCurrent(QStringLiteral("/home/me/work"));
-        for (const char* variable : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "QUIETLARK_ENDPOINT_FILE"})
+        for (const char* variable :
+             {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME", "XDG_CACHE_HOME",
+              "XDG_RUNTIME_DIR", "TMPDIR", "QUIETLARK_ENDPOINT_FILE"})
             qunsetenv(variable);
         qputenv("HOME", "/home/me");
     }
@@ -227,6 +229,83 @@ TEST_F(UninstallTrapsTest, AVariableThatMakesTheSettingsFolderTheBundle) {
     useAndUninstall();
     EXPECT_TRUE(exists("/home/me/.local/share/Trash/files/Quietlark/bin/quietlark"));
     EXPECT_FALSE(exists("/home/me/.local/opt/Quietlark"));
+}
+
+TEST_F(UninstallTrapsTest, AVariableThatNamesAFolderInTheSettings) {
+    qputenv("XDG_DATA_HOME", "/home/me/.config/Quietlark/data");
+    write("/home/me/.config/Quietlark/data/mail/thesis");
+    write("/home/me/.config/Quietlark/data/Trash/files/thesis");
+    useAndUninstall();
+    EXPECT_TRUE(exists("/home/me/.config/Quietlark/data/mail/thesis"));
+    EXPECT_TRUE(exists("/home/me/.config/Quietlark/data/Trash/files/thesis"));
+    EXPECT_FALSE(exists("/home/me/.config/Quietlark/config.json"));
+    EXPECT_FALSE(exists("/home/me/.config/Quietlark/data/Quietlark"));
+}
+
+TEST_F(UninstallTrapsTest, AVariableThatNamesAFolderInTheModels) {
+    qputenv("XDG_CONFIG_HOME", "/home/me/.local/share/Quietlark");
+    write("/home/me/.local/share/Quietlark/mail/settings");
+    useAndUninstall();
+    EXPECT_TRUE(exists("/home/me/.local/share/Quietlark/mail/settings"));
+    EXPECT_FALSE(exists("/home/me/.local/share/Quietlark/Quietlark"));
+    EXPECT_FALSE(exists("/home/me/.local/share/Quietlark/models"));
+}
+
+TEST_F(UninstallTrapsTest, OtherVariablesThatNameAFolderInTheSettings) {
+    for (const char* variable : {"XDG_STATE_HOME", "XDG_CACHE_HOME", "XDG_RUNTIME_DIR", "TMPDIR"}) {
+        qputenv(variable, "/home/me/.config/Quietlark/state");
+        write("/home/me/.config/Quietlark/state/mail/thesis");
+        useAndUninstall();
+        EXPECT_TRUE(exists("/home/me/.config/Quietlark/state/mail/thesis")) << variable;
+        EXPECT_FALSE(exists("/home/me/.config/Quietlark/config.json")) << variable;
+        qunsetenv(variable);
+    }
+}
+
+TEST_F(UninstallTrapsTest, FilesOfTheUsersNamedAlmostAsOurs) {
+    const std::array theirs{"/home/me/Documents/Quietlark/config.json.of-my-thesis",
+                            "/home/me/Documents/Quietlark/config.json.backup",
+                            "/home/me/Documents/Quietlark/defaults.ini.old",
+                            "/home/me/Documents/Quietlark/models/active.bin.backup"};
+    for (const char* path : theirs)
+        write(path);
+    qputenv("XDG_CONFIG_HOME", "/home/me/Documents");
+    qputenv("XDG_DATA_HOME", "/home/me/Documents");
+    useProgram();
+    for (const QString& path : {files.model.partial(), files.model.received(), files.model.resume(),
+                                files.model.resume() + QStringLiteral(".new"), files.model.name(),
+                                files.config + QStringLiteral(".aBcDeF")})
+        write(path);
+    uninstall();
+    expectOthersFiles();
+    for (const char* path : theirs)
+        EXPECT_TRUE(exists(path)) << path;
+    EXPECT_EQ(listFiles(QStringLiteral("/home/me/Documents/Quietlark/models")),
+              (QStringList{QStringLiteral("active.bin.backup"), QStringLiteral("thesis")}));
+    EXPECT_FALSE(exists("/home/me/Documents/Quietlark/config.json.aBcDeF"));
+}
+
+TEST_F(UninstallTrapsTest, TheHomeDirectoryOfAnotherUser) {
+    useProgram();
+    install("/home/me/.local/opt/Quietlark");
+    link("/home/me/.local/bin/quietlark", "/opt/Quietlark/bin/quietlark");
+    QDirIterator each(QStringLiteral("/home/me"),
+                      QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                      QDirIterator::Subdirectories);
+    ASSERT_EQ(::chown("/home/me", 1234, 1234), 0);
+    while (each.hasNext())
+        ASSERT_EQ(::lchown(QFile::encodeName(each.next()).constData(), 1234, 1234), 0);
+    const auto before = listFiles(QStringLiteral("/home/me"));
+    for (const char* bundle : {"/opt/Quietlark", "/home/me/.local/opt/Quietlark"}) {
+        install("/opt/Quietlark");
+        installation.path = QString::fromLatin1(bundle);
+        uninstall();
+        ASSERT_FALSE(shell.alerts().empty());
+        EXPECT_EQ(shell.alerts().back().title,
+                  QStringLiteral("Couldn't move Quietlark to the Trash"));
+        EXPECT_EQ(listFiles(QStringLiteral("/home/me")), before);
+    }
+    expectOthersFiles();
 }
 
 TEST_F(UninstallTrapsTest, FoldersThatAreLinksToElsewhere) {

@@ -1,6 +1,6 @@
 #include "platform/qt/settings_user_defaults.h"
 
-#include <QFile>
+#include "platform/own_file.h"
 
 namespace quietlark {
 
@@ -24,7 +24,7 @@ void SettingsUserDefaults::remove(const QString& key) {
 
 void SettingsUserDefaults::removeAll() {
     // Writing an empty file would write to whatever a link leads to.
-    QFile::remove(m_settings.fileName());
+    static_cast<void>(removeOwnFile(m_settings.fileName()));
     m_settings.sync();
 }
 

@@ -19,7 +19,8 @@ protected:
         removeFolder(path, {QStringLiteral("config.json"), QStringLiteral("defaults.ini")});
     }
     void removeModels(const char* path) const {
-        removeFolder(path, {QStringLiteral("models/active.bin")});
+        removeFolder(path, {QStringLiteral("models/active.bin"),
+                            QStringLiteral("models/active.bin.resume")});
     }
 };
 
@@ -113,10 +114,12 @@ TEST_F(LinuxOwnFilesTest, ElsewhereOnlyWhatWeWriteGoes) {
     write("Documents/Quietlark/config.json.Xy3kq1");
     write("Documents/Quietlark/defaults.ini.lock");
     write("Documents/Quietlark/config.jsonnet");
+    write("Documents/Quietlark/config.json.backup");
     write("Documents/Quietlark/thesis/chapter");
     removeSettings("Documents/Quietlark");
     EXPECT_EQ(listing("Documents"),
-              "Quietlark Quietlark/config.jsonnet Quietlark/thesis Quietlark/thesis/chapter");
+              "Quietlark Quietlark/config.json.backup Quietlark/config.jsonnet Quietlark/thesis "
+              "Quietlark/thesis/chapter");
 }
 
 TEST_F(LinuxOwnFilesTest, ElsewhereTheFolderGoesOnceItIsEmpty) {

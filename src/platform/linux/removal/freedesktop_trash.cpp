@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include "platform/linux/removal/own_tree.h"
+#include "platform/posix/ownership.h"
 
 namespace quietlark {
 
@@ -48,12 +49,30 @@ Folder ensureFolder(const Descriptor& directory, const QByteArray& name) {
     return folder;
 }
 
+/// By way of links of the user's, but nobody else's: root may act with the home directory of the
+/// one who has called for it, where nothing must become root's.
+Folder openOwnDirectory(const QString& path) {
+    return openDirectory(path).and_then([](Descriptor directory) -> Folder {
+        struct stat status {};
+        if (::fstat(directory.number(), &status) != 0) return lastError();
+        if (!isOwn(status)) return tl::unexpected(make_error_code(std::errc::permission_denied));
+        return directory;
+    });
+}
+
+QString existingPart(QString directory) {
+    while (!QFileInfo::exists(directory) && directory != QDir::rootPath())
+        directory = QFileInfo(directory).path();
+    return directory;
+}
+
 Folder ensureHomeTrash(const QString& dataHome) {
+    if (const Folder above = openOwnDirectory(existingPart(dataHome)); !above)
+        return tl::unexpected(above.error());
     QDir().mkpath(dataHome);
-    return openDirectory(dataHome).and_then([&](const Descriptor& data) {
+    return openOwnDirectory(dataHome).and_then([&](const Descriptor& data) {
         ::mkdirat(data.number(), "Trash", 0700);
-        // May be a link of the user's.
-        return openDirectory(dataHome + QStringLiteral("/Trash"));
+        return openOwnDirectory(dataHome + QStringLiteral("/Trash"));
     });
 }
 

@@ -1,6 +1,7 @@
 #include "platform/linux/removal/linux_own_files.h"
 
 #include <algorithm>
+#include <cctype>
 #include <utility>
 
 #include <QDir>
@@ -10,6 +11,7 @@
 #include <unistd.h>
 
 #include "platform/linux/removal/own_tree.h"
+#include "platform/own_file.h"
 
 namespace quietlark {
 
@@ -29,9 +31,24 @@ QByteArray nameIn(const QString& path) {
     return QFile::encodeName(QFileInfo(path).fileName());
 }
 
+bool isOfLetter(const QByteArray& text, int (*isKind)(int)) {
+    return std::ranges::any_of(text, [&](char each) { return isKind(uchar(each)) != 0; });
+}
+
+/// As Qt ends the name of a file that is being written: six random letters. A word, such as
+/// "backup", has one case only.
+bool isRandomEnding(const QByteArray& ending) {
+    constexpr int randomLetters = 6;
+    return ending.size() == randomLetters && isOfLetter(ending, std::islower) &&
+           isOfLetter(ending, std::isupper) &&
+           std::ranges::all_of(ending, [](char each) { return std::isalnum(uchar(each)) != 0; });
+}
+
+/// The file itself, or what is left of writing it.
 bool standsFor(const QString& entry, const QByteArray& name) {
     const QByteArray known = QFile::encodeName(entry);
-    return name == known || name.startsWith(known + '.');
+    if (name == known || name == known + ".lock" || name == known + ".new") return true;
+    return name.startsWith(known + '.') && isRandomEnding(name.mid(known.size() + 1));
 }
 
 /// Only the named entries, and folders on the way to them that this leaves empty.
@@ -78,14 +95,8 @@ void LinuxOwnFiles::removeFolder(const Folder& folder) {
 }
 
 void LinuxOwnFiles::removeFile(const QString& path) {
-    const Descriptor parent = openParent(path);
-    const QByteArray name = nameIn(path);
-    struct stat status {};
-    if (!parent.isOpen() ||
-        ::fstatat(parent.number(), name.constData(), &status, AT_SYMLINK_NOFOLLOW) != 0)
-        return;
-    // Refused by the system for a folder.
-    if (isOwn(status)) ::unlinkat(parent.number(), name.constData(), 0);
+    // What depends on where the program was started means nothing.
+    if (path.startsWith(u'/')) static_cast<void>(removeOwnFile(path));
 }
 
 bool LinuxOwnFiles::isByConvention(const QString& path) const {

@@ -7,9 +7,11 @@
 #include <QFile>
 #include <QFileInfo>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "platform/linux/removal/own_tree.h"
+#include "platform/own_file.h"
 
 namespace quietlark {
 
@@ -47,11 +49,12 @@ tl::expected<void, RecycleError> LinuxRecycler::recycle(const QString& bundlePat
     // Also where the Trash then refuses: all that is left for the user to remove is the bundle.
     const Registration::Traces traces = m_registration.of(bundlePath);
     for (const QString& link : traces.links)
-        QFile::remove(link);
+        static_cast<void>(removeOwnFile(link));
     const auto moved = m_trash.move(bundlePath);
     // Refused by the system where there is something in them.
-    for (const QString& folder : traces.folders)
-        QDir().rmdir(folder);
+    for (const QString& folder : traces.folders) {
+        if (QFileInfo(folder).ownerId() == ::geteuid()) QDir().rmdir(folder);
+    }
     return moved.map_error([](const QString& sentence) { return RecycleError{sentence}; });
 }
 

@@ -6,7 +6,10 @@
 #include <QFile>
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
+
+#include "platform/posix/ownership.h"
 
 namespace quietlark {
 
@@ -55,10 +58,6 @@ void removeOwnEntry(const Descriptor& directory, const QByteArray& name, int lev
 }
 
 }  // namespace
-
-bool isOwn(const struct stat& status) {
-    return status.st_uid == ::geteuid();
-}
 
 bool isMountPoint(const Descriptor& directory) {
     // Tells also of a mount from within the same file system, where the device is no other.

@@ -4,7 +4,6 @@
 
 #include <QByteArray>
 #include <QString>
-#include <sys/stat.h>
 
 #include "platform/posix/descriptor.h"
 
@@ -12,9 +11,6 @@ namespace quietlark {
 
 /// The functions here go by open directories, so that nobody can put another one in the way, and
 /// follow no link below the directory that they are given.
-
-/// Whether the file belongs to the user whom this process acts for.
-[[nodiscard]] bool isOwn(const struct stat& status);
 
 /// Whether something is mounted on the directory, or it is the root of everything.
 [[nodiscard]] bool isMountPoint(const Descriptor& directory);

@@ -8,6 +8,7 @@
 #include <QSaveFile>
 
 #include "platform/linux/xdg/desktop_entry.h"
+#include "platform/own_file.h"
 
 namespace quietlark {
 namespace {
@@ -61,10 +62,8 @@ tl::expected<void, ServiceError> AutostartEntry::registerItem() {
 }
 
 tl::expected<void, ServiceError> AutostartEntry::unregisterItem() {
-    QFile file(m_file);
-    const QFileInfo info(m_file);
-    if (!info.exists() && !info.isSymLink()) return {};
-    if (!file.remove()) return failure(file.errorString());
+    const auto removed = removeOwnFile(m_file);
+    if (!removed) return failure(removed.error());
     return {};
 }
 
