@@ -3,31 +3,76 @@
 # knows what was made outside of it, so that whoever removes it leaves nothing behind.
 
 application=net.quietlark.app
+program=bin/quietlark
+menu_entry=share/applications/$application.desktop
 service=net.quietlark.server.service
 registered=share/quietlark/registered
 
-data_home() {
-    printf '%s' "${XDG_DATA_HOME:-$HOME/.local/share}"
+# Sets $home, $data_home, $config_home and $bundle, all without slashes to spare, as paths are
+# compared as they are written.
+find_places() {
+    [[ ${HOME:-} = /* ]] || fail "HOME does not say where your home directory is."
+    if [ ! -d "$HOME" ] || [ ! -O "$HOME" ]; then
+        fail "$HOME, which HOME names, is not a home directory of yours."
+    fi
+    home=$(realpath -sm -- "$HOME")
+    home=${home%/}
+    data_home=$(base_directory "${XDG_DATA_HOME:-}" .local/share)
+    config_home=$(base_directory "${XDG_CONFIG_HOME:-}" .config)
+    bundle="$home/.local/opt/Quietlark"
+}
+
+# base_directory VALUE DEFAULT: what is not absolute counts as not set.
+base_directory() {
+    [[ $1 = /* ]] || set -- "$home/$2"
+    realpath -sm -- "$1"
+}
+
+# What is there and not the program alone is somebody's.
+require_own_bundle() {
+    if [ -e "$bundle" ] || [ -L "$bundle" ]; then
+        is_own_bundle || fail "$bundle is there already, and is not an installation of Quietlark."
+    fi
+}
+
+is_own_bundle() {
+    local part
+    [ -d "$bundle" ] && [ ! -L "$bundle" ] && [ -O "$bundle" ] || return 1
+    for part in "$program" "$menu_entry"; do
+        [ -f "$bundle/$part" ] && [ ! -L "$bundle/$part" ] || return 1
+    done
+    [ -z "$(find "$bundle" -mindepth 1 -maxdepth 1 ! -name bin ! -name lib ! -name share)" ] &&
+        ! holds_mount "$bundle"
+}
+
+# holds_mount FOLDER: something is mounted on it or below, be it from within the same file system.
+holds_mount() {
+    local folder point
+    folder=$(realpath -- "$1")
+    while IFS= read -r point; do
+        [[ $point/ != "$folder"/* ]] || return 0
+    done < <(findmnt --list --noheadings --output TARGET)
+    return 1
 }
 
 # links CONTENT: each link, and the part of the bundle that it leads to, for a bundle of this content.
 # The service's is not among the user's configuration, where systemd would remove it when the service
 # is disabled.
 links() {
-    local data part
-    data=$(data_home)
+    local part
     for part in quietlark quietlark-server; do
-        printf '%s\t%s\n' "$HOME/.local/bin/$part" "bin/$part"
+        printf '%s\t%s\n' "$home/.local/bin/$part" "bin/$part"
     done
     (cd "$1/share" && printf '%s\n' applications/* metainfo/* icons/hicolor/*/apps/* man/man1/*) |
         while read -r part; do
-            printf '%s\t%s\n' "$data/$part" "share/$part"
+            printf '%s\t%s\n' "$data_home/$part" "share/$part"
         done
-    printf '%s\t%s\n' "$data/systemd/user/$service" "lib/systemd/user/$service"
+    printf '%s\t%s\n' "$data_home/systemd/user/$service" "lib/systemd/user/$service"
 }
 
 leads_into_bundle() {
-    [[ $(readlink "$1") = "$bundle"/* ]]
+    local target
+    target=$(readlink -- "$1") && [[ $target = /* && $(realpath -sm -- "$target") = "$bundle"/* ]]
 }
 
 # What is not ours stays, and then there is no place for a link of ours.
@@ -54,6 +99,8 @@ install_bundle() {
     else
         printf '%s' "${made:+$made$'\n'}" >"$new/$registered"
     fi
+    # Building takes its time.
+    require_own_bundle
     [ ! -e "$bundle" ] || mv "$bundle" "$staged/old"
     mv "$new" "$bundle"
 }
@@ -62,7 +109,7 @@ install_bundle() {
 clear_stage() {
     [ -n "${staged:-}" ] || return 0
     [ -e "$bundle" ] || [ ! -e "$staged/old" ] || mv "$staged/old" "$bundle"
-    rm -rf "$staged"
+    rm -rf --one-file-system "$staged"
     [ -e "$bundle" ] || remove_made "$(tac <<<"$made")"
 }
 
@@ -82,15 +129,13 @@ register() {
         grep -qxF "$link" "$bundle/$registered" || printf '%s\n' "$link" >>"$bundle/$registered"
     done < <(links "$bundle")
     # Which systemd makes when the service is enabled, and leaves there.
-    mkdir_noting "${XDG_CONFIG_HOME:-$HOME/.config}/systemd/user" >>"$bundle/$registered"
+    mkdir_noting "$config_home/systemd/user" >>"$bundle/$registered"
     tell_desktop
 }
 
 # Some desktops look for new files only when they are told, by a cache or by the folder's date.
 tell_desktop() {
-    local data
-    data=$(data_home)
-    touch "$data/icons/hicolor" 2>/dev/null || true
+    touch "$data_home/icons/hicolor" 2>/dev/null || true
     systemctl --user daemon-reload 2>/dev/null || true
 }
 
@@ -98,7 +143,7 @@ tell_desktop() {
 unregister() {
     local paths
     paths=$(tac "$bundle/$registered") || paths=
-    rm -rf "$bundle"
+    rm -rf --one-file-system "$bundle"
     remove_made "$paths"
     systemctl --user daemon-reload 2>/dev/null || true
 }
@@ -117,7 +162,7 @@ remove_made() {
 
 # Also where no service manager answers, or it ignores a service that its user has masked.
 stop_service() {
-    local units="${XDG_CONFIG_HOME:-$HOME/.config}/systemd/user" link
+    local units="$config_home/systemd/user" link
     systemctl --user disable --now "$service" 2>/dev/null || true
     for link in "$units/$service" "$units/default.target.wants/$service"; do
         ! leads_into_bundle "$link" || rm "$link"
@@ -127,6 +172,6 @@ stop_service() {
 
 # Starting at login is the application's own setting, in a file that names its program.
 forget_autostart() {
-    local entry="${XDG_CONFIG_HOME:-$HOME/.config}/autostart/$application.desktop"
+    local entry="$config_home/autostart/$application.desktop"
     ! grep -qF "Exec=\"$bundle/bin/quietlark\"" "$entry" 2>/dev/null || rm "$entry"
 }

@@ -16,8 +16,19 @@ begin() {
 }
 
 install_script() {
-    env -u XDG_CONFIG_HOME -u XDG_DATA_HOME HOME="$home" XDG_RUNTIME_DIR=/nonexistent \
-        DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent \
+    install_with HOME="$home" -- "$@"
+}
+
+# install_with [VARIABLE=VALUE...] -- [OPTION]
+install_with() {
+    local variables=()
+    while [ "$1" != -- ]; do
+        variables+=("$1")
+        shift
+    done
+    shift
+    env -u HOME -u XDG_CONFIG_HOME -u XDG_DATA_HOME XDG_RUNTIME_DIR=/nonexistent \
+        DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent "${variables[@]}" \
         bash "$root/scripts/install" "$@" 2>"$scratch/err"
 }
 
@@ -73,7 +84,22 @@ listing >"$scratch/before"
 refuses "$home/.local/bin/quietlark"
 is_as_before
 
-for other in "mkdir -p $bundle/precious" "ln -s /usr $bundle"; do
+# The folder is ours only with the program in it, and nothing besides.
+install_like() {
+    mkdir -p "$bundle/bin" "$bundle/share/applications"
+    : >"$bundle/bin/quietlark"
+    : >"$bundle/share/applications/net.quietlark.app.desktop"
+}
+with_notes() { install_like && mkdir "$bundle/notes"; }
+with_folder_for_program() { install_like && rm "$bundle/bin/quietlark" && mkdir "$bundle/bin/quietlark"; }
+with_link_for_program() { install_like && ln -sf /bin/true "$bundle/bin/quietlark"; }
+without_menu_entry() { install_like && rm -r "$bundle/share"; }
+of_somebody_else() { install_like && chown 1234 "$bundle"; }
+
+others=("mkdir -p $bundle/precious" "ln -s /usr $bundle" with_notes with_folder_for_program
+    with_link_for_program without_menu_entry)
+[ "$(id -u)" != 0 ] || others+=(of_somebody_else)
+for other in "${others[@]}"; do
     begin
     mkdir "$home/.local/opt"
     $other
@@ -86,3 +112,51 @@ done
 begin
 ! install_script --remove || fail 'What is not installed was removed.'
 is_as_before
+
+# Paths are compared as they are written.
+begin
+install_with HOME="$home//" XDG_DATA_HOME=data XDG_CONFIG_HOME=config -- ||
+    fail "It could not be installed: $(cat "$scratch/err")"
+[ ! -e data ] || fail 'A relative directory was obeyed.'
+install_script --remove || fail "It could not be removed: $(cat "$scratch/err")"
+is_as_before
+
+# says SENTENCE [VARIABLE=VALUE...]
+says() {
+    local option
+    for option in '' --remove; do
+        ! install_with "${@:2}" -- ${option:+"$option"} || fail "It did not object to: ${*:2}"
+        expect "what it says to ${*:2}" "install: $1" "$(cat "$scratch/err")"
+    done
+}
+
+begin
+nowhere='HOME does not say where your home directory is.'
+says "$nowhere"
+says "$nowhere" HOME=
+says "$nowhere" HOME=home
+says "$home/none, which HOME names, is not a home directory of yours." HOME="$home/none"
+if [ "$(id -u)" = 0 ]; then
+    chown 1234 "$home"
+    says "$home, which HOME names, is not a home directory of yours." HOME="$home"
+    chown 0 "$home"
+fi
+is_as_before
+
+# What is mounted in it, be it from within the same file system, is not ours.
+if [ "$(id -u)" = 0 ] && unshare --mount true 2>/dev/null; then
+    begin
+    install_like
+    mkdir "$bundle/share/disk" "$home/photos"
+    : >"$home/photos/precious"
+    listing >"$scratch/before"
+    export -f install_script install_with
+    export home root scratch bundle
+    unshare --mount bash -euc 'mount --bind "$home/photos" "$bundle/share/disk"
+        ! install_script || exit 1
+        ! install_script --remove' || fail 'It was taken for ours with a mount in it.'
+    grep -qF "$bundle is there already" "$scratch/err" || fail "It says: $(cat "$scratch/err")"
+    is_as_before
+else
+    echo 'Mounts were not tested: only root can mount.'
+fi
