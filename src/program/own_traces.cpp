@@ -34,10 +34,10 @@ QStringList bundleRoots(const Installation& installation) {
     return roots;
 }
 
-/// Which other programs use too, wherever the environment has put them, or that somebody stands in.
+/// Which other programs use too, wherever the environment has put them.
 QStringList sharedPlaces() {
-    QStringList places{QDir::rootPath(), QDir::homePath(), registeredHome(),
-                       configHome(),     dataHome(),       QDir::currentPath()};
+    QStringList places{QDir::rootPath(), QDir::homePath(), registeredHome(), configHome(),
+                       dataHome()};
     for (const char* variable : {"XDG_STATE_HOME", "XDG_CACHE_HOME", "XDG_RUNTIME_DIR", "TMPDIR"}) {
         const QString place = QFile::decodeName(qgetenv(variable));
         if (place.startsWith(u'/')) places << place;
@@ -56,9 +56,9 @@ OwnTraces::OwnTraces(const QString& settingsFile)
     : installation(QCoreApplication::applicationFilePath(), QDir::homePath(), furtherRoot()),
       defaults(defaultsBeside(settingsFile)),
       loginItem(configHome(), QCoreApplication::applicationFilePath()),
-      files({usualConfigHome(), usualDataHome()}, sharedPlaces() << installation.bundlePath()),
-      recycler({bundleRoots(installation),
-                {QDir::homePath(), registeredHome()},
+      files({usualConfigHome(), usualDataHome()},
+            sharedPlaces() << QDir::currentPath() << installation.bundlePath()),
+      recycler({bundleRoots(installation), sharedPlaces(),
                 QStringLiteral("/var/lib/dpkg/info/quietlark.list")},
                FreedesktopTrash(dataHome()), registration()) {}
 

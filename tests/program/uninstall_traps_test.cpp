@@ -406,6 +406,48 @@ TEST_F(UninstallTrapsTest, ABundleThatIsNotOursAlone) {
     }
 }
 
+TEST_F(UninstallTrapsTest, FurtherPlacesForApplicationsThatAreNone) {
+    install("/usr");
+    install("/home/me/work/Quietlark");
+    for (const char* further : {"", "/", "//", "/usr", "/usr/", "relative", "..", "."}) {
+        qputenv("QUIETLARK_APPLICATIONS", further);
+        for (const char* path : {"/usr", "/home/me/work/Quietlark", "Quietlark"}) {
+            installation.path = QString::fromLatin1(path);
+            useAndUninstall();
+            EXPECT_TRUE(exists("/usr/bin/quietlark")) << further;
+            EXPECT_TRUE(exists("/home/me/work/Quietlark/bin/quietlark")) << further;
+        }
+    }
+    qputenv("QUIETLARK_APPLICATIONS", "/home/me");
+    useAndUninstall();
+    EXPECT_TRUE(exists("/home/me/work/Quietlark/bin/quietlark"));
+    qunsetenv("QUIETLARK_APPLICATIONS");
+}
+
+TEST_F(UninstallTrapsTest, AListOfFoldersThatWereNotMadeForIt) {
+    installation.path = QStringLiteral("/opt/Quietlark");
+    install("/opt/Quietlark");
+    for (const char* folder : {"/srv/empty", "/empty", "/home/me/empty", "/opt/empty"})
+        ASSERT_TRUE(QDir().mkpath(QString::fromLatin1(folder)));
+    write(QStringLiteral("/opt/Quietlark/share/quietlark/registered"),
+          "/srv/empty/\n/empty/\n../../../\n../empty/\nempty/\n/\n//\n/opt/Quietlark/../empty/\n"
+          "/home/me/empty/\n/home/me/thesis\n/etc/passwords\n\n/home/me/\n");
+    useAndUninstall();
+    EXPECT_FALSE(exists("/opt/Quietlark"));
+    for (const char* folder : {"/srv/empty", "/empty", "/home/me/empty", "/opt/empty"})
+        EXPECT_TRUE(exists(folder)) << folder;
+}
+
+TEST_F(UninstallTrapsTest, AVariableThatNamesAFolderInTheBundle) {
+    installation.path = QStringLiteral("/opt/Quietlark");
+    install("/opt/Quietlark");
+    qputenv("XDG_DATA_HOME", "/opt/Quietlark/share");
+    write("/opt/Quietlark/share/mail/thesis");
+    useAndUninstall();
+    EXPECT_TRUE(exists("/opt/Quietlark/share/mail/thesis"));
+    EXPECT_FALSE(exists("/opt/Quietlark/share/Quietlark"));
+}
+
 TEST_F(UninstallTrapsTest, LinksThatLeadElsewhereAndFilesThatAreNoLinks) {
     installation.path = QStringLiteral("/opt/Quietlark");
     install("/opt/Quietlark");

@@ -8,7 +8,7 @@
 #include <fcntl.h>
 
 #include "platform/posix/descriptor.h"
-#include "platform/posix/ownership.h"
+#include "platform/posix/file_status.h"
 
 namespace quietlark {
 

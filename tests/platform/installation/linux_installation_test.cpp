@@ -1,6 +1,8 @@
 #include "platform/linux/installation/linux_installation.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -45,6 +47,71 @@ TEST_F(LinuxInstallationTest, InASharedDirectoryTheBundleIsTheExecutableAlone) {
 TEST_F(LinuxInstallationTest, ApplicationsBelongInThreePlaces) {
     EXPECT_EQ(installation.applicationRoots().join(u' '),
               QStringLiteral("/opt/ /home/me/.local/opt/ /usr/"));
+}
+
+TEST_F(LinuxInstallationTest, SlashesToSpareMakeNoDifference) {
+    const LinuxInstallation spare(QStringLiteral("/home/me/bin/quietlark"),
+                                  QStringLiteral("/home/me//"), QStringLiteral("/srv/apps//"));
+    EXPECT_EQ(spare.bundlePath(), QStringLiteral("/home/me/bin/quietlark"));
+    EXPECT_EQ(spare.applicationRoots().join(u' '),
+              QStringLiteral("/opt/ /home/me/.local/opt/ /usr/ /srv/apps/"));
+}
+
+TEST_F(LinuxInstallationTest, TheHomeDirectoryMayBeTheRootDirectory) {
+    const LinuxInstallation atRoot(QStringLiteral("/.local/opt/Quietlark/bin/quietlark"),
+                                   QStringLiteral("/"));
+    EXPECT_EQ(atRoot.bundlePath(), QStringLiteral("/.local/opt/Quietlark"));
+    EXPECT_EQ(atRoot.applicationRoots().join(u' '), QStringLiteral("/opt/ /.local/opt/ /usr/"));
+}
+
+TEST_F(LinuxInstallationTest, NoApplicationsBelongInWhatIsNoFolderForThem) {
+    for (const char* further : {"", "/", "//", "/opt/..", "apps", "..", "."}) {
+        const LinuxInstallation odd(executable, QStringLiteral("/home/me"),
+                                    QString::fromLatin1(further));
+        EXPECT_EQ(odd.applicationRoots(), installation.applicationRoots()) << further;
+    }
+}
+
+/// Where the user's folders are links, the executable's path goes by where they lead.
+class LinkedInstallationTest : public LinuxInstallationTest {
+protected:
+    QString at(const char* path) const {
+        return QDir(directory.path()).canonicalPath() + u'/' + QString::fromLatin1(path);
+    }
+    void link(const char* path, const char* target) const {
+        ASSERT_TRUE(QDir().mkpath(at(target)));
+        ASSERT_TRUE(QDir().mkpath(QFileInfo(at(path)).path()));
+        ASSERT_TRUE(QFile::link(at(target), at(path)));
+    }
+    QString bundleAt(const char* path) const {
+        return LinuxInstallation(at(path), at("home")).bundlePath();
+    }
+    QStringList roots() const {
+        return LinuxInstallation(executable, at("home")).applicationRoots();
+    }
+};
+
+TEST_F(LinkedInstallationTest, TheHomeDirectory) {
+    link("home", "disk");
+    ASSERT_TRUE(QDir().mkpath(at("disk/.local/opt")));
+    EXPECT_EQ(bundleAt("disk/bin/quietlark"), at("disk/bin/quietlark"));
+    EXPECT_EQ(bundleAt("disk/.local/bin/quietlark"), at("disk/.local/bin/quietlark"));
+    EXPECT_EQ(bundleAt("disk/.local/opt/Quietlark/bin/quietlark"), at("disk/.local/opt/Quietlark"));
+    EXPECT_TRUE(roots().contains(at("home/.local/opt/")));
+    EXPECT_TRUE(roots().contains(at("disk/.local/opt/")));
+}
+
+TEST_F(LinkedInstallationTest, TheFolderForLocalThings) {
+    link("home/.local", "local");
+    ASSERT_TRUE(QDir().mkpath(at("local/opt")));
+    EXPECT_EQ(bundleAt("local/bin/quietlark"), at("local/bin/quietlark"));
+    EXPECT_TRUE(roots().contains(at("local/opt/")));
+}
+
+TEST_F(LinkedInstallationTest, TheFolderForApplications) {
+    link("home/.local/opt", "applications");
+    EXPECT_TRUE(roots().contains(at("applications/")));
+    EXPECT_EQ(bundleAt("applications/Quietlark/bin/quietlark"), at("applications/Quietlark"));
 }
 
 TEST_F(LinuxInstallationTest, TheIdentifierIsThatOfTheDesktopEntry) {

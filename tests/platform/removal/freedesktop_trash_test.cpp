@@ -1,6 +1,7 @@
 #include "platform/linux/removal/freedesktop_trash.h"
 
 #include <QDateTime>
+#include <fcntl.h>
 
 #include "platform/removal/file_tree.h"
 
@@ -170,6 +171,20 @@ TEST_F(OtherFileSystemTest, AMountPointItselfCannotBeMovedAndStays) {
     const auto moved = move("disk");
     EXPECT_FALSE(moved.has_value());
     EXPECT_TRUE(exists("disk/opt/Quietlark/bin/quietlark"));
+}
+
+TEST_F(FreedesktopTrashTest, AnotherThingInThePlaceOfTheOneThatIsMeantStays) {
+    write("opt/Quietlark/thesis");
+    makeFolder("meant");
+    const Descriptor parent(
+        ::open(QFile::encodeName(at("opt")).constData(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    const Descriptor meant(
+        ::open(QFile::encodeName(at("meant")).constData(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    const auto moved = FreedesktopTrash(at("home/.local/share"))
+                           .move(FreedesktopTrash::Item{at("opt/Quietlark"), parent, meant});
+    EXPECT_FALSE(moved.has_value());
+    EXPECT_TRUE(exists("opt/Quietlark/thesis"));
+    EXPECT_EQ(listing("home/.local/share/Trash"), "files info");
 }
 
 }  // namespace

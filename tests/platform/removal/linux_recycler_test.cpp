@@ -129,6 +129,22 @@ TEST_F(LinuxRecyclerTest, OnlyThatNameBelowARootCounts) {
     expectRefused("home/Downloads/Quietlark");
 }
 
+TEST_F(LinuxRecyclerTest, WhereTheFolderReallyIsCounts) {
+    install("home/Downloads/Quietlark");
+    makeFolder("opt");
+    expectRefused("opt/../home/Downloads/Quietlark");
+    link("opt/downloads", at("home/Downloads"));
+    expectRefused("opt/downloads/Quietlark");
+    EXPECT_TRUE(exists("home/Downloads/Quietlark/bin/quietlark"));
+}
+
+TEST_F(LinuxRecyclerTest, ARelativePathIsRefused) {
+    const QString before = QDir::currentPath();
+    QDir::setCurrent(at("home/.local/opt"));
+    EXPECT_FALSE(refusal(QStringLiteral("Quietlark")).isEmpty());
+    QDir::setCurrent(before);
+}
+
 TEST_F(LinuxRecyclerTest, AFolderThatLacksAPartOfTheProgramIsNone) {
     QFile::remove(at("home/.local/opt/Quietlark/share/applications/net.quietlark.app.desktop"));
     expectRefused("home/.local/opt/Quietlark");

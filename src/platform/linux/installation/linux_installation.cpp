@@ -2,20 +2,41 @@
 
 #include <utility>
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <sys/stat.h>
 
 namespace quietlark {
 
+namespace {
+
+/// The directories as they are written, without slashes to spare, and as they are without links,
+/// which is how the executable's path is. Leaves out what is not absolute, or is everything.
+QStringList formsOf(const QStringList& directories) {
+    QStringList forms;
+    for (const QString& directory : directories) {
+        if (!directory.startsWith(u'/')) continue;
+        forms << QDir::cleanPath(directory) << QFileInfo(directory).canonicalFilePath();
+    }
+    forms.removeAll(QString());
+    forms.removeAll(QDir::rootPath());
+    forms.removeDuplicates();
+    return forms;
+}
+
+}  // namespace
+
 LinuxInstallation::LinuxInstallation(QString executable, const QString& home,
                                      const QString& furtherRoot)
     : m_executable(std::move(executable)),
-      m_sharedDirectories{QStringLiteral("/"), QStringLiteral("/usr"), QStringLiteral("/usr/local"),
-                          home, home + QStringLiteral("/.local")},
-      m_applicationRoots{QStringLiteral("/opt/"), home + QStringLiteral("/.local/opt/"),
-                         QStringLiteral("/usr/")} {
-    if (!furtherRoot.isEmpty()) m_applicationRoots << furtherRoot + u'/';
+      m_sharedDirectories(QStringList(QStringLiteral("/"))
+                          << formsOf({QStringLiteral("/usr"), QStringLiteral("/usr/local"), home,
+                                      home + QStringLiteral("/.local")})),
+      m_applicationRoots(formsOf({QStringLiteral("/opt"), home + QStringLiteral("/.local/opt"),
+                                  QStringLiteral("/usr"), furtherRoot})) {
+    for (QString& root : m_applicationRoots)
+        root += u'/';
 }
 
 QString LinuxInstallation::bundlePath() const {

@@ -11,7 +11,8 @@ class LinuxInstallation final : public Installation {
 public:
     /// `executable` is its path without symbolic links, as QCoreApplication::applicationFilePath()
     /// has it; `home` is the user's home directory. `furtherRoot`, if there is one, is one more
-    /// directory that applications may be installed below, for trying the program out.
+    /// directory that applications may be installed below, for trying the program out; one that is
+    /// not absolute, or the root directory, is none.
     LinuxInstallation(QString executable, const QString& home, const QString& furtherRoot = {});
 
     [[nodiscard]] QString bundlePath() const override;
@@ -21,7 +22,8 @@ public:
         return QStringLiteral("net.quietlark.app");
     }
 
-    /// "/opt/", "~/.local/opt/", and "/usr/" for what a package manager has installed.
+    /// "/opt/", "~/.local/opt/", and "/usr/" for what a package manager has installed; also without
+    /// links, where that differs.
     [[nodiscard]] QStringList applicationRoots() const override { return m_applicationRoots; }
 
     [[nodiscard]] std::optional<double> executableModificationDate() const override;

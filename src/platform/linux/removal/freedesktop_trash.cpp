@@ -14,7 +14,7 @@
 #include <unistd.h>
 
 #include "platform/linux/removal/own_tree.h"
-#include "platform/posix/ownership.h"
+#include "platform/posix/file_status.h"
 
 namespace quietlark {
 
@@ -120,28 +120,51 @@ Outcome writeInfo(const Descriptor& info, const QByteArray& name, const QByteArr
     return failure;
 }
 
-/// Under `name`, unless the Trash has something of that name.
-Outcome moveAs(const QByteArray& name, const Descriptor& files, const Descriptor& infos,
-               const QByteArray& source, const QByteArray& info) {
-    const QByteArray infoName = name + ".trashinfo";
-    if (const Outcome written = writeInfo(infos, infoName, info); !written) return written;
-    if (::renameat2(AT_FDCWD, source.constData(), files.number(), name.constData(),
-                    RENAME_NOREPLACE) == 0)
-        return {};
-    const Outcome failure = lastError();
-    ::unlinkat(infos.number(), infoName.constData(), 0);
-    return failure;
+Outcome renameTo(const Descriptor& to, const QByteArray& newName, const Descriptor& from,
+                 const QByteArray& name) {
+    if (::renameat2(from.number(), name.constData(), to.number(), newName.constData(),
+                    RENAME_NOREPLACE) != 0)
+        return lastError();
+    return {};
 }
 
-Outcome moveInto(const Descriptor& trash, const QString& path, const QByteArray& info) {
+/// Another thing that has taken the place of the one that is meant goes back.
+Outcome renameItem(const FreedesktopTrash::Item& item, const Descriptor& files,
+                   const QByteArray& name) {
+    const QByteArray oldName = QFile::encodeName(QFileInfo(item.path).fileName());
+    const Outcome renamed = renameTo(files, name, item.parent, oldName);
+    if (!renamed) return renamed;
+    struct stat meant {};
+    struct stat moved {};
+    const bool isMeant =
+        ::fstat(item.itself.number(), &meant) == 0 &&
+        ::fstatat(files.number(), name.constData(), &moved, AT_SYMLINK_NOFOLLOW) == 0 &&
+        isSameFile(meant, moved);
+    if (isMeant) return {};
+    static_cast<void>(renameTo(item.parent, oldName, files, name));
+    return tl::unexpected(make_error_code(std::errc::no_such_file_or_directory));
+}
+
+/// Under `name`, unless the Trash has something of that name.
+Outcome moveAs(const QByteArray& name, const Descriptor& files, const Descriptor& infos,
+               const FreedesktopTrash::Item& item, const QByteArray& info) {
+    const QByteArray infoName = name + ".trashinfo";
+    if (const Outcome written = writeInfo(infos, infoName, info); !written) return written;
+    const Outcome outcome = renameItem(item, files, name);
+    if (!outcome) ::unlinkat(infos.number(), infoName.constData(), 0);
+    return outcome;
+}
+
+Outcome moveInto(const Descriptor& trash, const FreedesktopTrash::Item& item,
+                 const QByteArray& info) {
     const Folder files = ensureFolder(trash, "files");
     const Folder infos = ensureFolder(trash, "info");
     if (!files || !infos) return tl::unexpected((files ? infos : files).error());
-    const QByteArray base = QFile::encodeName(QFileInfo(path).fileName());
+    const QByteArray base = QFile::encodeName(QFileInfo(item.path).fileName());
     Outcome outcome;
     for (int number = 1; number <= mostNames; ++number) {
         const QByteArray name = number == 1 ? base : base + '.' + QByteArray::number(number);
-        outcome = moveAs(name, *files, *infos, QFile::encodeName(path), info);
+        outcome = moveAs(name, *files, *infos, item, info);
         if (!failedWith(outcome, std::errc::file_exists)) break;
     }
     return outcome;
@@ -152,13 +175,24 @@ Outcome moveInto(const Descriptor& trash, const QString& path, const QByteArray&
 FreedesktopTrash::FreedesktopTrash(QString dataHome) : m_dataHome(std::move(dataHome)) {}
 
 tl::expected<void, QString> FreedesktopTrash::move(const QString& path) const {
+    const QFileInfo info(path);
+    const Descriptor parent(
+        ::open(QFile::encodeName(info.path()).constData(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    const Descriptor itself(::openat(parent.number(),
+                                     QFile::encodeName(info.fileName()).constData(),
+                                     O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    return move(Item{path, parent, itself});
+}
+
+tl::expected<void, QString> FreedesktopTrash::move(const Item& item) const {
+    const QString& path = item.path;
     Outcome outcome = ensureHomeTrash(m_dataHome).and_then([&](const Descriptor& trash) {
-        return moveInto(trash, path, infoText(path));
+        return moveInto(trash, item, infoText(path));
     });
     if (failedWith(outcome, std::errc::cross_device_link)) {
         const QString top = topOfFileSystem(QFileInfo(QFileInfo(path).path()).canonicalFilePath());
         outcome = ensureTopTrash(top).and_then([&](const Descriptor& trash) {
-            return moveInto(trash, path, infoText(QDir(top).relativeFilePath(path)));
+            return moveInto(trash, item, infoText(QDir(top).relativeFilePath(path)));
         });
     }
     return outcome.map_error([&](const std::error_code& reason) {

@@ -20,8 +20,8 @@ class LinuxRecycler final : public Recycler {
 public:
     /// Where things are on this computer.
     struct Places {
-        QStringList applicationRoots;  ///< whose folders may be bundles, each with a final slash
-        QStringList homes;             ///< of the user; no folder that holds one is a bundle
+        QStringList applicationRoots;  ///< without links and with a final slash
+        QStringList keptPlaces;        ///< no folder that holds one is a bundle
         QString packageFiles;          ///< the list of the files of the package, if it is installed
     };
 
@@ -30,7 +30,9 @@ public:
     [[nodiscard]] tl::expected<void, RecycleError> recycle(const QString& bundlePath) override;
 
 private:
-    [[nodiscard]] std::optional<QString> objectionTo(const QString& bundlePath) const;
+    [[nodiscard]] std::optional<QString> objectionTo(const FreedesktopTrash::Item& bundle) const;
+    [[nodiscard]] bool isProgramAlone(const Descriptor& folder) const;
+    [[nodiscard]] bool isBelowRoot(const QString& bundlePath) const;
     [[nodiscard]] bool isPackaged(const QString& bundlePath) const;
 
     const Places m_places;

@@ -1,7 +1,6 @@
 #include "platform/linux/removal/own_tree.h"
 
 #include <memory>
-#include <vector>
 
 #include <QFile>
 #include <dirent.h>
@@ -9,7 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "platform/posix/ownership.h"
+#include "platform/posix/file_status.h"
 
 namespace quietlark {
 
@@ -21,24 +20,6 @@ constexpr int deepestLevel = 100;
 struct DirectoryCloser {
     void operator()(DIR* directory) const { ::closedir(directory); }
 };
-
-bool isSame(const struct stat& one, const struct stat& other) {
-    return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
-}
-
-/// Before any of them is removed, which might disturb the reading.
-std::vector<QByteArray> entryNames(const Descriptor& directory) {
-    std::vector<QByteArray> names;
-    // A descriptor of its own, since closing the stream closes that too.
-    const int reading = ::openat(directory.number(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    const std::unique_ptr<DIR, DirectoryCloser> stream(reading < 0 ? nullptr
-                                                                   : ::fdopendir(reading));
-    while (const dirent* entry = stream ? ::readdir(stream.get()) : nullptr) {
-        const QByteArray name = entry->d_name;
-        if (name != "." && name != "..") names.push_back(name);
-    }
-    return names;
-}
 
 void removeOwnEntry(const Descriptor& directory, const QByteArray& name, int level) {
     struct stat status {};
@@ -58,6 +39,19 @@ void removeOwnEntry(const Descriptor& directory, const QByteArray& name, int lev
 }
 
 }  // namespace
+
+std::vector<QByteArray> entryNames(const Descriptor& directory) {
+    std::vector<QByteArray> names;
+    // A descriptor of its own, since closing the stream closes that too.
+    const int reading = ::openat(directory.number(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const std::unique_ptr<DIR, DirectoryCloser> stream(reading < 0 ? nullptr
+                                                                   : ::fdopendir(reading));
+    while (const dirent* entry = stream ? ::readdir(stream.get()) : nullptr) {
+        const QByteArray name = entry->d_name;
+        if (name != "." && name != "..") names.push_back(name);
+    }
+    return names;
+}
 
 bool isMountPoint(const Descriptor& directory) {
     // Tells also of a mount from within the same file system, where the device is no other.
@@ -87,11 +81,11 @@ bool isAtOrAbove(const Descriptor& directory, const QString& path) {
     if (::fstat(directory.number(), &wanted) != 0) return false;
     Descriptor at(::open(QFile::encodeName(path).constData(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     while (at.isOpen() && ::fstat(at.number(), &here) == 0) {
-        if (isSame(here, wanted)) return true;
+        if (isSameFile(here, wanted)) return true;
         Descriptor above(::openat(at.number(), "..", O_PATH | O_DIRECTORY | O_CLOEXEC));
         struct stat there {};
         const bool isTop =
-            !above.isOpen() || ::fstat(above.number(), &there) != 0 || isSame(there, here);
+            !above.isOpen() || ::fstat(above.number(), &there) != 0 || isSameFile(there, here);
         if (isTop) return false;
         at = std::move(above);
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <vector>
 
 #include <QByteArray>
 #include <QString>
@@ -21,6 +22,9 @@ namespace quietlark {
 
 /// Whether `directory` is the one at `path`, or one above that, by way of links or not.
 [[nodiscard]] bool isAtOrAbove(const Descriptor& directory, const QString& path);
+
+/// What is in the directory, all at once, since removing any of it might disturb the reading.
+[[nodiscard]] std::vector<QByteArray> entryNames(const Descriptor& directory);
 
 using EntryFilter = std::function<bool(const QByteArray& name)>;
 

@@ -10,4 +10,9 @@ namespace quietlark {
     return status.st_uid == ::geteuid();
 }
 
+/// Whether the two are of one file, be it under two names.
+[[nodiscard]] inline bool isSameFile(const struct stat& one, const struct stat& other) {
+    return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
 }  // namespace quietlark
