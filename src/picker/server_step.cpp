@@ -1,7 +1,5 @@
 #include "picker/server_step.h"
 
-#include <algorithm>
-
 #include "picker/network_text.h"
 #include "picker/server_picker_model.h"
 #include "platform/scheduler.h"
@@ -52,10 +50,8 @@ QString ServerStep::networkCardCopy() const {
 }
 
 std::vector<ServerRow> ServerStep::rows() const {
-    const auto& remotes = m_appState.discoveredServers().remotes();
     std::vector<ServerRow> rows;
-    for (std::size_t i = 0; i < std::min(remotes.size(), maxRows); ++i) {
-        const MDNSBrowser::Entry& entry = remotes[i];
+    for (const MDNSBrowser::Entry& entry : m_appState.discoveredServers().remotes()) {
         const QString address = entry.host + u':' + QString::number(entry.port);
         const auto hint = m_ranker.speedHint(entry);
         rows.push_back({entry.id(), shownNetworkText(entry.name, maxNameLength),

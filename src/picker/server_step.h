@@ -32,8 +32,7 @@ class ServerStep final : public QObject {
 public:
     /// After this long without a server the search says that there is none.
     static constexpr std::chrono::milliseconds initialScan{3000};
-    /// What a network can put on the screen.
-    static constexpr std::size_t maxRows = 100;
+    /// What a server can put on a line.
     static constexpr qsizetype maxNameLength = 100;
 
     ServerStep(ServerPickerModel& model, AppState& appState, const ServerRanker& ranker,
@@ -46,7 +45,7 @@ public:
 
     [[nodiscard]] QString localCardCopy() const;
     [[nodiscard]] QString networkCardCopy() const;
-    /// The first `maxRows` servers, in the order in which they were found.
+    /// All servers, in the order of their last answers. The network's search bounds their number.
     [[nodiscard]] std::vector<ServerRow> rows() const;
 
 Q_SIGNALS:

@@ -1,6 +1,7 @@
 #include "ui/server_list_model.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace quietlark {
 
@@ -19,14 +20,17 @@ QString spoken(const ServerRow& row) {
 }  // namespace
 
 void ServerListModel::setRows(const std::vector<ServerRow>& rows) {
-    removeMissing(rows);
-    for (std::size_t i = 0; i < rows.size(); ++i)
-        putInPlace(static_cast<int>(i), rows[i]);
+    Places places;
+    for (const ServerRow& row : rows)
+        places.insert(row.id, static_cast<int>(places.size()));
+    removeMissing(places);
+    putInOrder(places);
+    insertAndUpdate(rows);
 }
 
 QModelIndex ServerListModel::indexOf(const QString& id) const {
-    const int position = positionOf(id);
-    return position < 0 ? QModelIndex() : index(position);
+    const auto found = std::ranges::find(m_rows, id, &ServerRow::id);
+    return found == m_rows.end() ? QModelIndex() : index(static_cast<int>(found - m_rows.begin()));
 }
 
 int ServerListModel::rowCount(const QModelIndex& parent) const {
@@ -54,41 +58,51 @@ QVariant ServerListModel::data(const QModelIndex& index, int role) const {
     }
 }
 
-void ServerListModel::removeMissing(const std::vector<ServerRow>& rows) {
+void ServerListModel::removeMissing(const Places& places) {
     for (int i = rowCount() - 1; i >= 0; --i) {
-        const QString& id = m_rows[static_cast<std::size_t>(i)].id;
-        if (std::ranges::any_of(rows, [&](const ServerRow& row) { return row.id == id; })) continue;
+        if (places.contains(m_rows[static_cast<std::size_t>(i)].id)) continue;
         beginRemoveRows({}, i, i);
         m_rows.erase(m_rows.begin() + i);
         endRemoveRows();
     }
 }
 
-void ServerListModel::putInPlace(int position, const ServerRow& row) {
-    const int current = positionOf(row.id);
-    if (current < 0) {
-        beginInsertRows({}, position, position);
-        m_rows.insert(m_rows.begin() + position, row);
-        endInsertRows();
-        return;
+void ServerListModel::putInOrder(const Places& places) {
+    const auto placeOf = [&](const ServerRow& row) { return places.value(row.id); };
+    std::vector<int> inOrder;
+    std::ranges::transform(m_rows, std::back_inserter(inOrder), placeOf);
+    std::ranges::sort(inOrder);
+    for (std::size_t i = 0; i < m_rows.size(); ++i) {
+        while (placeOf(m_rows[i]) != inOrder[i])
+            moveBelowEarlier(static_cast<int>(i), places);
     }
-    if (current != position) {
-        // What comes before has its place, so the row can only stand further down.
-        beginMoveRows({}, current, current, {}, position);
-        std::rotate(m_rows.begin() + position, m_rows.begin() + current,
-                    m_rows.begin() + current + 1);
-        endMoveRows();
-    }
-    ServerRow& shown = m_rows[static_cast<std::size_t>(position)];
-    if (shown == row) return;
-    shown = row;
-    Q_EMIT dataChanged(index(position), index(position));
 }
 
-int ServerListModel::positionOf(const QString& id) const {
-    const auto found =
-        std::ranges::find_if(m_rows, [&](const ServerRow& row) { return row.id == id; });
-    return found == m_rows.end() ? -1 : static_cast<int>(found - m_rows.begin());
+/// Moves the row down below the last of those that come before it.
+void ServerListModel::moveBelowEarlier(int row, const Places& places) {
+    const auto from = m_rows.begin() + row;
+    const int place = places.value(from->id);
+    const auto last = std::find_if(m_rows.rbegin(), m_rows.rend(), [&](const ServerRow& other) {
+        return places.value(other.id) < place;
+    });
+    beginMoveRows({}, row, row, {}, static_cast<int>(last.base() - m_rows.begin()));
+    std::rotate(from, from + 1, last.base());
+    endMoveRows();
+}
+
+/// Those that stay have their order, so what is not where it belongs is new.
+void ServerListModel::insertAndUpdate(const std::vector<ServerRow>& rows) {
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        const int position = static_cast<int>(i);
+        if (i == m_rows.size() || m_rows[i].id != rows[i].id) {
+            beginInsertRows({}, position, position);
+            m_rows.insert(m_rows.begin() + position, rows[i]);
+            endInsertRows();
+        } else if (m_rows[i] != rows[i]) {
+            m_rows[i] = rows[i];
+            Q_EMIT dataChanged(index(position), index(position));
+        }
+    }
 }
 
 }  // namespace quietlark

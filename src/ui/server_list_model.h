@@ -3,6 +3,7 @@
 #include <vector>
 
 #include <QAbstractListModel>
+#include <QHash>
 
 #include "picker/server_step.h"
 
@@ -18,7 +19,8 @@ public:
         idRole,                   ///< which server
     };
 
-    /// Brings the rows to these, by removing, moving and inserting as few as it takes.
+    /// Brings the rows to these, no two of which have one id. What is gone is removed, what is new
+    /// is inserted, and a row that stands further down now is moved there.
     void setRows(const std::vector<ServerRow>& rows);
 
     /// The row of that server; invalid when there is none.
@@ -28,9 +30,13 @@ public:
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
 
 private:
-    void removeMissing(const std::vector<ServerRow>& rows);
-    void putInPlace(int position, const ServerRow& row);
-    [[nodiscard]] int positionOf(const QString& id) const;
+    /// By the ids of the rows, from 0.
+    using Places = QHash<QString, int>;
+
+    void removeMissing(const Places& places);
+    void putInOrder(const Places& places);
+    void moveBelowEarlier(int row, const Places& places);
+    void insertAndUpdate(const std::vector<ServerRow>& rows);
 
     std::vector<ServerRow> m_rows;
 };

@@ -41,12 +41,10 @@ ServerListPage::ServerListPage(ServerPickerModel& model, ServerStep& step)
 
 void ServerListPage::refresh() {
     const QScopedValueRollback isRefreshing(m_isRefreshing, true);
-    const QModelIndex top = m_list->indexAt({0, 0});
-    const QString topId = top.data(ServerListModel::idRole).toString();
-    const int topY = m_list->visualRect(top).top();
+    const Heights before = heightsFromTop();
     m_rows.setRows(m_step.rows());
     showSelection();
-    keepInPlace(topId, topY);
+    keepInPlace(before);
 
     const bool isEmpty = m_rows.rowCount() == 0;
     m_content->setCurrentIndex(isEmpty ? 0 : 1);
@@ -99,12 +97,29 @@ void ServerListPage::showSelection() {
     }
 }
 
-/// Scrolls so that the row stands where it stood, however many came or went above it.
-void ServerListPage::keepInPlace(const QString& topId, int topY) {
-    const QModelIndex top = m_rows.indexOf(topId);
-    if (!top.isValid()) return;
-    QScrollBar* const bar = m_list->verticalScrollBar();
-    bar->setValue(bar->value() + m_list->visualRect(top).top() - topY);
+/// Where the rows stand that are seen, and those below them.
+ServerListPage::Heights ServerListPage::heightsFromTop() const {
+    Heights heights;
+    const QModelIndex top = m_list->indexAt({0, 0});
+    if (!top.isValid()) return heights;
+    for (int row = top.row(); row < m_rows.rowCount(); ++row) {
+        const QModelIndex index = m_rows.index(row);
+        heights.insert(index.data(ServerListModel::idRole).toString(),
+                       m_list->visualRect(index).top());
+    }
+    return heights;
+}
+
+/// Scrolls so that what was seen stands where it stood, however many rows came or went above it. A
+/// server that answers again goes to the end of the list; the view stays with the others.
+void ServerListPage::keepInPlace(const Heights& before) {
+    for (int row = 0; row < m_rows.rowCount(); ++row) {
+        const QModelIndex index = m_rows.index(row);
+        const auto height = before.constFind(index.data(ServerListModel::idRole).toString());
+        if (height == before.cend()) continue;
+        QScrollBar* const bar = m_list->verticalScrollBar();
+        return bar->setValue(bar->value() + m_list->visualRect(index).top() - *height);
+    }
 }
 
 }  // namespace quietlark

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QWidget>
 
 #include "ui/server_list_model.h"
@@ -23,11 +24,15 @@ public:
     void refresh();
 
 private:
+    /// By the ids of the rows, in pixels below the upper edge of the list.
+    using Heights = QHash<QString, int>;
+
     [[nodiscard]] QWidget* makeEmptyState();
     void setUpList();
     void onSelectionChanged();
     void showSelection();
-    void keepInPlace(const QString& topId, int topY);
+    [[nodiscard]] Heights heightsFromTop() const;
+    void keepInPlace(const Heights& before);
 
     ServerPickerModel& m_model;
     ServerStep& m_step;

@@ -47,6 +47,15 @@ TEST_F(ServerListModelTest, ARowThatStaysIsTheSameRow) {
     EXPECT_EQ(b.data(ServerListModel::idRole), QStringLiteral("b"));
 }
 
+TEST_F(ServerListModelTest, WhatGoesToTheEndMovesOnceAndNothingElseMoves) {
+    show("abcdefghij");
+    const QSignalSpy moved(&model, &ServerListModel::rowsMoved);
+    show("bcdefghija");
+    EXPECT_EQ(moved.count(), 1);
+    show("befghijacd");
+    EXPECT_EQ(moved.count(), 3);
+}
+
 TEST_F(ServerListModelTest, TheSameRowsAgainChangeNothing) {
     show("abc");
     const QSignalSpy inserted(&model, &ServerListModel::rowsInserted);

@@ -18,6 +18,11 @@ protected:
     }
     /// The name of the row at the upper edge of the list.
     QString topName() { return list().indexAt({1, 1}).data().toString(); }
+    /// Where that row stands below the upper edge of the list.
+    int heightOf(const char* name) {
+        const auto row = static_cast<int>(names().indexOf(text(name)));
+        return list().visualRect(list().model()->index(row, 0)).top();
+    }
     /// The name of the row with the focus, or nothing.
     QString currentName() { return list().currentIndex().data().toString(); }
 
@@ -182,6 +187,25 @@ TEST_F(ServerListPageTest, TheScrollPositionStaysWhileServersComeAndGo) {
     withdraw("Box 30");
     publish("Late");
     EXPECT_EQ(topName(), top);
+}
+
+TEST_F(ServerListPageTest, WhatIsSeenStaysWhenTheTopmostServerAnswersAgain) {
+    publishMany(40);
+    showList();
+    list().scrollTo(list().model()->index(20, 0), QListView::PositionAtTop);
+    const int height = heightOf("Box 21");
+    answerAgain("Box 20");
+    EXPECT_EQ(names().back(), text("Box 20"));
+    EXPECT_EQ(heightOf("Box 21"), height);
+    EXPECT_EQ(topName(), text("Box 19"));
+}
+
+TEST_F(ServerListPageTest, TheLastOfAThousandServersCanBeChosen) {
+    publishMany(1000);
+    showList();
+    press(Qt::Key_End);
+    EXPECT_EQ(model().listSelection(), idOf("Box 999"));
+    EXPECT_TRUE(model().canConnect());
 }
 
 TEST_F(ServerListPageTest, WhatTheNetworkSendsIsNeverMarkup) {
