@@ -195,8 +195,7 @@ Invocation CommandLine::servers(const QStringList& arguments) {
         const int seconds = text->toInt(&isNumber);
         if (!isNumber || seconds < 1 || seconds > longestSearchSeconds) {
             return UsageError{tr("“%1” is not a number of seconds from 1 to %2.")
-                                  .arg(*text)
-                                  .arg(longestSearchSeconds)};
+                                  .arg(*text, QString::number(longestSearchSeconds))};
         }
         chosen.duration = std::chrono::seconds(seconds);
     }

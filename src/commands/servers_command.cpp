@@ -1,5 +1,6 @@
 #include "commands/servers_command.h"
 
+#include <cmath>
 #include <utility>
 
 #include <QCoreApplication>
@@ -29,13 +30,16 @@ public:
     }
 };
 
-/// What the network says, so that it can neither begin a line or column nor drive the terminal.
-QString plain(const QString& text) {
-    return Transcriber::withoutControlCharacters(text).simplified();
-}
+using Transcriber::plainLine;
 
 QString addressOf(const MDNSBrowser::Entry& server) {
-    return QStringLiteral("%1:%2").arg(plain(server.host)).arg(server.port);
+    return QStringLiteral("%1:%2").arg(plainLine(server.host), QString::number(server.port));
+}
+
+/// A network may claim any speed; one that is out of this world takes no more room than others.
+QString speedOf(double rtf) {
+    const bool isUsual = std::abs(rtf) < 1e6;
+    return QString::number(rtf, isUsual ? 'f' : 'e', 1) + u'x';
 }
 
 /// One sentence for each kind of recommendation.
@@ -45,7 +49,7 @@ struct RecommendationSentence {
     }
     QString operator()(const RecommendRemote& recommendation) const {
         const MDNSBrowser::Entry& server = recommendation.remote;
-        return Sentences::recommended(plain(server.name) + u'\t' + addressOf(server));
+        return Sentences::recommended(plainLine(server.name) + u'\t' + addressOf(server));
     }
     QString operator()(const ShowList&) const { return Sentences::noComparison(); }
 };
@@ -90,13 +94,13 @@ bool ServersCommand::printAll() {
 
 QString ServersCommand::line(const MDNSBrowser::Entry& server) const {
     const QString dash = QStringLiteral("-");
-    const QString speed = server.rtf ? QStringLiteral("%1x").arg(*server.rtf, 0, 'f', 1) : dash;
+    const QString speed = server.rtf ? speedOf(*server.rtf) : dash;
     const auto hint = m_ranker.speedHint(server);
-    return QStringList{plain(server.name),
+    return QStringList{plainLine(server.name),
                        addressOf(server),
                        speed,
-                       plain(server.model.value_or(dash)),
-                       plain(server.cpu.value_or(dash)),
+                       plainLine(server.model.value_or(dash)),
+                       plainLine(server.cpu.value_or(dash)),
                        hint ? ServerCopy::hint(*hint) : dash}
         .join(u'\t');
 }

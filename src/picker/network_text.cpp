@@ -5,8 +5,7 @@
 namespace quietlark {
 
 QString shownNetworkText(const QString& text, qsizetype maxLength) {
-    // Folded first, as a line end separates words.
-    QString shown = Transcriber::withoutControlCharacters(text.simplified());
+    QString shown = Transcriber::plainLine(text);
     if (shown.size() <= maxLength) return shown;
     shown.truncate(maxLength - 1);
     if (!shown.isEmpty() && shown.back().isHighSurrogate()) shown.chop(1);

@@ -18,7 +18,7 @@ QString startingServer() {
 }
 
 QString hostAndPort(const QString& host, std::int64_t port) {
-    return QStringLiteral("%1:%2").arg(host).arg(port);
+    return QStringLiteral("%1:%2").arg(host, QString::number(port));
 }
 
 QString shown(const QString& address) {

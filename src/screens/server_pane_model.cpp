@@ -16,7 +16,7 @@ QString shown(const QString& text) {
 }
 
 QString addressOf(const QString& host, std::int64_t port) {
-    return shown(QStringLiteral("%1:%2").arg(host).arg(port));
+    return shown(QStringLiteral("%1:%2").arg(host, QString::number(port)));
 }
 
 }  // namespace

@@ -73,4 +73,9 @@ QString withoutControlCharacters(const QString& text) {
     return harmless.simplified();
 }
 
+QString plainLine(const QString& text) {
+    // Folded first, as a line end is a control character too.
+    return withoutControlCharacters(text.simplified());
+}
+
 }  // namespace quietlark::Transcriber

@@ -42,6 +42,9 @@ using FormFields = std::vector<std::pair<QString, QString>>;
 /// written right-to-left text and reorder nothing but the punctuation next to them.
 [[nodiscard]] QString withoutControlCharacters(const QString& text);
 
+/// The same as one line: what ends a line or a column separates words there, as a blank does.
+[[nodiscard]] QString plainLine(const QString& text);
+
 }  // namespace Transcriber
 
 }  // namespace quietlark

@@ -66,6 +66,11 @@ TEST(CommandLineTest, TranscribeWithoutExactlyOneFileIsWrongUsage) {
     expectUsageError("transcribe a.wav b.wav");
 }
 
+TEST(CommandLineTest, AMistakeIsQuotedAsItIsEvenWithWhatLooksLikeAPlaceholder) {
+    EXPECT_TRUE(std::get<UsageError>(parsed("servers --seconds %2"))
+                    .sentence.startsWith(QStringLiteral("“%2” is not a number of seconds")));
+}
+
 TEST(CommandLineTest, UnknownAndIncompleteOptionsAreWrongUsage) {
     expectUsageError("transcribe a.wav --loud");
     expectUsageError("transcribe a.wav --server");

@@ -99,6 +99,27 @@ TEST_F(ServersCommandTest, WhereNothingCanBeFoundTheReasonIsGiven) {
     EXPECT_EQ(m_exitCodes, std::vector{ExitCode::Failed});
 }
 
+TEST_F(ServersCommandTest, AHostIsPrintedAsItIsEvenWithWhatLooksLikeAPlaceholder) {
+    run();
+    m_network.publish(QStringLiteral("Zone"), {QStringLiteral("[fe80::1%2]"), 1, std::nullopt});
+    searchEnds();
+    EXPECT_TRUE(m_results.str().starts_with("Zone\t[fe80::1%2]:1\t"));
+}
+
+TEST_F(ServersCommandTest, ANameThatSpansLinesKeepsItsWordsApart) {
+    run();
+    m_network.publish(QStringLiteral("Big\nBox"), {QStringLiteral("h.local"), 1, std::nullopt});
+    searchEnds();
+    EXPECT_TRUE(m_results.str().starts_with("Big Box\t"));
+}
+
+TEST_F(ServersCommandTest, ASpeedBeyondAllReasonTakesNoMoreRoom) {
+    run();
+    publish(QStringLiteral("Box"), "1e308");
+    searchEnds();
+    EXPECT_TRUE(m_results.str().starts_with("Box\tbox.local:8001\t1.0e+308x\t"));
+}
+
 TEST_F(ServersCommandTest, ANameCannotForgeALineOrColumn) {
     run();
     m_network.publish(QStringLiteral("A\tB\nC\x1b[0m"),

@@ -107,10 +107,14 @@ TEST_F(ServerPickerModelTest, AModelThatIsThereIsNotFetched) {
 
 TEST_F(ServerPickerModelTest, TheModelIsStartedBeforeTheHostHearsOfTheChoice) {
     bool isStored = false;
-    QObject::connect(&model(), &ServerPickerModel::commitTickChanged, &model(),
-                     [&] { isStored = storedMode() == ServerMode(Local{}); });
+    int fetches = 0;
+    QObject::connect(&model(), &ServerPickerModel::commitTickChanged, &model(), [&] {
+        isStored = storedMode() == ServerMode(Local{});
+        fetches = fetcher.fetchCount();
+    });
     model().commitLocal();
     EXPECT_TRUE(isStored);
+    EXPECT_EQ(fetches, 1);
 }
 
 TEST_F(ServerPickerModelTest, AChosenServerIsStoredWithItsHostAndPort) {

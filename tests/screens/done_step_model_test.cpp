@@ -2,6 +2,7 @@
 
 #include "fakes/fake_processor.h"
 #include "state/app_state_fixture.h"
+#include "support/wait.h"
 
 namespace quietlark {
 namespace {
@@ -76,6 +77,15 @@ TEST_F(DoneStepModelTest, AManualServerThatDoesNotAnswerIsNamed) {
     EXPECT_EQ(shown.readiness(),
               (DoneReadiness{Readiness::failed, text("box:8080 isn't responding.")}));
     EXPECT_EQ(shown.content().hint, text("Press Back to pick a different server."));
+}
+
+TEST_F(DoneStepModelTest, AServerIsNamedAsItIsEvenWithWhatLooksLikeAPlaceholder) {
+    Config config = unconfigured();
+    config.serverMode = ManualRemote{text("[fe80::1%2]"), 8080, text("http")};
+    auto& shown = step(config);
+    // No address of this kind can be asked.
+    ASSERT_TRUE(waitUntil([&] { return shown.readiness().kind == Readiness::failed; }));
+    EXPECT_EQ(shown.readiness().message, text("[fe80::1%2]:8080 isn't responding."));
 }
 
 TEST_F(DoneStepModelTest, ADiscoveredServerThatDoesNotAnswerMayBeElsewhere) {

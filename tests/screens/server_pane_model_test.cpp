@@ -115,6 +115,11 @@ TEST_F(ServerPaneModelTest, ARemoteServerThatDoesNotAnswerIsAskedAgainFiveSecond
     EXPECT_EQ(shown.hero().title, text("Connected to box:8080"));
 }
 
+TEST_F(ServerPaneModelTest, AServerIsNamedAsItIsEvenWithWhatLooksLikeAPlaceholder) {
+    auto& shown = pane(manualRemote(text("[fe80::1%2]")));
+    EXPECT_EQ(shown.hero().subtitle, text("[fe80::1%2]:8080"));
+}
+
 TEST_F(ServerPaneModelTest, AnotherChoiceIsAskedAtOnce) {
     auto& shown = pane(manualRemote());
     network.runAnswers();
