@@ -32,7 +32,7 @@ QLabel* makeExamples() {
 }  // namespace
 
 ManualEntryPage::ManualEntryPage(ServerPickerModel& model)
-    : m_model(model), m_address(new QLineEdit), m_probe(new ProbeRow) {
+    : m_model(model), m_address(new QLineEdit), m_examples(makeExamples()), m_probe(new ProbeRow) {
     const QString heading = tr("Enter a server address");
     m_address->setPlaceholderText(tr("host:port"));
     m_address->setAccessibleName(heading);
@@ -40,14 +40,12 @@ ManualEntryPage::ManualEntryPage(ServerPickerModel& model)
     m_address->setClearButtonEnabled(true);
     m_address->setInputMethodHints(Qt::ImhUrlCharactersOnly | Qt::ImhNoPredictiveText |
                                    Qt::ImhNoAutoUppercase);
-    QLabel* examples = makeExamples();
-    m_address->setAccessibleDescription(examples->text());
     setFocusProxy(m_address);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
     layout->addWidget(makeHeading(heading));
     layout->addWidget(m_address);
-    layout->addWidget(examples);
+    layout->addWidget(m_examples);
     layout->addWidget(m_probe);
     layout->addStretch();
 
@@ -60,6 +58,16 @@ void ManualEntryPage::refresh() {
     if (m_address->text() != m_model.manualHostPort()) m_address->setText(m_model.manualHostPort());
     m_probe->setKind(m_model.manualProbeIsUpToDate() ? m_model.manualProbe().kind
                                                      : ProbeState::Case::idle);
+    describeAddress();
+}
+
+/// The user is still in the address field: there a screen reader tells what becomes of the address.
+void ManualEntryPage::describeAddress() {
+    const QString news = m_probe->text();
+    const QString description = news.isEmpty() ? m_examples->text() : news;
+    // Set to what it is, it would be told again.
+    if (m_address->accessibleDescription() != description)
+        m_address->setAccessibleDescription(description);
 }
 
 void ManualEntryPage::showEvent(QShowEvent* event) {

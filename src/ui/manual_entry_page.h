@@ -2,6 +2,7 @@
 
 #include <QWidget>
 
+class QLabel;
 class QLineEdit;
 
 namespace quietlark {
@@ -23,8 +24,11 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
+    void describeAddress();
+
     ServerPickerModel& m_model;
     QLineEdit* m_address;
+    QLabel* m_examples;
     ProbeRow* m_probe;
 };
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include <QAccessible>
 #include <QEvent>
 #include <QHBoxLayout>
 
@@ -50,9 +49,10 @@ void ProbeRow::setKind(Case kind) {
     m_text->setText(sentence(kind));
     m_busy->setVisible(kind == Case::probing);
     drawSymbol();
-    // The user is still in the address field; a screen reader is told what has become of it.
-    QAccessibleEvent news(m_text, QAccessible::Alert);
-    QAccessible::updateAccessibility(&news);
+}
+
+QString ProbeRow::text() const {
+    return m_text->text();
 }
 
 void ProbeRow::changeEvent(QEvent* event) {

@@ -17,6 +17,9 @@ public:
 
     void setKind(ProbeState::Case kind);
 
+    /// What it says; empty while there is nothing to say.
+    [[nodiscard]] QString text() const;
+
 protected:
     void changeEvent(QEvent* event) override;
 

@@ -165,6 +165,20 @@ TEST_F(ServerPickerViewTest, TheAddressFieldShowsHowItsCheckStands) {
     EXPECT_TRUE(button("connect").isEnabled());
 }
 
+TEST_F(ServerPickerViewTest, TheAddressFieldTellsAScreenReaderHowItsCheckStands) {
+    showManualEntry();
+    const auto described = [this] { return address().accessibleDescription(); };
+    const QString examples = described();
+    EXPECT_TRUE(examples.startsWith(text("For example")));
+    write("box:1");
+    scheduler.advance(500ms);
+    EXPECT_EQ(described(), text("Checking…"));
+    network.runAnswers();
+    EXPECT_EQ(described(), text("Can't reach that server"));
+    press(Qt::Key_Backspace);
+    EXPECT_EQ(described(), examples);
+}
+
 TEST_F(ServerPickerViewTest, AnEditTakesTheResultBeforeItAway) {
     serverAnswersAt("http://box:2");
     showManualEntry();
