@@ -4,6 +4,7 @@
 #include <vector>
 
 #include <QApplication>
+#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
@@ -50,7 +51,7 @@ protected:
         AvahiFixture::SetUp();
         if (IsSkipped()) return;
         m_localHostName = std::make_unique<AvahiLocalHostName>(*daemon, scheduler);
-        state = std::make_unique<AppState>(m_files, makers());
+        state = std::make_unique<AppState>(files, makers());
         model = std::make_unique<ServerPickerModel>(*state, m_ranker, m_transcription.resolver,
                                                     scheduler, ServerPickerModel::Options{});
         m_step = std::make_unique<ServerStep>(*model, *state, m_ranker, scheduler);
@@ -137,6 +138,10 @@ protected:
         state->dictation().endRecord();
     }
 
+    QTemporaryDir directory;
+    const AppState::Files files{directory.filePath(QStringLiteral("config.json")),
+                                ModelFiles(directory.filePath(QStringLiteral("models"))),
+                                EndpointFile(directory.filePath(QStringLiteral("endpoint")))};
     HttpServer server;
     std::unique_ptr<AppState> state;
     std::unique_ptr<ServerPickerModel> model;
@@ -155,7 +160,7 @@ private:
                 },
             .modelDownloader =
                 [this] {
-                    return std::make_unique<ModelDownloader>(m_files.model, m_fetcher,
+                    return std::make_unique<ModelDownloader>(files.model, m_fetcher,
                                                              m_notifications, scheduler);
                 },
             .dictation =
@@ -166,10 +171,8 @@ private:
         };
     }
 
-    QTemporaryDir m_directory;
-    const AppState::Files m_files{m_directory.filePath(QStringLiteral("config.json")),
-                                  ModelFiles(m_directory.filePath(QStringLiteral("models"))),
-                                  EndpointFile(m_directory.filePath(QStringLiteral("endpoint")))};
+    // What the user reads on this system, as in the pictures.
+    const LookInForce m_look{looks.front()};
     FakeLog m_log;
     FakeAudioInput m_microphone;
     FakeKeySynthesizer m_keys;
@@ -182,7 +185,7 @@ private:
     HardwareProfile m_hardware{m_processor};
     ServerRanker m_ranker{m_hardware};
     QtHttpClient m_http;
-    TranscriptionService m_transcription{ServerEndpoint(m_files.endpoint), ServerResolver(m_http),
+    TranscriptionService m_transcription{ServerEndpoint(files.endpoint), ServerResolver(m_http),
                                          TranscriptionClient(m_http, scheduler, m_log)};
     Recorder m_recorder{Dictation::sampleRateHz, m_microphone};
     Paster m_paster{m_pasteboard, m_keys, scheduler};
@@ -216,15 +219,15 @@ TEST_F(ServerPickerNetworkTest, TheCardsFollowTheNetwork) {
     searchAgain();
     EXPECT_EQ(card("network"), QStringLiteral("Looking…"));
     take("cards-looking");
-    ASSERT_TRUE(cardsRead("Transcribe on this Mac", "None found. Enter an address manually."));
+    ASSERT_TRUE(cardsRead("Transcribe on this computer", "None found. Enter an address manually."));
     take("cards-none-found");
     publisher->publishAtLocalhost(kitchen, 8001, {"rtf=5"});
     ASSERT_TRUE(
-        cardsRead("Faster than anything on your network", "1 server, slower than this Mac."));
+        cardsRead("Faster than anything on your network", "1 server, slower than this computer."));
     take("cards-one-slower");
     publisher->publishAtLocalhost(attic, 8001, {"rtf=10"});
-    ASSERT_TRUE(
-        cardsRead("Faster than anything on your network", "2 servers, all slower than this Mac."));
+    ASSERT_TRUE(cardsRead("Faster than anything on your network",
+                          "2 servers, all slower than this computer."));
     take("cards-all-slower");
     publisher->publishAtLocalhost(office, 8001, {"rtf=20"});
     ASSERT_TRUE(cardsRead("Slower than a server on your network", "3 servers found."));
@@ -235,8 +238,17 @@ TEST_F(ServerPickerNetworkTest, TheCardsFollowTheNetwork) {
     take("cards-one-found");
     publisher->withdraw(office);
     publisher->publishAtLocalhost(kitchen, 8001);
-    ASSERT_TRUE(cardsRead("Transcribe on this Mac", "1 server found."));
+    ASSERT_TRUE(cardsRead("Transcribe on this computer", "1 server found."));
     take("cards-unrated");
+    ASSERT_TRUE(files.model.ensureDirectory().has_value());
+    QFile installed(files.model.active());
+    ASSERT_TRUE(installed.open(QIODevice::WriteOnly));
+    searchAgain();
+    ASSERT_TRUE(waitUntil([this] {
+        return card("local") == QStringLiteral("Transcribe on this computer.") &&
+               card("network") == QStringLiteral("1 server found.");
+    }));
+    take("cards-model-installed");
 }
 
 TEST_F(ServerPickerNetworkTest, TheListSaysHowTheServersCompare) {
@@ -248,9 +260,9 @@ TEST_F(ServerPickerNetworkTest, TheListSaysHowTheServersCompare) {
     publisher->publishAtLocalhost(attic, 8001, {"rtf=10"});
     publisher->publishAtLocalhost(kitchen, 8001, {"rtf=5"});
     ASSERT_TRUE(lists(3));
-    EXPECT_EQ(hintOf(office), QStringLiteral("Faster than this Mac"));
+    EXPECT_EQ(hintOf(office), QStringLiteral("Faster than this computer"));
     EXPECT_EQ(hintOf(attic), QString());
-    EXPECT_EQ(hintOf(kitchen), QStringLiteral("Slower than this Mac"));
+    EXPECT_EQ(hintOf(kitchen), QStringLiteral("Slower than this computer"));
     list().setFocus();
     goDownTo(office);
     take("list-hints");
