@@ -215,7 +215,7 @@ TEST_F(X11KeyEventSourceTest, SaysSoAndReportsNothingMoreWhenTheServerIsGone) {
     EXPECT_FALSE(m_source->unavailable());
     m_server.end();
     EXPECT_TRUE(waitUntil([this] { return m_source->unavailable().has_value(); }));
-    EXPECT_TRUE(m_source->unavailable()->reason.contains(QStringLiteral("Start Quietlark again")));
+    EXPECT_TRUE(m_source->unavailable()->reason.contains(QStringLiteral("start Quietlark again")));
 }
 
 TEST_F(X11KeyEventSourceTest, TheLossOfTheServerIsAnnouncedOnce) {

@@ -245,7 +245,7 @@ TEST_F(X11KeySynthesizerTest, PostsNothingWhenNoWindowHasTheFocus) {
 TEST_F(X11KeySynthesizerTest, SaysSoWhenTheServerIsGone) {
     m_server.end();
     EXPECT_TRUE(waitUntil([this] { return !paste(); }));
-    EXPECT_TRUE(paste().error().reason.contains(QStringLiteral("Start Quietlark again")));
+    EXPECT_TRUE(paste().error().reason.contains(QStringLiteral("start Quietlark again")));
 }
 
 namespace {
