@@ -17,8 +17,9 @@ class Sentences {
 public:
     static QString line(const DoctorCheck& check, const std::optional<QString>& problem) {
         const QString verdict = problem ? tr("missing") : tr("ok");
-        return problem ? tr("%1\t%2: %3").arg(verdict, check.name, *problem)
-                       : tr("%1\t%2").arg(verdict, check.name);
+        const QString detail = problem ? *problem : check.state();
+        return detail.isEmpty() ? tr("%1\t%2").arg(verdict, check.name)
+                                : tr("%1\t%2: %3").arg(verdict, check.name, detail);
     }
     static QString notWritten() { return tr("The result could not be written."); }
 };

@@ -20,6 +20,8 @@ struct DoctorCheck {
     /// What is wrong, as a sentence that says what to do about it; nothing when all is well. Asked
     /// again and again until all is well, for some answers take a moment.
     std::function<std::optional<QString>()> problem;
+    /// How it is when all is well; empty for nothing to tell.
+    std::function<QString()> state = [] { return QString(); };
 };
 
 /// `quietlark doctor`: a line for each thing that dictation needs.

@@ -1,6 +1,8 @@
 #include "program/examination.h"
 
 #include "hotkeys/hotkey_parse.h"
+#include "platform/linux/journal/journal_log.h"
+#include "program/own_traces.h"
 
 namespace quietlark {
 
@@ -26,6 +28,7 @@ Examination::Examination(bool canShowWindows)
 }
 
 std::vector<DoctorCheck> Examination::checks() {
+    const auto nothingMissing = [] { return std::optional<QString>(); };
     return {
         {tr("Microphone"), [this] { return missing(PrivacyGrant::Microphone); }},
         {tr("Hotkeys can be seen"), [this] { return missing(PrivacyGrant::InputMonitoring); }},
@@ -37,6 +40,8 @@ std::vector<DoctorCheck> Examination::checks() {
         {tr("Local server’s service"), [this] { return serviceProblem(); }},
         {tr("Hotkey settings"), [this] { return hotkeyProblem(); }},
         {tr("Transcription server"), [this] { return serverProblem(); }},
+        {tr("Launch at login"), nothingMissing, &Examination::launchAtLoginState},
+        {tr("Log"), nothingMissing, &Examination::logState},
     };
 }
 
@@ -100,6 +105,24 @@ std::optional<QString> Examination::serverProblem() const {
     if (m_serverAnswers) return std::nullopt;
     if (!m_serverAddress) return m_serverAddress.error();
     return tr("Nothing that Quietlark knows answers at %1.").arg(*m_serverAddress);
+}
+
+QString Examination::logState() {
+    return JournalLog::hasJournal() ? tr("the journal")
+                                    : tr("standard error, for there is no journal");
+}
+
+QString Examination::launchAtLoginState() {
+    switch (OwnTraces(Config::defaultFileURL()).loginItem.status()) {
+        case ServiceStatus::enabled:
+            return tr("on");
+        case ServiceStatus::requiresApproval:
+            return tr("switched off in the desktop’s settings");
+        case ServiceStatus::notRegistered:
+        case ServiceStatus::notFound:
+            break;
+    }
+    return tr("off");
 }
 
 }  // namespace quietlark

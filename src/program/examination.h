@@ -37,6 +37,8 @@ private:
     [[nodiscard]] std::optional<QString> sessionBusProblem() const;
     [[nodiscard]] std::optional<QString> serviceProblem() const;
     [[nodiscard]] std::optional<QString> hotkeyProblem() const;
+    [[nodiscard]] static QString logState();
+    [[nodiscard]] static QString launchAtLoginState();
     [[nodiscard]] std::optional<QString> serverProblem() const;
 
     DesktopAdapters m_desktop;

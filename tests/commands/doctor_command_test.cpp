@@ -38,6 +38,15 @@ TEST_F(DoctorCommandTest, WhatIsWellIsSaidAtOnce) {
     EXPECT_EQ(m_exitCodes, std::vector{ExitCode::Done});
 }
 
+TEST_F(DoctorCommandTest, WhatIsWellInOneWayOrAnotherSaysInWhich) {
+    DoctorCommand command({{QStringLiteral("Log"), [] { return std::optional<QString>(); },
+                            [] { return QStringLiteral("the journal"); }}},
+                          m_scheduler, m_console);
+    command.run([](ExitCode) {});
+    m_scheduler.advance(DoctorCommand::lookInterval);
+    EXPECT_EQ(m_results.str(), "ok\tLog: the journal\n");
+}
+
 TEST_F(DoctorCommandTest, WhatTakesAMomentIsWaitedFor) {
     m_microphoneProblem = QStringLiteral("Not yet.");
     run();

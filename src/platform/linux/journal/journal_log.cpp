@@ -75,6 +75,10 @@ void JournalLog::write(LogLevel level, std::string_view line) {
     if (!writeToJournal(level, text)) writeToStandardError(level, text);
 }
 
+bool JournalLog::hasJournal() {
+    return journalTakesMessages();
+}
+
 bool JournalLog::writeToJournal(LogLevel level, const std::string& line) const {
     if (!journalTakesMessages()) return false;
     const std::string message = "MESSAGE=" + line;

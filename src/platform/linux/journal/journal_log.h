@@ -18,6 +18,9 @@ public:
 
     void write(LogLevel level, std::string_view line) override;
 
+    /// Whether lines go to the journal now, and not to standard error.
+    [[nodiscard]] static bool hasJournal();
+
 private:
     bool writeToJournal(LogLevel level, const std::string& line) const;
     void writeToStandardError(LogLevel level, const std::string& line) const;
