@@ -128,8 +128,10 @@ register() {
         ln -sfn "$bundle/$part" "$link"
         grep -qxF "$link" "$bundle/$registered" || printf '%s\n' "$link" >>"$bundle/$registered"
     done < <(links "$bundle")
-    # Which systemd makes when the service is enabled, and leaves there.
+    # Which systemd makes when the service is enabled, and Quietlark when it is to start at login, and
+    # which they leave there.
     mkdir_noting "$config_home/systemd/user" >>"$bundle/$registered"
+    mkdir_noting "$config_home/autostart" >>"$bundle/$registered"
     tell_desktop
 }
 

@@ -82,6 +82,7 @@ void Uninstall::removeFiles() {
     m_computer.files.removeFolder(modelFolder(files));
     if (files.endpoint.isServers()) m_computer.files.removeFile(files.endpoint.path());
     m_computer.files.removeFile(logFile);
+    m_computer.loginItem.forget();
 }
 
 void Uninstall::resetPrivacy() {

@@ -19,6 +19,9 @@ public:
 
     /// Takes that back; harmless when it is not there.
     [[nodiscard]] virtual tl::expected<void, ServiceError> unregisterItem() = 0;
+
+    /// Removes what a registration that is switched off keeps, where it is of this very program.
+    virtual void forget() = 0;
 };
 
 }  // namespace quietlark

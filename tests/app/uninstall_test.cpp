@@ -85,6 +85,7 @@ TEST_F(UninstallTest, CancelAtTheConfirmationLeavesTimersHotkeysFilesAndRegistra
     EXPECT_EQ(keyboard.monitorCount(), monitors);
     EXPECT_TRUE(service.requests().isEmpty());
     EXPECT_TRUE(loginItem.requests().isEmpty());
+    EXPECT_FALSE(loginItem.wasForgotten());
     EXPECT_TRUE(defaults.string(fingerprintKey).has_value());
     EXPECT_TRUE(ownFiles.removedFolders().isEmpty());
     EXPECT_TRUE(ownFiles.removedFiles().isEmpty());
@@ -110,6 +111,7 @@ TEST_F(UninstallTest, EverythingIsTakenAwayAndTheApplicationQuits) {
     askAndConfirm();
     EXPECT_EQ(service.requests(), QStringList{unregistering});
     EXPECT_EQ(loginItem.current, ServiceStatus::notRegistered);
+    EXPECT_TRUE(loginItem.wasForgotten());
     EXPECT_FALSE(defaults.string(fingerprintKey).has_value());
     expectPathsRemoved();
     expectGone();

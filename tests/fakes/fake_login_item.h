@@ -28,6 +28,9 @@ public:
         return change(ServiceStatus::notRegistered);
     }
 
+    void forget() override { m_wasForgotten = true; }
+    [[nodiscard]] bool wasForgotten() const { return m_wasForgotten; }
+
     /// "register" and "unregister", in order.
     [[nodiscard]] const QStringList& requests() const { return m_requests; }
 
@@ -39,6 +42,7 @@ private:
     }
 
     QStringList m_requests;
+    bool m_wasForgotten = false;
 };
 
 }  // namespace quietlark

@@ -94,6 +94,21 @@ TEST_F(RegistrationTest, LinksIntoTheBundleUnderOtherNamesAreTheUsers) {
     EXPECT_EQ(links(), "");
 }
 
+TEST_F(RegistrationTest, ListedLinksInDirectoriesThatTheSessionDoesNotKnowAreFound) {
+    const QString menu = QStringLiteral("data/applications/net.quietlark.app.desktop");
+    const QString icon = QStringLiteral("data/icons/hicolor/48x48/apps/net.quietlark.app.png");
+    link(menu.toLatin1(), bundle("share/a"));
+    link(icon.toLatin1(), bundle("share/b"));
+    link("data/other", bundle("share/c"));
+    link("data/man/man1/quietlark.1", at("home"));
+    write("data/metainfo/net.quietlark.app.metainfo.xml");
+    note({at("data/"), at("data/applications/"), at("") + u'/' + menu, at("") + icon,
+          at("data/other"), at("data/man/man1/quietlark.1"),
+          at("data/metainfo/net.quietlark.app.metainfo.xml"), at("data/missing/")});
+    EXPECT_EQ(traces().links, (QStringList{at("") + icon, at("") + menu}));
+    EXPECT_EQ(traces().folders, (QStringList{at("data/applications"), at("data")}));
+}
+
 TEST_F(RegistrationTest, WithoutTheBundleThereAreNone) {
     link("home/.local/bin/quietlark", bundle("bin/quietlark"));
     const Registration registration(at("home"), {}, {});

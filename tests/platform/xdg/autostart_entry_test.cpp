@@ -33,6 +33,25 @@ protected:
     AutostartEntry entry{config.path(), QStringLiteral("/opt/Quietlark/bin/quietlark")};
 };
 
+TEST_F(AutostartEntryTest, AnEntryThatIsSwitchedOffIsForgotten) {
+    entry.forget();
+    ASSERT_TRUE(entry.registerItem().has_value());
+    write(read() + "Hidden=true\n");
+    ASSERT_EQ(entry.status(), ServiceStatus::requiresApproval);
+    entry.forget();
+    EXPECT_FALSE(QFile::exists(path));
+}
+
+TEST_F(AutostartEntryTest, AnEntryOfAnotherInstallationIsNotForgotten) {
+    for (const QString& other : {QStringLiteral("/opt/Other/bin/quietlark"),
+                                 QStringLiteral("/opt/Quietlark/bin/quietlark2")}) {
+        AutostartEntry another(config.path(), other);
+        ASSERT_TRUE(another.registerItem().has_value());
+        entry.forget();
+        EXPECT_TRUE(QFile::exists(path));
+    }
+}
+
 TEST_F(AutostartEntryTest, NoEntryIsNotRegistered) {
     EXPECT_EQ(entry.status(), ServiceStatus::notRegistered);
 }

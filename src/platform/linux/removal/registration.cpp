@@ -1,11 +1,14 @@
 #include "platform/linux/removal/registration.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <system_error>
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSet>
 
 #include "platform/regular_file.h"
@@ -72,16 +75,33 @@ QSet<QString> foldersOnTheWayTo(const QStringList& paths) {
     return folders;
 }
 
-/// A line each, in the order in which they were made, with a final slash.
-QStringList foldersMadeFor(const QString& bundle) {
+/// What was made for the bundle, inner first.
+struct Made {
+    QStringList links;
+    QStringList folders;
+};
+
+/// A line each, in the order in which they were made; folders with a final slash.
+Made madeFor(const QString& bundle) {
     const auto list = readRegularFile(bundle + QStringLiteral("/share/quietlark/registered"),
                                       longestListBytes, FileTrust::Anyone);
-    QStringList folders;
+    Made made;
     for (const QByteArray& line : list.value_or(QByteArray()).split('\n')) {
-        if (line.size() > 1 && line.endsWith('/'))
-            folders.prepend(QFile::decodeName(line).chopped(1));
+        if (!line.startsWith('/')) continue;
+        QStringList& paths = line.endsWith('/') ? made.folders : made.links;
+        paths.prepend(QDir::cleanPath(QFile::decodeName(line)));
     }
-    return folders;
+    return made;
+}
+
+/// Whether that is where a link of ours is below one folder or another.
+bool isPlaceOfOurs(const QString& path) {
+    return std::ranges::any_of(
+        belowHome + belowConfigHome + belowDataHome, [&](const QString& place) {
+            const int components = int(place.count(u'/')) + 1;
+            const QString tail = path.section(u'/', -components);
+            return QRegularExpression::fromWildcard(place).match(tail).hasMatch();
+        });
 }
 
 }  // namespace
@@ -104,20 +124,23 @@ Registration::Traces Registration::of(const QString& bundlePath) const {
     const QString bundle = QFileInfo(bundlePath).canonicalFilePath();
     if (bundle.isEmpty()) return {};
     Traces traces;
-    QStringList places{bundlePath};
-    for (const QString& pattern : m_patterns) {
-        for (const QString& path : pathsLike(pattern)) {
-            const QString end = QFile::decodeName(QByteArray::fromStdString(endOf(path).native()));
-            places << path;
-            if (!end.startsWith(bundle + u'/')) continue;
-            traces.links << path;
-            // Which systemd makes for a service of its user's, and removes with the last one.
-            const QString folder = QFileInfo(path).path();
-            if (folder.endsWith(QStringLiteral(".wants"))) traces.folders << folder;
-        }
+    QStringList places;
+    for (const QString& pattern : m_patterns)
+        places << pathsLike(pattern);
+    const Made made = madeFor(bundle);
+    // Where the session that it was installed in had its directories.
+    std::ranges::copy_if(made.links, std::back_inserter(places), isPlaceOfOurs);
+    places.removeDuplicates();
+    for (const QString& path : places) {
+        const QString end = QFile::decodeName(QByteArray::fromStdString(endOf(path).native()));
+        if (!end.startsWith(bundle + u'/')) continue;
+        traces.links << path;
+        // Which systemd makes for a service of its user's, and removes with the last one.
+        const QString folder = QFileInfo(path).path();
+        if (folder.endsWith(QStringLiteral(".wants"))) traces.folders << folder;
     }
-    const auto folders = foldersOnTheWayTo(places);
-    for (const QString& folder : foldersMadeFor(bundle)) {
+    const auto folders = foldersOnTheWayTo(places << bundlePath);
+    for (const QString& folder : made.folders) {
         if (folders.contains(folder)) traces.folders << folder;
     }
     return traces;

@@ -19,8 +19,8 @@ public:
     Registration(const QString& home, const QStringList& configHomes, const QStringList& dataHomes);
 
     /// What there is of a bundle. Looks for links in the places where they are put, under their
-    /// names. Which folders were made for them is in the bundle's own list; what that names besides
-    /// is left out.
+    /// names, and in places like them that the bundle's own list names. Which folders were made for
+    /// them is in that list too; what it names besides is left out.
     [[nodiscard]] Traces of(const QString& bundlePath) const;
 
 private:

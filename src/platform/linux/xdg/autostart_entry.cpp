@@ -38,15 +38,12 @@ AutostartEntry::AutostartEntry(const QString& configDirectory, QString executabl
       m_executable(std::move(executable)) {}
 
 ServiceStatus AutostartEntry::status() const {
-    QFile file(m_file);
-    // Opening what is no file may wait for ever.
-    if (!QFileInfo(m_file).isFile() || !file.open(QIODevice::ReadOnly))
-        return ServiceStatus::notRegistered;
-    const QByteArray entry = file.read(longestEntryBytes);
+    const auto entry = content();
+    if (!entry) return ServiceStatus::notRegistered;
     const bool isHidden =
-        desktopEntryValue(entry, QStringLiteral("Hidden")) == QStringLiteral("true");
+        desktopEntryValue(*entry, QStringLiteral("Hidden")) == QStringLiteral("true");
     const bool isSwitchedOff =
-        desktopEntryValue(entry, QStringLiteral("X-GNOME-Autostart-enabled")) ==
+        desktopEntryValue(*entry, QStringLiteral("X-GNOME-Autostart-enabled")) ==
         QStringLiteral("false");
     return isHidden || isSwitchedOff ? ServiceStatus::requiresApproval : ServiceStatus::enabled;
 }
@@ -65,6 +62,19 @@ tl::expected<void, ServiceError> AutostartEntry::unregisterItem() {
     const auto removed = removeOwnFile(m_file);
     if (!removed) return failure(removed.error());
     return {};
+}
+
+void AutostartEntry::forget() {
+    const auto entry = content();
+    if (entry && desktopEntryValue(*entry, QStringLiteral("Exec")) == quotedForExec(m_executable))
+        static_cast<void>(removeOwnFile(m_file));
+}
+
+std::optional<QByteArray> AutostartEntry::content() const {
+    QFile file(m_file);
+    // Opening what is no file may wait for ever.
+    if (!QFileInfo(m_file).isFile() || !file.open(QIODevice::ReadOnly)) return std::nullopt;
+    return file.read(longestEntryBytes);
 }
 
 tl::expected<void, ServiceError> AutostartEntry::failure(const QString& reason) const {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <optional>
+
+#include <QByteArray>
 #include <QCoreApplication>
 #include <QString>
 
@@ -23,7 +26,11 @@ public:
     /// Removes the entry, and nothing else.
     [[nodiscard]] tl::expected<void, ServiceError> unregisterItem() override;
 
+    /// An entry that starts another executable stays.
+    void forget() override;
+
 private:
+    [[nodiscard]] std::optional<QByteArray> content() const;
     [[nodiscard]] tl::expected<void, ServiceError> failure(const QString& reason) const;
 
     const QString m_directory;
