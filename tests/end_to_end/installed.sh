@@ -16,8 +16,9 @@ service=net.quietlark.server.service
 owner="$desktop/owner"
 home="$owner/home"
 mkdir -p "$home/.config/pulse" "$home/.local/share"
-# Which systemd makes when its user has a service enabled, and leaves there.
-[ "$kind" = user ] || mkdir -p "$home/.config/systemd/user"
+# Which systemd makes when its user has a service enabled, and Quietlark when it is to start at login,
+# and which they leave there.
+[ "$kind" = user ] || mkdir -p "$home/.config/systemd/user" "$home/.config/autostart"
 head -c 256 /dev/zero >"$home/.config/pulse/cookie" # as everybody has who hears anything
 
 trap 'end_service_manager; close_virtual_desktop' EXIT
@@ -67,8 +68,11 @@ remove_it() {
 
 # By the button of its settings, and the answer to its question.
 remove_by_itself() {
-    # From the tabs over the switch to the button.
-    xdotool windowactivate --sync "$(preferences_are_open | tail -n 1)" key Tab Tab space
+    # From the tabs to the switch for starting at login, and on to the button.
+    xdotool windowactivate --sync "$(preferences_are_open | tail -n 1)" key Tab space
+    wait_until 30 test -e "$home/.config/autostart/net.quietlark.app.desktop" ||
+        fail 'It would not start at login.'
+    xdotool key Tab space
     wait_until 30 is_open '^Uninstall Quietlark\?' || fail 'It did not ask.'
     # From "Cancel" to the other one.
     xdotool windowactivate --sync "$(is_open '^Uninstall Quietlark\?')" key Tab space
@@ -122,13 +126,19 @@ open_mousepad "$document"
 say_holding_hotkey 'open the door'
 expect 'the text' 'open the door' "$(text_of_editor "$document")"
 
-# From the menu, where it runs already: it shows its settings, with the icon.
-[ "$kind" = user ] && menu="$home/.local/share" || menu=/usr/share
-"${as_owner[@]}" gio launch "$menu/applications/net.quietlark.app.desktop" ||
-    fail 'It cannot be started from the menu.'
+# From the menu, where it runs already: it shows its settings. Looked up as menus do, by its name.
+"${as_owner[@]}" /usr/bin/python3 - <<'PYTHON' || fail 'It cannot be started from the menu.'
+from gi.repository import Gio
+raise SystemExit(not Gio.DesktopAppInfo.new("net.quietlark.app.desktop").launch())
+PYTHON
 wait_until 30 preferences_are_open || fail 'It did not open its window.'
-icon=$(xprop -id "$(preferences_are_open | tail -n 1)" _NET_WM_ICON)
-[[ $icon = *'Icon ('* ]] || fail "The window has no icon: $icon"
+# The program has the icon within too, so its window does not tell whether menus find it.
+[ "$kind" = user ] && menu="$home/.local/share" || menu=/usr/share
+icon=$(sed -n 's/^Icon=//p' "$menu/applications/net.quietlark.app.desktop")
+for size in scalable 48x48; do
+    file=$(find -L "$menu/icons/hicolor/$size/apps" -type f -name "$icon.*" -size +0)
+    [ -n "$file" ] || fail "There is no icon $icon of the size $size."
+done
 
 if [ "$remover" = itself ]; then
     remove_by_itself
