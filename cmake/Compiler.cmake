@@ -4,6 +4,8 @@ if(QUIETLARK_WARNINGS_AS_ERRORS)
 endif()
 # A program loads only the libraries it calls: the server's floors are built beside Qt, not with it.
 add_link_options(-Wl,--as-needed)
+# What is looked up in libraries is found at the start, and cannot be written to from then on.
+add_link_options($<$<CONFIG:RelWithDebInfo>:LINKER:-z,relro,-z,now>)
 add_compile_definitions(QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII)
 
 if(QUIETLARK_SANITIZE)

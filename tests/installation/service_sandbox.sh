@@ -34,6 +34,7 @@ echo "model: $(cat .local/share/Quietlark/models/active.bin)"
 for path in "$HOME/new" .local/share/Quietlark/models/new .local/opt/Quietlark/bin/new /var/tmp/new; do
     (: >"$path") 2>/dev/null && echo "could write $path"
 done
+ls /tmp/.X11-unix/ /tmp/.ICE-unix/ 2>/dev/null | xargs echo desktop:
 ls /home /root | xargs echo others:
 ls /dev | grep -E '^(sd|vd|dri|input|snd|video|mem|kvm)' | xargs echo devices:
 grep -E '^(NoNewPrivs|CapBnd|Seccomp):' /proc/self/status | xargs echo
@@ -43,9 +44,18 @@ printf '%s\n' '[Service]' "ExecStartPre=/bin/sh $directory/look.sh $directory" \
 chown -R "$user:$user" "$directory" 2>/dev/null || true
 chmod 755 "$scratch"
 
+# As beside a desktop.
+sockets=()
+for folder in /tmp/.X11-unix /tmp/.ICE-unix; do
+    [ -d "$folder" ] || mkdir -m 1777 "$folder"
+    sockets+=("$(mktemp "$folder/quietlark.XXXXXX")")
+done
+
 at_end() {
     end_service_manager
     end_all
+    rm -f "${sockets[@]}"
+    rmdir /tmp/.X11-unix /tmp/.ICE-unix 2>/dev/null || true
 }
 start_service_manager "$directory" "$user"
 
@@ -66,6 +76,7 @@ start_with
 expect 'what it sees' "home: . ./.local ./.local/opt ./.local/share ./.local/share/Quietlark \
 ./.local/share/Quietlark/models ./.local/share/Quietlark/models/active.bin
 model: no model
+desktop:
 others: /home: /root:
 devices:
 CapBnd: 0000000000000000 NoNewPrivs: 1 Seccomp: 2" "$(cat "$directory/seen")"
