@@ -162,6 +162,29 @@ remove_made() {
     done <<<"$1"
 }
 
+# Asks the ones that run from the bundle to end, as the desktop does at log-out.
+end_program() {
+    local ids attempt
+    for attempt in {1..50}; do
+        ids=$(running_programs)
+        [ -n "$ids" ] || return 0
+        # shellcheck disable=SC2086
+        [ "$attempt" != 1 ] || kill $ids 2>/dev/null || true
+        sleep 0.2
+    done
+    fail "Quietlark is running, and does not end. Quit it, and try again."
+}
+
+# The ids of the processes.
+running_programs() {
+    local entry file
+    file=$(realpath -- "$bundle/$program")
+    for entry in /proc/[0-9]*; do
+        [ ! -O "$entry" ] || [ "$(readlink "$entry/exe")" != "$file" ] ||
+            printf '%s ' "${entry#/proc/}"
+    done
+}
+
 # Also where no service manager answers, or it ignores a service that its user has masked.
 stop_service() {
     local units="$config_home/systemd/user" link

@@ -59,7 +59,8 @@ install_it() {
 
 remove_it() {
     if [ "$kind" = user ]; then
-        beside_manager "bash $root/scripts/install --remove"
+        # From where the one that runs is seen, which the manager's processes do not see.
+        "${as_owner[@]}" bash "$root/scripts/install" --remove
     else
         beside_manager "systemctl --user disable --now $service"
         dpkg --purge quietlark
@@ -143,8 +144,10 @@ done
 if [ "$remover" = itself ]; then
     remove_by_itself
 else
-    end "$quietlark_id"
+    # The installer asks the one that runs to end.
+    [ "$kind" = user ] || end "$quietlark_id"
     remove_it || fail 'It could not be removed.'
+    has_ended "$quietlark_id" || fail 'It still runs.'
     rm -r "$home/.config/Quietlark" "$home/.local/share/Quietlark"
 fi
 [ ! -e /tmp/quietlark.endpoint ] || fail 'The speech server is still there.'
