@@ -5,6 +5,7 @@
 #include <QAccessible>
 #include <QImage>
 
+#include "ui/contrast.h"
 #include "ui/ink.h"
 #include "ui/look.h"
 #include "ui/picker_view_fixture.h"
@@ -24,19 +25,6 @@ QRect inkIn(QWidget& widget, const QRect& part) {
         }
     }
     return QRectF(ink.topLeft() / scale, ink.size() / scale).toRect().translated(part.topLeft());
-}
-
-/// Of the relative luminances, as WCAG 2 has it: from 1 for equals to 21.
-double contrast(const QColor& one, const QColor& other) {
-    const auto luminance = [](const QColor& color) {
-        const auto linear = [](float part) {
-            return part <= 0.04045F ? part / 12.92F : std::pow((part + 0.055F) / 1.055F, 2.4F);
-        };
-        return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
-               0.0722 * linear(color.blueF());
-    };
-    const auto [darker, lighter] = std::minmax(luminance(one), luminance(other));
-    return (lighter + 0.05) / (darker + 0.05);
 }
 
 /// The choice of a server as it looks, light, dark and mirrored.

@@ -16,6 +16,7 @@
 #include <QTest>
 
 #include "ui/chip_row.h"
+#include "ui/contrast.h"
 #include "ui/server_card.h"
 #include "ui/server_list_model.h"
 
@@ -94,19 +95,6 @@ QSize roomFor(const QWidget& widget) {
                          qobject_cast<const QTabBar*>(&widget) ||
                          qobject_cast<const ChipRow*>(&widget);
     return isSized ? widget.sizeHint() : QSize();
-}
-
-/// As the accessibility guidelines of the Web measure it, from 1 to 21.
-double contrast(const QColor& a, const QColor& b) {
-    const auto luminance = [](const QColor& color) {
-        const auto linear = [](double share) {
-            return share <= 0.04045 ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4);
-        };
-        return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
-               0.0722 * linear(color.blueF());
-    };
-    const auto [darker, lighter] = std::minmax(luminance(a), luminance(b));
-    return (lighter + 0.05) / (darker + 0.05);
 }
 
 bool isEasyToRead(const QWidget& widget) {
