@@ -14,8 +14,6 @@ namespace {
 
 using Case = ProbeState::Case;
 
-constexpr int symbolEdge = 16;
-
 QString sentence(Case kind) {
     switch (kind) {
         case Case::ok:
@@ -38,7 +36,7 @@ ProbeRow::ProbeRow() : m_busy(makeBusyBar()), m_symbol(new QLabel), m_text(makeP
     layout->addWidget(m_busy);
     layout->addWidget(m_symbol);
     layout->addWidget(m_text, 1);
-    setMinimumHeight(std::max(m_text->fontMetrics().height(), symbolEdge));
+    setMinimumHeight(m_text->fontMetrics().height());
     m_busy->hide();
     m_symbol->hide();
 }
@@ -68,7 +66,8 @@ void ProbeRow::drawSymbol() {
     const QColor red = isDark ? QColor(0xff, 0x7b, 0x72) : QColor(0xc0, 0x22, 0x1c);
     const QString name =
         isOk ? QStringLiteral("checkmark.circle.fill") : QStringLiteral("xmark.circle.fill");
-    m_symbol->setPixmap(symbolPixmap(name, isOk ? green : red, symbolEdge, devicePixelRatioF()));
+    m_symbol->setPixmap(symbolPixmap(name, isOk ? green : red, m_text->fontMetrics().height(),
+                                     devicePixelRatioF()));
 }
 
 }  // namespace quietlark

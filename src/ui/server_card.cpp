@@ -13,9 +13,6 @@ namespace quietlark {
 
 namespace {
 
-constexpr int symbolEdge = 32;
-constexpr int markEdge = 16;
-
 /// At the side where a line begins, as the card is mirrored; each text reads in its own direction.
 int textFlags(Qt::LayoutDirection direction, int rest) {
     return QStyle::visualAlignment(direction, Qt::AlignLeft).toInt() | Qt::AlignAbsolute | rest;
@@ -71,8 +68,8 @@ void ServerCard::paintEvent(QPaintEvent*) {
     const QString mark =
         isChecked() ? QStringLiteral("largecircle.fill.circle") : QStringLiteral("circle");
     painter.drawPixmap(at.mark, symbolPixmap(mark, isChecked() ? accent : secondaryText(palette()),
-                                             markEdge, devicePixelRatioF()));
-    painter.drawPixmap(at.symbol, symbolPixmap(m_symbol, text, symbolEdge, devicePixelRatioF()));
+                                             markEdge(), devicePixelRatioF()));
+    painter.drawPixmap(at.symbol, symbolPixmap(m_symbol, text, symbolEdge(), devicePixelRatioF()));
     drawText(painter, at);
 }
 
@@ -82,7 +79,7 @@ bool ServerCard::hitButton(const QPoint& point) const {
 
 ServerCard::Places ServerCard::places(const QSize& size) const {
     const int margin = em();
-    const int textLeft = margin + markEdge + margin + symbolEdge + margin;
+    const int textLeft = margin + markEdge() + margin + symbolEdge() + margin;
     const int textWidth = std::max(size.width() - textLeft - margin, 1);
     const int titleHeight = QFontMetrics(titleFont()).height();
     const int subtitleHeight =
@@ -92,12 +89,12 @@ ServerCard::Places ServerCard::places(const QSize& size) const {
 
     // What is lower than the rest stands in its middle.
     const int textHeight = titleHeight + em() / 4 + subtitleHeight;
-    const int room = std::max({textHeight, symbolEdge, size.height() - 2 * margin});
+    const int room = std::max({textHeight, symbolEdge(), size.height() - 2 * margin});
     const auto top = [&](int height) { return margin + (room - height) / 2; };
     const int titleTop = top(textHeight);
     return {
-        .mark = {margin, top(markEdge), markEdge, markEdge},
-        .symbol = {2 * margin + markEdge, top(symbolEdge), symbolEdge, symbolEdge},
+        .mark = {margin, top(markEdge()), markEdge(), markEdge()},
+        .symbol = {2 * margin + markEdge(), top(symbolEdge()), symbolEdge(), symbolEdge()},
         .title = {textLeft, titleTop, textWidth, titleHeight},
         .subtitle = {textLeft, titleTop + titleHeight + em() / 4, textWidth, subtitleHeight},
     };
@@ -113,19 +110,28 @@ int ServerCard::em() const {
     return fontMetrics().height();
 }
 
+int ServerCard::markEdge() const {
+    return em();
+}
+
+int ServerCard::symbolEdge() const {
+    return em() * 2;
+}
+
 void ServerCard::drawFrame(QPainter& painter) const {
-    constexpr double radius = 8;
+    constexpr double radius = 6;
     const QColor base = palette().color(QPalette::Base);
     const QColor accent = palette().color(QPalette::Highlight);
     if (hasFocus()) {
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(blended(accent, palette().color(QPalette::Window), 0.35));
-        painter.drawRoundedRect(rect(), radius + 2, radius + 2);
+        // A ring around the card, and the window between them.
+        painter.setPen(QPen(accent, 2));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), radius + 3, radius + 3);
     }
     const QColor edge = isChecked() || underMouse() ? accent : quietEdge(palette());
     painter.setPen(QPen(edge, isChecked() ? 2 : 1));
     painter.setBrush(isChecked() ? blended(accent, base, 0.08) : base);
-    painter.drawRoundedRect(QRectF(rect()).adjusted(3, 3, -3, -3), radius, radius);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(4, 4, -4, -4), radius, radius);
 }
 
 void ServerCard::drawText(QPainter& painter, const Places& at) const {

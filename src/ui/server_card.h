@@ -35,6 +35,8 @@ private:
     [[nodiscard]] Places places(const QSize& size) const;
     [[nodiscard]] QFont titleFont() const;
     [[nodiscard]] int em() const;
+    [[nodiscard]] int markEdge() const;
+    [[nodiscard]] int symbolEdge() const;
     void drawFrame(QPainter& painter) const;
     void drawText(QPainter& painter, const Places& at) const;
 

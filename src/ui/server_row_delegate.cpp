@@ -13,8 +13,6 @@ namespace quietlark {
 
 namespace {
 
-constexpr int markEdge = 16;
-
 int gap(const QStyleOptionViewItem& option) {
     return option.fontMetrics.height() / 2;
 }
@@ -52,20 +50,20 @@ void ServerRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& ite
         option.palette.color(isSelected ? QPalette::HighlightedText : QPalette::Text);
     const QColor quiet = isSelected ? text : secondaryText(option.palette);
     const QRect row = option.rect.adjusted(gap(option), 0, -gap(option), 0);
-    const QRect mark(row.left(), row.center().y() - markEdge / 2 + 1, markEdge, markEdge);
+    const int edge = option.fontMetrics.height();
+    const QRect mark(row.left(), row.center().y() - edge / 2 + 1, edge, edge);
     const QString symbol =
         isSelected ? QStringLiteral("largecircle.fill.circle") : QStringLiteral("circle");
-    painter->drawPixmap(
-        QStyle::visualRect(option.direction, option.rect, mark),
-        symbolPixmap(symbol, quiet, markEdge, painter->device()->devicePixelRatioF()));
+    painter->drawPixmap(QStyle::visualRect(option.direction, option.rect, mark),
+                        symbolPixmap(symbol, quiet, edge, painter->device()->devicePixelRatioF()));
 
     const QString hint = index.data(ServerListModel::hintRole).toString();
-    // One more, as the advance is rounded.
-    const int hintWidth =
-        hint.isEmpty() ? 0
-                       : std::min(option.fontMetrics.horizontalAdvance(hint) + 1, row.width() / 2);
     QRect name = row;
     name.setLeft(mark.right() + 1 + gap(option));
+    // One more, as the advance is rounded.
+    const int hintWidth = hint.isEmpty() ? 0
+                                         : std::min(option.fontMetrics.horizontalAdvance(hint) + 1,
+                                                    name.width() * 3 / 4);
     QRect far = name;
     far.setLeft(row.right() + 1 - hintWidth);
     if (hintWidth > 0) name.setRight(far.left() - gap(option) - 1);
@@ -79,7 +77,7 @@ void ServerRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& ite
 
 QSize ServerRowDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex&) const {
     // As wide as the list: what is longer gives way instead of scrolling.
-    return {0, std::max(option.fontMetrics.height(), markEdge) + gap(option) + 2};
+    return {0, option.fontMetrics.height() + gap(option) + 2};
 }
 
 }  // namespace quietlark

@@ -9,6 +9,7 @@
 #include "ui/ink.h"
 #include "ui/look.h"
 #include "ui/picker_view_fixture.h"
+#include "ui/server_list_model.h"
 
 namespace quietlark {
 namespace {
@@ -142,6 +143,44 @@ TEST_P(ServerPickerLookTest, WhatIsQuietCanStillBeRead) {
     const QPalette palette = QApplication::palette();
     EXPECT_GE(contrast(secondaryText(palette), palette.color(QPalette::Base)), 4.5);
     EXPECT_GE(contrast(secondaryText(palette), palette.color(QPalette::Window)), 4.5);
+}
+
+TEST_P(ServerPickerLookTest, TheCardWithTheKeyboardStandsOut) {
+    view();
+    ServerCard& focused = card("local");
+    ASSERT_TRUE(focused.hasFocus());
+    const QImage image = focused.grab().toImage();
+    const double scale = image.devicePixelRatio();
+    const int middle = image.height() / 2;
+    const QColor window = QApplication::palette().color(QPalette::Window);
+    EXPECT_GE(contrast(image.pixelColor(static_cast<int>(scale), middle), window), 3);
+}
+
+TEST_P(ServerPickerLookTest, AtTwiceTheTextSizeAHintIsWholeBesideALongName) {
+    const QFont usual = QApplication::font();
+    QFont large = usual;
+    large.setPointSizeF(usual.pointSizeF() * 2);
+    QApplication::setFont(large);
+    const QString longName = QString(60, u'x');
+    publish(longName.toUtf8().constData(), "5");
+    showList();
+    // Longer words at twice the size leave a name no room in the usual window.
+    if (GetParam().length == ShownWording::Length::longer) view().resize(760, 360);
+    publish("y", "5");
+    const auto hintOf = [this](int row) {
+        const QRect whole = list().visualRect(list().model()->index(row, 0));
+        const QString hint =
+            list().model()->index(row, 0).data(ServerListModel::hintRole).toString();
+        const int width = list().fontMetrics().horizontalAdvance(hint);
+        const QRect far = side(whole, width + list().fontMetrics().height() / 2, false);
+        return list().viewport()->grab(far.adjusted(4, 2, -4, -2)).toImage();
+    };
+    // Neither row is the one with the focus, which has another ground.
+    publish("z", "5");
+    list().setCurrentIndex(list().model()->index(2, 0));
+    EXPECT_EQ(hintOf(0), hintOf(1));
+    close();
+    QApplication::setFont(usual);
 }
 
 INSTANTIATE_TEST_SUITE_P(Looks, ServerPickerLookTest, testing::ValuesIn(looks), nameOfLook);
