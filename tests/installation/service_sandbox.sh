@@ -44,7 +44,7 @@ printf '%s\n' '[Service]' "ExecStartPre=/bin/sh $directory/look.sh $directory" \
 chown -R "$user:$user" "$directory" 2>/dev/null || true
 chmod 755 "$scratch"
 
-# As beside a desktop.
+# As beside a desktop. The folders stay: another one may be about to use them.
 sockets=()
 for folder in /tmp/.X11-unix /tmp/.ICE-unix; do
     [ -d "$folder" ] || mkdir -m 1777 "$folder"
@@ -55,7 +55,6 @@ at_end() {
     end_service_manager
     end_all
     rm -f "${sockets[@]}"
-    rmdir /tmp/.X11-unix /tmp/.ICE-unix 2>/dev/null || true
 }
 start_service_manager "$directory" "$user"
 
