@@ -59,8 +59,9 @@ install_it() {
 
 remove_it() {
     if [ "$kind" = user ]; then
-        # From where the one that runs is seen, which the manager's processes do not see.
-        "${as_owner[@]}" bash "$root/scripts/install" --remove
+        # From where the one that runs is seen, which the manager's processes do not see. Over the bus:
+        # the manager's own socket drops those who come from another namespace.
+        "${as_owner[@]}" XDG_RUNTIME_DIR="$desktop/run" bash "$root/scripts/install" --remove
     else
         beside_manager "systemctl --user disable --now $service"
         dpkg --purge quietlark
