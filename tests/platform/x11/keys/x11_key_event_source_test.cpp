@@ -103,9 +103,8 @@ TEST_F(X11KeyEventSourceTest, SeesKeysBoundForAnotherProgramsWindow) {
 TEST_F(X11KeyEventSourceTest, SeesAKeyOnceThatRepeatsInTheWindow) {
     KeyWindow window(m_server.display());
     window.takeFocus();
-    m_server.run(QStringLiteral("xset"),
-                 {QStringLiteral("r"), QStringLiteral("rate"), QStringLiteral("50"),
-                  QStringLiteral("50")});
+    m_server.run(QStringLiteral("xset"), {QStringLiteral("r"), QStringLiteral("rate"),
+                                          QStringLiteral("50"), QStringLiteral("50")});
     watch();
     press(KEY_SPACE);
     std::size_t typed = 0;
