@@ -10,8 +10,9 @@ DaemonRegistrar::DaemonRegistrar(DaemonController& daemon, Bundle& bundle, Statu
 
 void DaemonRegistrar::registerDaemon() {
     if (!m_bundle.isInApplications()) return m_windows.showMoveToApplicationsAlert();
+    if (m_underWay == UnderWay::registering) return;
     callOff();
-    m_isBeingTakenBack = false;
+    m_underWay = UnderWay::registering;
     m_request = m_daemon.registerService([this](const auto& result) { onRegistered(result); });
 }
 
@@ -21,6 +22,7 @@ void DaemonRegistrar::afterPause(std::chrono::milliseconds pause, std::function<
 }
 
 void DaemonRegistrar::onRegistered(const tl::expected<void, ServiceError>& result) {
+    m_underWay = UnderWay::nothing;
     if (!result) return m_windows.showServerStartFailure(result.error().localizedDescription);
     m_bundle.rememberRegisteredExecutable();
     afterPause(settleDelay, [this] { onSettled(); });
@@ -33,7 +35,7 @@ void DaemonRegistrar::onSettled() {
 
 void DaemonRegistrar::refreshIfBundleChanged() {
     // Requests are carried out in their order, so that it is registered in the end.
-    if (m_isBeingTakenBack) return registerDaemon();
+    if (m_underWay == UnderWay::takingBack) return registerDaemon();
     if (m_bundle.isRegisteredExecutable()) return;
     callOff();
     m_request = m_daemon.unregisterService([this](const auto& result) {
@@ -51,8 +53,9 @@ void DaemonRegistrar::registerReplacement() {
 
 void DaemonRegistrar::unregister() {
     callOff();
-    m_isBeingTakenBack = true;
-    m_request = m_daemon.unregisterService([this](const auto&) { m_isBeingTakenBack = false; });
+    m_underWay = UnderWay::takingBack;
+    m_request =
+        m_daemon.unregisterService([this](const auto&) { m_underWay = UnderWay::nothing; });
 }
 
 void DaemonRegistrar::unregisterAndRefresh() {
@@ -62,6 +65,7 @@ void DaemonRegistrar::unregisterAndRefresh() {
 
 void DaemonRegistrar::callOff() {
     m_request.cancel();
+    m_underWay = UnderWay::nothing;
     m_pause.reset();
 }
 

@@ -28,7 +28,8 @@ public:
                     WindowPresenter& windows);
 
     /// Registers the server, and shows the user what there is to do when that fails, when the
-    /// server needs approval, or when the program is not installed where it can be registered.
+    /// server needs approval, or when the program is not installed where it can be registered. Does
+    /// nothing more while it is just being registered: whoever asks meanwhile gets the one answer.
     void registerDaemon();
 
     /// For a server that is registered: registers it afresh when the program has been replaced
@@ -46,6 +47,9 @@ public:
     void callOff();
 
 private:
+    /// What the system has been asked and has not answered.
+    enum class UnderWay { nothing, registering, takingBack };
+
     void afterPause(std::chrono::milliseconds pause, std::function<void()> action);
     void onRegistered(const tl::expected<void, ServiceError>& result);
     void onSettled();
@@ -56,7 +60,7 @@ private:
     StatusPresenter& m_status;
     WindowPresenter& m_windows;
     Cancellable m_request;
-    bool m_isBeingTakenBack = false;  ///< the system still calls the server registered
+    UnderWay m_underWay = UnderWay::nothing;
     /// Lives until what is to be done after a pause has been; dropping it calls that off.
     std::unique_ptr<QObject> m_pause;
 };

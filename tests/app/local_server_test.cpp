@@ -112,6 +112,15 @@ TEST_F(LocalServerTest, ComingBackWhileTheServerIsBeingTakenBackRegistersItAgain
     EXPECT_EQ(service.current, ServiceStatus::enabled);
 }
 
+TEST_F(LocalServerTest, ChoosingItRegistersItOnceHoweverManyAskForIt) {
+    installModel();
+    launch();
+    state().setConfig(local());
+    notifications.post(notification::registerDaemonRequested);
+    settle();
+    EXPECT_EQ(service.requests(), QStringList{registering});
+}
+
 TEST_F(LocalServerTest, AChangeBetweenRemoteServersDoesNothing) {
     launch();
     service.current = ServiceStatus::enabled;
