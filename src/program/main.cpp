@@ -162,14 +162,6 @@ private:
     Console m_console{std::cout, std::cerr};
 };
 
-}  // namespace
-
-}  // namespace quietlark
-
-namespace quietlark {
-
-namespace {
-
 /// The application and a download have something to put in order before they end.
 bool endsInGoodOrder(int argc, char** argv) {
     return argc < 2 || std::string_view(argv[1]) == "model";
