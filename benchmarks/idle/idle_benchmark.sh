@@ -24,7 +24,7 @@ wake_ups() {
     cat "/proc/$1/task"/*/status | awk '/^voluntary/ { sum += $2 } END { print sum }'
 }
 
-proportional_kilobytes() {
+proportional_kibibytes() {
     awk '/^Pss:/ { print $2 }' "/proc/$1/smaps_rollup"
 }
 
@@ -32,10 +32,10 @@ report() {
     local name=$1 id=$2 ticks=$3 wakes=$4
     awk -v name="$name" -v seconds="$seconds" -v perSecond="$(getconf CLK_TCK)" \
         -v ticks="$(($(processor_ticks "$id") - ticks))" \
-        -v wakes="$(($(wake_ups "$id") - wakes))" -v kilobytes="$(proportional_kilobytes "$id")" \
+        -v wakes="$(($(wake_ups "$id") - wakes))" -v kibibytes="$(proportional_kibibytes "$id")" \
         'BEGIN {
             printf "%-18s %.3f %% CPU, %.2f wake-ups a second, %.1f MB proportional set size\n",
-                name, 100 * ticks / perSecond / seconds, wakes / seconds, kilobytes / 1000
+                name, 100 * ticks / perSecond / seconds, wakes / seconds, kibibytes * 1024 / 1e6
         }'
 }
 
