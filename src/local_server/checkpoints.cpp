@@ -4,9 +4,13 @@
 
 namespace quietlark {
 
-Checkpoints::Checkpoints(qint64 savedBytes, Save save, std::chrono::milliseconds patience)
+Checkpoints::Checkpoints(qint64 savedBytes, Save save)
+    : Checkpoints(savedBytes, std::move(save), Haste()) {}
+
+Checkpoints::Checkpoints(qint64 savedBytes, Save save, Haste haste)
     : m_save(std::move(save)),
-      m_patience(patience),
+      m_haste(haste),
+      m_firstBytes(savedBytes),
       m_savedBytes(savedBytes),
       m_writtenBytes(savedBytes),
       m_thread([this] { run(); }) {}
@@ -19,7 +23,12 @@ FileOutcome Checkpoints::reach(qint64 bytes) {
     std::unique_lock lock(m_mutex);
     m_writtenBytes = bytes;
     if (m_isIdle && isDue()) m_due.notify_one();
-    m_changed.wait(lock, [this] { return !mustWait(); });
+    if (mustWait()) {
+        m_isWaitedFor = true;
+        m_due.notify_one();
+        m_changed.wait(lock, [this] { return !mustWait(); });
+        m_isWaitedFor = false;
+    }
     return m_outcome;
 }
 
@@ -29,7 +38,15 @@ bool Checkpoints::isDue() const {
 
 bool Checkpoints::mustWait() const {
     const bool isTooMuch = m_writtenBytes - m_savedBytes > maxUnsavedBytes;
-    return isTooMuch && m_outcome && !m_isOver && Clock::now() >= m_lastBegin + m_patience;
+    if (!isTooMuch || !m_outcome || m_isOver) return false;
+    const Clock::time_point now = Clock::now();
+    return now >= m_lastBegin + m_haste.patience || !isInHaste(now);
+}
+
+bool Checkpoints::isInHaste(Clock::time_point now) const {
+    const double seconds = std::chrono::duration<double>(now - m_begin).count();
+    const double most = static_cast<double>(m_haste.bytesPerSecond) * seconds;
+    return static_cast<double>(m_writtenBytes - m_firstBytes - m_haste.headStartBytes) > most;
 }
 
 FileOutcome Checkpoints::stop() {
@@ -60,7 +77,8 @@ void Checkpoints::run() {
         if (m_outcome) m_savedBytes = bytes;
         m_changed.notify_all();
         if (!m_outcome) return;
-        m_due.wait_until(lock, m_lastBegin + minInterval, [this] { return m_isOver; });
+        m_due.wait_until(lock, m_lastBegin + minInterval,
+                         [this] { return m_isOver || m_isWaitedFor; });
     }
 }
 

@@ -15,22 +15,34 @@ namespace quietlark {
 /// Saves, on a thread of its own, how far a file has come, while another thread goes on writing.
 ///
 /// A save begins as soon as `strideBytes` are unsaved, but not sooner than `minInterval` after the
-/// one before, since each makes the disk write its journal. While one takes longer than the
-/// patience, no more than `maxUnsavedBytes` are written: so with a line of up to 200 megabits per
-/// second a power cut costs less than that, however slow the disk; with a faster one what arrives
-/// in the patience may come on top.
+/// one before, since each makes the disk write its journal; but a writer that has to wait for one
+/// does not wait for that. No more than `maxUnsavedBytes` are written beyond what is saved, however
+/// slow the disk: a power cut costs no more than that. Only what comes faster than any line to a
+/// home, from this computer itself or its neighbour, is held up no longer than the patience: it
+/// would take twice the time, and is soon fetched again.
 class Checkpoints {
 public:
     static constexpr qint64 strideBytes = 256 * 1024;
     static constexpr qint64 maxUnsavedBytes = 512 * 1024;
     static constexpr std::chrono::milliseconds minInterval{4};
-    static constexpr std::chrono::milliseconds defaultPatience{10};
+
+    /// What comes too fast to be held up, and for how long it is all the same.
+    struct Haste {
+        /// A line of a gigabit per second brings 125 MB at the most.
+        qint64 bytesPerSecond = 150'000'000;
+        /// May have arrived before anybody looked.
+        qint64 headStartBytes = 4 * 1024 * 1024;
+        /// From the begin of a save.
+        std::chrono::milliseconds patience{10};
+    };
 
     /// Makes the first `bytes` of the file survive a power cut, and says so in writing.
     using Save = std::function<FileOutcome(qint64 bytes)>;
 
     /// So many bytes have been saved before.
-    Checkpoints(qint64 savedBytes, Save save, std::chrono::milliseconds patience = defaultPatience);
+    Checkpoints(qint64 savedBytes, Save save);
+    /// With another idea of what is too fast.
+    Checkpoints(qint64 savedBytes, Save save, Haste haste);
     /// Stops.
     ~Checkpoints();
     Checkpoints(const Checkpoints&) = delete;
@@ -50,16 +62,20 @@ private:
     void run();
     [[nodiscard]] bool isDue() const;
     [[nodiscard]] bool mustWait() const;
+    [[nodiscard]] bool isInHaste(Clock::time_point now) const;
 
     const Save m_save;
-    const std::chrono::milliseconds m_patience;
+    const Haste m_haste;
+    const qint64 m_firstBytes;  ///< had been saved at the begin
+    const Clock::time_point m_begin = Clock::now();
     std::mutex m_mutex;
     std::condition_variable m_due;      ///< there is something to save, or it is over
     std::condition_variable m_changed;  ///< a save began or ended
-    qint64 m_savedBytes;                ///< guarded by m_mutex, as are the next five
+    qint64 m_savedBytes;                ///< guarded by m_mutex, as are the next six
     qint64 m_writtenBytes;
     Clock::time_point m_lastBegin;  ///< of a save
     bool m_isIdle = true;           ///< the thread waits until something is due
+    bool m_isWaitedFor = false;
     bool m_isOver = false;
     FileOutcome m_outcome;
     std::thread m_thread;

@@ -1,7 +1,7 @@
 #include "local_server/checkpoints.h"
 
 #include <atomic>
-#include <vector>
+#include <limits>
 
 #include <gtest/gtest.h>
 
@@ -11,7 +11,11 @@ namespace quietlark {
 
 namespace {
 
+using namespace std::chrono_literals;
+
 constexpr qint64 stride = Checkpoints::strideBytes;
+/// Everything is too fast, and is not held up at all.
+constexpr Checkpoints::Haste endless{.bytesPerSecond = 0, .headStartBytes = 0, .patience = 1h};
 
 class CheckpointsTest : public testing::Test {
 protected:
@@ -26,6 +30,22 @@ protected:
     }
     [[nodiscard]] bool saves(qint64 bytes) const {
         return waitUntil([&] { return m_saved == bytes; });
+    }
+    /// Writes faster than a slow disk saves.
+    static void expectNeverTooMuchUnsaved(Checkpoints::Haste haste) {
+        constexpr qint64 pieceBytes = 64 * 1024;
+        std::atomic<qint64> saved = 0;
+        const auto saveSlowly = [&saved](qint64 bytes) {
+            for (int turn = 0; turn < 1000; ++turn)
+                std::this_thread::yield();
+            saved = bytes;
+            return FileOutcome();
+        };
+        Checkpoints checkpoints(0, saveSlowly, haste);
+        for (qint64 written = pieceBytes; written <= 32 * stride; written += pieceBytes) {
+            EXPECT_TRUE(checkpoints.reach(written));
+            ASSERT_LE(written - saved, Checkpoints::maxUnsavedBytes);
+        }
     }
 
     std::atomic<qint64> m_saved = 0;
@@ -51,7 +71,7 @@ TEST_F(CheckpointsTest, LessThanAStrideIsNotSaved) {
 
 TEST_F(CheckpointsTest, WhatIsWrittenDuringASaveIsSavedByTheNext) {
     m_isHeld = true;
-    Checkpoints checkpoints(0, save(), std::chrono::hours(1));
+    Checkpoints checkpoints(0, save(), endless);
     EXPECT_TRUE(checkpoints.reach(stride));
     ASSERT_TRUE(saves(stride));
     EXPECT_TRUE(checkpoints.reach(2 * stride));
@@ -62,19 +82,16 @@ TEST_F(CheckpointsTest, WhatIsWrittenDuringASaveIsSavedByTheNext) {
 }
 
 TEST_F(CheckpointsTest, AWriterWaitsForASlowDisk) {
-    constexpr qint64 pieceBytes = 64 * 1024;
-    std::atomic<qint64> saved = 0;
-    const auto saveSlowly = [&saved](qint64 bytes) {
-        for (int turn = 0; turn < 1000; ++turn)
-            std::this_thread::yield();
-        saved = bytes;
-        return FileOutcome();
-    };
-    Checkpoints checkpoints(0, saveSlowly, std::chrono::milliseconds(0));
-    for (qint64 written = pieceBytes; written <= 32 * stride; written += pieceBytes) {
-        EXPECT_TRUE(checkpoints.reach(written));
-        ASSERT_LE(written - saved, Checkpoints::maxUnsavedBytes);
-    }
+    // Every line is a slow one, whatever came before somebody looked.
+    expectNeverTooMuchUnsaved({.bytesPerSecond = std::numeric_limits<qint64>::max()});
+}
+
+TEST_F(CheckpointsTest, AWriterInHasteWaitsOnceItsPatienceIsOver) {
+    expectNeverTooMuchUnsaved({.bytesPerSecond = 0, .headStartBytes = 0, .patience = 0ms});
+}
+
+TEST_F(CheckpointsTest, AHeadStartAloneIsNoHaste) {
+    expectNeverTooMuchUnsaved({.bytesPerSecond = 0, .headStartBytes = 32 * stride, .patience = 1h});
 }
 
 TEST_F(CheckpointsTest, AFailureIsToldAtOnceAndMakesNobodyWait) {

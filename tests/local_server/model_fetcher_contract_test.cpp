@@ -1,7 +1,9 @@
+#include <functional>
 #include <optional>
 
 #include "fakes/fake_model_fetcher.h"
-#include "local_server/model_server_fixture.h"
+#include "local_server/served_model.h"
+#include "support/wait.h"
 
 namespace quietlark {
 
@@ -31,27 +33,16 @@ private:
     std::function<void()> m_answer;
 };
 
-class RealFetching {
+class RealFetching : private ServedModel {
 public:
     RealFetching() {
         EXPECT_TRUE(m_files.ensureDirectory());
-        m_source.url = QUrl(m_server.url(QStringLiteral("/model.bin")));
-        m_fetcher.emplace(m_source, m_files, m_scheduler, m_worker.scheduler(),
-                          [] { return std::make_unique<CurlHttpStreams>(); });
+        makeFetcher();
     }
     ModelFetcher& fetcher() { return *m_fetcher; }
-    void sourceIsGood() { m_server.on("/model.bin", http_reply::answer(200, "0123456789")); }
-    void sourceFails() { m_server.on("/model.bin", http_reply::answer(404, "gone")); }
+    void sourceIsGood() { serverDoes(http_reply::answer(200, "0123456789")); }
+    void sourceFails() { serverDoes(http_reply::answer(404, "gone")); }
     static bool runUntil(const std::function<bool()>& condition) { return waitUntil(condition); }
-
-private:
-    QTemporaryDir m_home;
-    ModelFiles m_files{m_home.filePath(QStringLiteral("models"))};
-    HttpServer m_server;
-    ModelSource m_source;
-    QtScheduler m_scheduler;
-    QtWorkerThread m_worker;
-    std::optional<BackgroundModelFetcher> m_fetcher;
 };
 
 template <typename AnyFetching>

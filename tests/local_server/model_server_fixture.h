@@ -1,6 +1,5 @@
 #pragma once
 
-#include <memory>
 #include <optional>
 #include <random>
 
@@ -8,31 +7,23 @@
 #include <QDir>
 #include <QFile>
 #include <QTcpSocket>
-#include <QTemporaryDir>
 #include <gtest/gtest.h>
 #include <linux/sockios.h>
 #include <sys/ioctl.h>
 
-#include "local_server/background_model_fetcher.h"
 #include "local_server/model_downloader.h"
+#include "local_server/served_model.h"
 #include "notifications/notification_center.h"
-#include "peers/http_server.h"
-#include "platform/curl/curl_http_streams.h"
-#include "platform/qt/qt_scheduler.h"
-#include "platform/qt/qt_worker_thread.h"
 #include "support/wait.h"
 
 namespace quietlark {
 
 /// Whole downloads from a real server that does what the test tells it.
-class ModelServerFixture : public testing::Test {
+class ModelServerFixture : public testing::Test, protected ServedModel {
 protected:
     using State = ModelDownloader::State;
 
-    ModelServerFixture() {
-        m_source.url = QUrl(m_server.url(QStringLiteral("/model.bin")));
-        m_source.sha256 = sha256(m_model);
-    }
+    ModelServerFixture() { m_source.sha256 = sha256(m_model); }
     ~ModelServerFixture() override { m_downloader.reset(); }
 
     /// One attempt to its end; answers the state that it ends in.
@@ -46,13 +37,10 @@ protected:
     }
     void start() {
         m_downloader.reset();
-        m_fetcher.emplace(m_source, m_files, m_scheduler, m_worker.scheduler(),
-                          [] { return std::make_unique<CurlHttpStreams>(); });
-        m_downloader.emplace(m_files, *m_fetcher, m_notifications, m_scheduler);
+        m_downloader.emplace(m_files, makeFetcher(), m_notifications, m_scheduler);
         m_downloader->start();
     }
 
-    void serverDoes(const HttpServer::Reply& reply) { m_server.on("/model.bin", reply); }
     /// The model as a good server gives it, ranges included.
     [[nodiscard]] HttpServer::Reply model() {
         return [this](QTcpSocket& socket) { send(socket, m_model.size()); };
@@ -153,14 +141,7 @@ protected:
 
     QByteArray m_model = someBytes(3 * mebibyte + 17);
     qint64 m_sentUpTo = 0;  ///< the byte of the model before which a connection was last reset
-    QTemporaryDir m_home;
-    ModelFiles m_files{m_home.filePath(QStringLiteral("models"))};
-    HttpServer m_server;
-    ModelSource m_source;
-    QtScheduler m_scheduler;
-    QtWorkerThread m_worker;
     NotificationCenter m_notifications;
-    std::optional<BackgroundModelFetcher> m_fetcher;
     std::optional<ModelDownloader> m_downloader;
 };
 
