@@ -54,8 +54,7 @@ void DaemonRegistrar::registerReplacement() {
 void DaemonRegistrar::unregister() {
     callOff();
     m_underWay = UnderWay::takingBack;
-    m_request =
-        m_daemon.unregisterService([this](const auto&) { m_underWay = UnderWay::nothing; });
+    m_request = m_daemon.unregisterService([this](const auto&) { m_underWay = UnderWay::nothing; });
 }
 
 void DaemonRegistrar::unregisterAndRefresh() {
