@@ -61,7 +61,9 @@ std::string EngineChoice::variable(const std::string& name) const {
 std::string EngineChoice::whisperProgram() const {
     const std::string& name = m_options.whisperServer;
     if (name.find('/') != std::string::npos) return isProgram(name) ? name : "";
-    std::istringstream folders(variable("PATH"));
+    // A service's PATH does not name where users install programs of their own.
+    const std::string home = variable("HOME");
+    std::istringstream folders(variable("PATH") + ':' + (home.empty() ? "" : home + "/.local/bin"));
     std::string folder;
     while (std::getline(folders, folder, ':')) {
         const std::string path = folder + "/" + name;

@@ -15,7 +15,8 @@ class EngineChoice {
 public:
     using Engine = tl::expected<std::unique_ptr<SpeechEngine>, std::string>;
 
-    /// `environment` looks up PATH, HOME and XDG_DATA_HOME.
+    /// `environment` looks up PATH, HOME and XDG_DATA_HOME. A program that is named without its
+    /// path is looked for in PATH, then in ~/.local/bin.
     EngineChoice(const ServerOptions& options, ServerOptions::Settings environment, Log& log);
 
     /// Whether whisper.cpp is asked for, or could serve and nothing else is asked for.

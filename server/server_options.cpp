@@ -235,7 +235,8 @@ others. With bench, says how fast it transcribes a recording and ends.
   --engine ENGINE         whisper, pocketsphinx or auto: the first that works (auto)
   --model FILE            the model for whisper.cpp
                           ($XDG_DATA_HOME/Quietlark/models/active.bin)
-  --whisper-server PATH   the server of whisper.cpp (whisper-server, as found in $PATH)
+  --whisper-server PATH   the server of whisper.cpp (whisper-server, as found in $PATH or else in
+                          ~/.local/bin)
   --share                 serves other computers too, and tells the local network about it;
                           --share=no does not, whatever the environment says
   --name NAME             the name that the network sees (the computer's)

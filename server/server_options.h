@@ -24,7 +24,7 @@ struct ServerOptions {
     std::string benchFile;
     Engine engine = Engine::Automatic;
     std::string modelFile;                         ///< of whisper.cpp
-    std::string whisperServer = "whisper-server";  ///< the program, or its name in PATH
+    std::string whisperServer = "whisper-server";  ///< or its path
     std::string host;                              ///< never empty after parse()
     std::optional<int> port;                       ///< 0 takes a free one; absent leaves the choice
     Audience audience = Audience::ThisComputer;

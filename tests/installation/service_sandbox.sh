@@ -85,9 +85,9 @@ synthesise 'open the door' "$scratch/speech.wav"
 expect 'the transcript' 'open the door' "$(curl -sS -F "file=@$scratch/speech.wav" \
     -F response_format=text "http://$address/inference" | xargs)"
 
-# With whisper.cpp's server as the user has it, or what stands in for it.
+# With whisper.cpp's server where the user installs programs, or what stands in for it.
 install -D --owner="$user" "$bin/whisper_stand_in" "$home/.local/bin/whisper-server"
-start_with "QUIETLARK_SERVER_WHISPER_SERVER=$home/.local/bin/whisper-server"
+start_with
 curl -sS "http://$address/v1/models" | grep -q '"whisper-active"' || fail 'It does not use whisper.cpp.'
 curl -sSf -F "file=@$scratch/speech.wav" "http://$address/inference" | grep -q '"text"' ||
     fail 'whisper.cpp does not transcribe.'

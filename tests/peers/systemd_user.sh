@@ -47,7 +47,9 @@ run_inside() {
     export DBUS_SESSION_BUS_ADDRESS=unix:path=$XDG_RUNTIME_DIR/bus
     unset XDG_CONFIG_HOME XDG_DATA_HOME XDG_STATE_HOME XDG_CONFIG_DIRS XDG_DATA_DIRS
     unset QUIETLARK_ENDPOINT_FILE
-    as_user /lib/systemd/systemd --user --log-target=null </dev/null >/dev/null 2>&1 &
+    # With the path that services have, and not the one of whoever runs the test.
+    as_user env PATH=/usr/local/bin:/usr/bin:/bin /lib/systemd/systemd --user --log-target=null \
+        </dev/null >/dev/null 2>&1 &
     retry as_user systemctl --user is-active default.target
     # The first call starts the bus, which the manager then joins.
     retry as_user busctl --user --auto-start=no call org.freedesktop.systemd1 \

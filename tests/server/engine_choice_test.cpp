@@ -22,8 +22,9 @@ protected:
 
     std::string folder() const { return m_folder.path().toStdString(); }
 
-    void installProgram() {
-        const std::string program = folder() + "/whisper-server";
+    void installProgram(const std::string& below = "") {
+        QDir(m_folder.path()).mkpath(QString::fromStdString("." + below));
+        const std::string program = folder() + below + "/whisper-server";
         std::ofstream(program) << "#!/bin/sh\n";
         chmod(program.c_str(), 0755);
     }
@@ -75,6 +76,16 @@ TEST_F(EngineChoiceTest, TheModelAndTheProgramMayBeElsewhere) {
     m_environment.clear();
     m_options.whisperServer = folder() + "/whisper-server";
     m_options.modelFile = folder() + "/Quietlark/models/active.bin";
+    EXPECT_TRUE(choice().prefersWhisper());
+}
+
+TEST_F(EngineChoiceTest, TheUsersOwnProgramsNeedNotBeInThePath) {
+    installModel();
+    installProgram("/.local/bin");
+    EXPECT_FALSE(choice().prefersWhisper());
+    m_environment["HOME"] = folder();
+    EXPECT_TRUE(choice().prefersWhisper());
+    m_environment.erase("PATH");
     EXPECT_TRUE(choice().prefersWhisper());
 }
 
