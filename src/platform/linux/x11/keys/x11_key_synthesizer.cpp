@@ -64,17 +64,13 @@ void X11KeySynthesizer::apply(const std::vector<KeystrokePlan::Move>& moves) {
 }
 
 void X11KeySynthesizer::releaseWhatTheUserReleased(const std::vector<DeviceKey>& lifted) {
+    // A lifted key was down when it was asked for: one that somebody has let go of last is up,
+    // whether that was before it was lifted, while it was, or after it was put back.
     const auto observed = m_connection.finishRequests();
     for (const DeviceKey& key : lifted) {
-        bool isLifted = false;
         bool isReleased = false;
         for (const auto& [event, layout, ours] : observed) {
-            if (DeviceKey{event.device, event.keycode} != key) continue;
-            if (ours) {
-                isLifted = !event.pressed;
-            } else if (isLifted) {
-                isReleased = !event.pressed;
-            }
+            if (!ours && DeviceKey{event.device, event.keycode} == key) isReleased = !event.pressed;
         }
         if (isReleased) m_connection.fakeKey(key.device, key.keycode, false);
     }
