@@ -101,7 +101,10 @@ install_bundle() {
     fi
     # Building takes its time.
     require_own_bundle
-    [ ! -e "$bundle" ] || mv "$bundle" "$staged/old"
+    if [ -e "$bundle" ]; then
+        end_program
+        mv "$bundle" "$staged/old"
+    fi
     mv "$new" "$bundle"
 }
 
@@ -141,12 +144,16 @@ tell_desktop() {
     systemctl --user daemon-reload 2>/dev/null || true
 }
 
-# What was made last goes first.
+# What was made last goes first; the list of it, and what tells a bundle of ours, after the links, so
+# that a removal that was cut short can be done again.
 unregister() {
     local paths
     paths=$(tac "$bundle/$registered") || paths=
+    remove_made "$(grep -v '/$' <<<"$paths")"
+    # No more than a moment.
+    trap '' INT TERM
     rm -rf --one-file-system "$bundle"
-    remove_made "$paths"
+    remove_made "$(grep '/$' <<<"$paths")"
     systemctl --user daemon-reload 2>/dev/null || true
 }
 
@@ -168,8 +175,11 @@ end_program() {
     for attempt in {1..50}; do
         ids=$(running_programs)
         [ -n "$ids" ] || return 0
-        # shellcheck disable=SC2086
-        [ "$attempt" != 1 ] || kill $ids 2>/dev/null || true
+        if [ "$attempt" = 1 ]; then
+            say "Ending Quietlark, which is running"
+            # shellcheck disable=SC2086
+            kill $ids 2>/dev/null || true
+        fi
         sleep 0.2
     done
     fail "Quietlark is running, and does not end. Quit it, and try again."

@@ -2,7 +2,10 @@
 # scripts/install replaces and removes nothing but what is its own.
 # shellcheck source=../installation/support.sh
 . "$(dirname "$0")/../installation/support.sh"
+# shellcheck source=../../scripts/lib/virtual_desktop.sh
+. "$root/scripts/lib/virtual_desktop.sh"
 
+at_end() { end_all; }
 home="$scratch/home"
 bundle="$home/.local/opt/Quietlark"
 service=net.quietlark.server.service
@@ -62,6 +65,36 @@ mkdir "$units/default.target.wants"
 for link in "$units/$service" "$units/default.target.wants/$service"; do
     ln -s "$bundle/lib/systemd/user/$service" "$link"
 done
+install_script --remove || fail "It could not be removed: $(cat "$scratch/err")"
+is_as_before
+
+# The one that runs is not left behind without its files, nor where no removal finds it.
+begin
+install_script || fail "It could not be installed: $(cat "$scratch/err")"
+desktop=$scratch logs=$scratch
+start_screen
+mkdir "$scratch/elsewhere"
+start quietlark env HOME="$scratch/elsewhere" XDG_RUNTIME_DIR=/nonexistent \
+    DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent "$bundle/bin/quietlark"
+quietlark_id=$started_id
+running_from_bundle() {
+    [ "$(readlink "/proc/$quietlark_id/exe")" = "$bundle/bin/quietlark" ]
+}
+wait_until 10 running_from_bundle || fail "It does not run: $(cat "$scratch/quietlark.err")"
+install_script || fail "It could not be installed again: $(cat "$scratch/err")"
+grep -q 'Ending Quietlark' "$scratch/err" || fail 'It does not say that it ends the one that runs.'
+has_ended "$quietlark_id" || fail 'The old one still runs.'
+install_script --remove || fail "It could not be removed: $(cat "$scratch/err")"
+is_as_before
+
+# A removal that was cut short can be done again.
+begin
+install_script || fail "It could not be installed: $(cat "$scratch/err")"
+mkdir "$scratch/bin"
+# shellcheck disable=SC2016
+printf '#!/bin/sh\n/bin/rm "$@"\nkill -TERM "$PPID"\n' >"$scratch/bin/rm"
+chmod +x "$scratch/bin/rm"
+! install_with HOME="$home" PATH="$scratch/bin:$PATH" -- --remove || fail 'It was not cut short.'
 install_script --remove || fail "It could not be removed: $(cat "$scratch/err")"
 is_as_before
 
