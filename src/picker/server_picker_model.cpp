@@ -104,7 +104,7 @@ void ServerPickerModel::commitSelectedRemote() {
 }
 
 void ServerPickerModel::commitManualIfReady() {
-    const auto address = ManualAddress::parse(m_manualHostPort);
+    const auto address = parsedManual();
     if (manualProbe().kind != ProbeState::Case::ok || !address) return;
     store(ManualRemote{address->host, address->port, address->scheme});
     announceCommit();
@@ -153,8 +153,12 @@ std::optional<MDNSBrowser::Entry> ServerPickerModel::selectedRemote() const {
     return *found;
 }
 
+std::optional<ManualAddress> ServerPickerModel::parsedManual() const {
+    return ManualAddress::parse(m_manualHostPort);
+}
+
 void ServerPickerModel::scheduleProbe() {
-    if (const auto address = ManualAddress::parse(m_manualHostPort)) {
+    if (const auto address = parsedManual()) {
         m_probe.check(address->baseAddress());
     } else {
         m_probe.reset();

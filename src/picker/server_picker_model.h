@@ -12,6 +12,7 @@
 namespace quietlark {
 
 class AppState;
+struct ManualAddress;
 class ServerRanker;
 
 /// The user's way to a server: this computer or the network, then one of those found there, or an
@@ -20,6 +21,7 @@ class ServerPickerModel final : public QObject {
     Q_OBJECT
 
 public:
+    using ProbeState = quietlark::ProbeState;
     enum class Phase { cards, remoteList, manualEntry };
     enum class CardChoice { local, network };
     /// What there is beside going on.
@@ -89,6 +91,8 @@ Q_SIGNALS:
 private:
     [[nodiscard]] CardChoice initialCardSelection() const;
     [[nodiscard]] std::optional<MDNSBrowser::Entry> selectedRemote() const;
+    /// manualHostPort(), where it is an address.
+    [[nodiscard]] std::optional<ManualAddress> parsedManual() const;
     void scheduleProbe();
     void store(const ServerMode& mode);
     void announceCommit();
