@@ -2,14 +2,16 @@
 
 #include <utility>
 
-#include <QKeyEvent>
+#include <QHideEvent>
 #include <QPushButton>
+#include <QShowEvent>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
 #include "ui/done_step_view.h"
 #include "ui/page_labels.h"
 #include "ui/permission_rows_view.h"
+#include "ui/return_key.h"
 #include "ui/server_picker_pane.h"
 #include "ui/step_banner.h"
 #include "ui/symbol_label.h"
@@ -73,6 +75,7 @@ OnboardingView::OnboardingView(Parts parts)
     layout->addWidget(m_banner);
     layout->addWidget(m_pages, 1);
     layout->addWidget(m_footer);
+    m_returnKey = std::make_unique<ReturnKey>(*this, *m_next);
 
     parts.picker->offerWayBack();
     connect(parts.picker, &ServerPickerPane::wentBack, m_model.get(), &OnboardingModel::back);
@@ -115,7 +118,6 @@ QWidget* OnboardingView::makeFooter() {
     layout->addWidget(m_back);
     layout->addStretch();
     layout->addWidget(m_next);
-    m_next->setDefault(true);
     // Return is the button's own while it has the focus.
     m_back->setAutoDefault(true);
     giveAir(*m_back);
@@ -135,12 +137,6 @@ void OnboardingView::showEvent(QShowEvent* event) {
 void OnboardingView::hideEvent(QHideEvent* event) {
     if (!event->spontaneous()) m_model->disappear();
     QWidget::hideEvent(event);
-}
-
-void OnboardingView::keyPressEvent(QKeyEvent* event) {
-    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (isReturn && m_model->showsFooter()) return advance();
-    QWidget::keyPressEvent(event);
 }
 
 void OnboardingView::advance() {

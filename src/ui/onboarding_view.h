@@ -13,6 +13,7 @@ class QStackedWidget;
 namespace quietlark {
 
 class PermissionRowsView;
+class ReturnKey;
 class ServerPickerPane;
 class StepBanner;
 
@@ -39,7 +40,6 @@ Q_SIGNALS:
 protected:
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void addPages(ServerPickerPane* picker, QWidget* hotkeyRows, ModelDownloader& downloader);
@@ -58,6 +58,7 @@ private:
     QWidget* m_footer;
     QPushButton* m_back;
     QPushButton* m_next;
+    std::unique_ptr<ReturnKey> m_returnKey;
 };
 
 }  // namespace quietlark

@@ -4,6 +4,7 @@
 #include <QVBoxLayout>
 
 #include "picker/server_picker_model.h"
+#include "ui/return_key.h"
 #include "ui/server_picker_footer.h"
 #include "ui/server_step_view.h"
 
@@ -19,17 +20,20 @@ ServerPickerEditingView::ServerPickerEditingView(ServerPickerModel& model, Serve
     layout->setContentsMargins(margin, margin, margin, margin);
     layout->setSpacing(margin);
     layout->addWidget(view, 1);
-    layout->addWidget(new ServerPickerFooter(model));
+    auto* footer = new ServerPickerFooter(model);
+    layout->addWidget(footer);
+    m_returnKey = std::make_unique<ReturnKey>(*this, footer->connectButton());
     setFocusProxy(view);
 }
 
+ServerPickerEditingView::~ServerPickerEditingView() = default;
+
 void ServerPickerEditingView::keyPressEvent(QKeyEvent* event) {
-    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (isReturn && m_model.canConnect()) return m_model.advance();
     // Leaving the choice open is no small step back.
     const bool canLeave = m_model.wayOut() == WayOut::back || m_model.wayOut() == WayOut::cancel;
-    if (event->key() == Qt::Key_Escape && canLeave) return m_model.leave();
-    QWidget::keyPressEvent(event);
+    if (event->key() != Qt::Key_Escape || !canLeave) return QWidget::keyPressEvent(event);
+    // One press is one step, however long the key is held.
+    if (!event->isAutoRepeat()) m_model.leave();
 }
 
 }  // namespace quietlark

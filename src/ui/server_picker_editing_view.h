@@ -1,9 +1,12 @@
 #pragma once
 
+#include <memory>
+
 #include <QWidget>
 
 namespace quietlark {
 
+class ReturnKey;
 class ServerPickerModel;
 class ServerStep;
 
@@ -15,12 +18,14 @@ class ServerPickerEditingView final : public QWidget {
 public:
     /// Both must outlive the view.
     ServerPickerEditingView(ServerPickerModel& model, ServerStep& step);
+    ~ServerPickerEditingView() override;
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
     ServerPickerModel& m_model;
+    std::unique_ptr<ReturnKey> m_returnKey;
 };
 
 }  // namespace quietlark

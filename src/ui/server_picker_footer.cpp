@@ -39,7 +39,6 @@ ServerPickerFooter::ServerPickerFooter(ServerPickerModel& model)
     // Return is the button's own while it has the focus, whatever window this is part of.
     m_back->setAutoDefault(true);
     m_leave->setAutoDefault(true);
-    m_connect->setDefault(true);
     for (QPushButton* button : {m_back, m_connect})
         giveAir(*button);
     auto* layout = new QHBoxLayout(this);

@@ -19,6 +19,8 @@ public:
     /// beginning.
     void offerWayBack();
 
+    [[nodiscard]] QPushButton& connectButton() { return *m_connect; }
+
 Q_SIGNALS:
     void wentBack();
 

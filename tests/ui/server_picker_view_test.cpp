@@ -1,5 +1,7 @@
 #include <QAccessible>
+#include <QPushButton>
 
+#include "ui/held_key.h"
 #include "ui/picker_view_fixture.h"
 
 namespace quietlark {
@@ -45,6 +47,7 @@ TEST_F(ServerPickerViewTest, TheConfiguredCardIsMarkedAndHasTheFocus) {
     view();
     EXPECT_TRUE(card("network").isChecked());
     EXPECT_FALSE(card("local").isChecked());
+    EXPECT_TRUE(card("network").hasFocus());
 }
 
 TEST_F(ServerPickerViewTest, AClickAnywhereOnACardChoosesIt) {
@@ -115,6 +118,42 @@ TEST_F(ServerPickerViewTest, ReturnOnTheWayOutTakesIt) {
     press(Qt::Key_Return);
     EXPECT_EQ(model().phase(), Phase::cards);
     EXPECT_FALSE(isSaved());
+}
+
+TEST_F(ServerPickerViewTest, TheButtonThatReturnClicksIsTheOnlyOneMarked) {
+    publish("Box");
+    showList();
+    auto& connect = static_cast<QPushButton&>(button("connect"));
+    EXPECT_TRUE(connect.isDefault());
+    for (auto* other : view().findChildren<QPushButton*>()) {
+        if (!other->isVisible() || other == &connect) continue;
+        other->setFocus();
+        EXPECT_TRUE(other->isDefault()) << other->text().toStdString();
+        EXPECT_FALSE(connect.isDefault()) << other->text().toStdString();
+    }
+    list().setFocus();
+    for (const auto* other : view().findChildren<QPushButton*>())
+        EXPECT_EQ(other->isDefault(), other == &connect) << other->text().toStdString();
+}
+
+TEST_F(ServerPickerViewTest, AHeldReturnTakesOneStep) {
+    publish("Box");
+    view();
+    model().setListSelection(idOf("Box"));
+    press(Qt::Key_Down);
+    hold(Qt::Key_Return);
+    EXPECT_EQ(model().phase(), Phase::remoteList);
+    EXPECT_FALSE(isSaved());
+    hold(Qt::Key_Return);
+    EXPECT_EQ(model().commitTick(), 1);
+}
+
+TEST_F(ServerPickerViewTest, AHeldEscapeTakesOneStepBack) {
+    options.offersCancel = true;
+    showManualEntry();
+    hold(Qt::Key_Escape);
+    EXPECT_EQ(model().phase(), Phase::cards);
+    EXPECT_EQ(model().cancelTick(), 0);
 }
 
 TEST_F(ServerPickerViewTest, TheWayOutHasItsName) {

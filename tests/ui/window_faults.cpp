@@ -10,6 +10,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QScrollBar>
 #include <QTabBar>
@@ -143,6 +145,23 @@ bool isTabStop(const QWidget& widget) {
     });
 }
 
+/// What Return does where the focus is now: at most one button may look as if it would be clicked,
+/// and where that button or another that takes the key has the focus, it is that one.
+QStringList faultsOfDefault(const QList<QWidget*>& seen) {
+    QList<const QPushButton*> marked;
+    QStringList faults;
+    for (const QWidget* widget : seen) {
+        const auto* button = qobject_cast<const QPushButton*>(widget);
+        if (!button || !button->isEnabled()) continue;
+        if (button->isDefault()) marked << button;
+        if (button->hasFocus() && button->autoDefault() && !button->isDefault())
+            faults << nameOf(*button) + QStringLiteral(" takes Return and is not marked");
+    }
+    for (qsizetype i = 1; i < marked.size(); ++i)
+        faults << nameOf(*marked[i]) + QStringLiteral(" is default beside ") + nameOf(*marked[0]);
+    return faults;
+}
+
 QStringList faultsOfFocus(QWidget& window, const QList<QWidget*>& seen) {
     QList<QWidget*> stops;
     std::ranges::copy_if(seen, std::back_inserter(stops),
@@ -163,6 +182,7 @@ QStringList faultsOfFocus(QWidget& window, const QList<QWidget*>& seen) {
             faults << nameOf(*now) + QStringLiteral(" comes late, after ") +
                           nameOf(*reached.last());
         reached << now;
+        faults << faultsOfDefault(seen);
         QTest::keyClick(now, Qt::Key_Tab);
     }
     if (QApplication::focusWidget() != reached.first())

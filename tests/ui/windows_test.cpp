@@ -1,6 +1,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 
+#include "ui/held_key.h"
 #include "ui/hotkey_capture_view.h"
 #include "ui/windows_fixture.h"
 
@@ -106,6 +107,43 @@ TEST_F(WindowsTest, ReturnOnTheWayBackGoesBack) {
     button("Back")->setFocus();
     press(Qt::Key_Return);
     EXPECT_TRUE(reads("Where should Quietlark transcribe?"));
+}
+
+TEST_F(WindowsTest, AKeyThatIsHeldTakesOneStepOfTheWizard) {
+    grantAll();
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space}) {
+        openOnboarding(OnboardingModel::welcomeStep);
+        hold(key);
+        EXPECT_TRUE(reads("Where should Quietlark transcribe?"));
+        shown().findChild<QPushButton*>(text("back"))->click();
+        windows().close(Kind::onboarding);
+    }
+    scheduler.runPosted();
+    EXPECT_EQ(fetcher.fetchCount(), 0);
+    EXPECT_EQ(storedMode(), ServerMode(Unconfigured{}));
+}
+
+TEST_F(WindowsTest, AHeldReturnStoresTheServerAndGoesNoFurther) {
+    grantAll();
+    openOnboarding(OnboardingModel::serverStep);
+    hold(Qt::Key_Return);
+    EXPECT_EQ(storedMode(), ServerMode(Local{}));
+    EXPECT_TRUE(reads("Grant permissions"));
+}
+
+TEST_F(WindowsTest, TheButtonThatReturnClicksIsTheOnlyOneMarked) {
+    grantAll();
+    openOnboarding(OnboardingModel::permissionsStep);
+    auto* const next = qobject_cast<QPushButton*>(button("Next"));
+    auto* const back = qobject_cast<QPushButton*>(button("Back"));
+    EXPECT_TRUE(next->isDefault());
+    EXPECT_FALSE(back->isDefault());
+    back->setFocus();
+    EXPECT_FALSE(next->isDefault());
+    EXPECT_TRUE(back->isDefault());
+    next->setFocus();
+    EXPECT_TRUE(next->isDefault());
+    EXPECT_FALSE(back->isDefault());
 }
 
 TEST_F(WindowsTest, TheFocusWaitsForTheWayOn) {
