@@ -32,7 +32,7 @@ void showText(QLabel& label, const QString& text) {
 DoneStepView::DoneStepView(DoneStepModel& model, ModelDownloader& downloader)
     : m_model(model),
       m_symbol(new SymbolLabel({}, fontMetrics().height() * 3, Tone::text)),
-      m_busy(makeBusyBar()),
+      m_busy(makeBusyBar({})),
       m_title(makeTitle({})),
       m_text(makePlainLabel({})),
       m_hint(makePlainLabel({})),
@@ -80,6 +80,8 @@ void DoneStepView::refresh() {
     m_symbol->setName(content.symbol);
     m_symbol->setTone(toneOf(m_model.readiness()));
     m_busy->setVisible(content.isBusy);
+    // Set to what it is, it would be told again.
+    if (m_busy->accessibleName() != content.text) m_busy->setAccessibleName(content.text);
     showText(*m_title, content.title);
     showText(*m_text, content.text);
     showText(*m_hint, content.hint);

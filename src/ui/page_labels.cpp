@@ -75,8 +75,9 @@ void giveAir(QPushButton& button) {
     button.setMinimumWidth(button.sizeHint().width() + button.fontMetrics().height());
 }
 
-QWidget* makeBusyBar() {
+QWidget* makeBusyBar(const QString& what) {
     auto* bar = new QProgressBar;
+    bar->setAccessibleName(what);
     bar->setRange(0, 0);
     bar->setTextVisible(false);
     bar->setFixedWidth(bar->fontMetrics().height() * 4);

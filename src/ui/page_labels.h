@@ -24,7 +24,7 @@ namespace quietlark {
 /// Gives any button some air around the text that it has now.
 void giveAir(QPushButton& button);
 
-/// A narrow bar that says that something is going on.
-[[nodiscard]] QWidget* makeBusyBar();
+/// A narrow bar that says that something is going on: `what`, to a screen reader.
+[[nodiscard]] QWidget* makeBusyBar(const QString& what);
 
 }  // namespace quietlark

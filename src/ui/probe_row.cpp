@@ -30,7 +30,10 @@ QString sentence(Case kind) {
 
 }  // namespace
 
-ProbeRow::ProbeRow() : m_busy(makeBusyBar()), m_symbol(new QLabel), m_text(makePlainLabel({})) {
+ProbeRow::ProbeRow()
+    : m_busy(makeBusyBar(sentence(Case::probing))),
+      m_symbol(new QLabel),
+      m_text(makePlainLabel({})) {
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins({});
     layout->addWidget(m_busy);

@@ -60,7 +60,7 @@ QWidget* ServerListPage::makeEmptyState() {
     empty->setAccessibleName(label->text());
     layout->addStretch();
     layout->addWidget(label);
-    layout->addWidget(makeBusyBar(), 0, Qt::AlignHCenter);
+    layout->addWidget(makeBusyBar(label->text()), 0, Qt::AlignHCenter);
     layout->addStretch();
     return empty;
 }

@@ -197,7 +197,9 @@ QStringList faultsOfFocus(QWidget& window, const QList<QWidget*>& seen) {
 QStringList faultsForScreenReaders(const QList<QWidget*>& seen) {
     QStringList faults;
     for (QWidget* widget : seen) {
-        if (widget->focusPolicy() == Qt::NoFocus || widget->focusProxy()) continue;
+        const bool isTold = widget->focusPolicy() != Qt::NoFocus ||
+                            qobject_cast<const QProgressBar*>(widget) != nullptr;
+        if (!isTold || widget->focusProxy()) continue;
         QAccessibleInterface* const told = QAccessible::queryAccessibleInterface(widget);
         if (!told || told->role() == QAccessible::NoRole || told->role() == QAccessible::Client)
             faults << nameOf(*widget) + QStringLiteral(" has no role");
