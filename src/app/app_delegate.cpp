@@ -33,6 +33,8 @@ AppDelegate::AppDelegate(AppState& appState, const Desktop& desktop, const Compu
     connect(&m_watch, &PermissionsWatch::permissionsLost, &m_windows,
             &WindowPresenter::showPermissionsAlert);
     connect(&m_watch, &PermissionsWatch::approvalRequired, this, &AppDelegate::onApprovalRequired);
+    connect(&m_watch, &PermissionsWatch::approvalGiven, this,
+            [this] { m_reconciler.onApproved(); });
     connect(&m_watch, &PermissionsWatch::ticked, this, &AppDelegate::refresh);
     connect(&m_uninstall, &Uninstall::confirmed, this, &AppDelegate::stop);
     connect(&m_uninstall, &Uninstall::finished, this, [this] { m_desktop.shell.terminate(); });

@@ -64,4 +64,9 @@ void LocalServerReconciler::onModelReady() {
     }
 }
 
+void LocalServerReconciler::onApproved() {
+    const bool isWanted = isLocal(m_appState.config().serverMode);
+    if (isWanted && m_appState.localServer().modelIsInstalled()) m_registrar.registerDaemon();
+}
+
 }  // namespace quietlark

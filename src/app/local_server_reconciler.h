@@ -28,6 +28,9 @@ public:
     /// The model has been installed.
     void onModelReady();
 
+    /// The user has allowed the server, which had been forbidden.
+    void onApproved();
+
 private:
     void prepareLocalServer();
 

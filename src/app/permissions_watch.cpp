@@ -33,10 +33,11 @@ void PermissionsWatch::tick() {
     if (hadAllPerms && !status.allGranted()) Q_EMIT permissionsLost();
 
     const ServiceStatus before = std::exchange(m_lastDaemonStatus, m_daemon.status());
-    if (m_lastDaemonStatus == ServiceStatus::requiresApproval &&
-        before != ServiceStatus::requiresApproval) {
-        Q_EMIT approvalRequired();
-    }
+    const bool awaited = before == ServiceStatus::requiresApproval;
+    const bool awaits = m_lastDaemonStatus == ServiceStatus::requiresApproval;
+    if (awaits && !awaited) Q_EMIT approvalRequired();
+    // A service that is gone altogether has not been allowed.
+    if (awaited && !awaits && m_lastDaemonStatus != ServiceStatus::notFound) Q_EMIT approvalGiven();
     Q_EMIT ticked();
 }
 

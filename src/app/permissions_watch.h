@@ -38,6 +38,8 @@ Q_SIGNALS:
     /// All permissions were there at the look before, and now are not.
     void permissionsLost();
     void approvalRequired();
+    /// The user has allowed the local server, which does not start by that alone.
+    void approvalGiven();
     /// After every look.
     void ticked();
 

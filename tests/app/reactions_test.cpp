@@ -100,6 +100,57 @@ TEST_F(ReactionsTest, AForbiddenServerThatIsNotChosenOpensNothing) {
     EXPECT_EQ(windows.serverTabShownCount(), 0);
 }
 
+TEST_F(ReactionsTest, AServerThatTheUserAllowsIsStarted) {
+    installModel();
+    for (const auto allowed : {ServiceStatus::notRegistered, ServiceStatus::enabled}) {
+        service.current = ServiceStatus::requiresApproval;
+        launchWith(local());
+        const auto before = service.requests().size();
+        service.current = allowed;
+        tick();
+        tick();
+        EXPECT_EQ(service.requests().mid(before), QStringList{QStringLiteral("register")});
+        EXPECT_EQ(service.current, ServiceStatus::enabled);
+    }
+}
+
+TEST_F(ReactionsTest, AServerThatTheUserAllowsDuringTheOnboardingIsStarted) {
+    installModel();
+    Config config = local();
+    config.onboardingComplete = false;
+    service.current = ServiceStatus::requiresApproval;
+    launchWith(config);
+    service.current = ServiceStatus::notRegistered;
+    tick();
+    EXPECT_EQ(service.current, ServiceStatus::enabled);
+}
+
+TEST_F(ReactionsTest, AServerThatIsAllowedWithoutItsModelWaitsForThat) {
+    service.current = ServiceStatus::requiresApproval;
+    launchWith(local());
+    service.current = ServiceStatus::notRegistered;
+    tick();
+    EXPECT_TRUE(service.requests().isEmpty());
+}
+
+TEST_F(ReactionsTest, AServerThatIsAllowedButNotChosenIsNotStarted) {
+    service.current = ServiceStatus::requiresApproval;
+    launchWith(unconfigured());
+    service.current = ServiceStatus::notRegistered;
+    tick();
+    EXPECT_TRUE(service.requests().isEmpty());
+}
+
+TEST_F(ReactionsTest, AForbiddenServerThatVanishesHasNotBeenAllowed) {
+    installModel();
+    service.current = ServiceStatus::requiresApproval;
+    launchWith(local());
+    service.current = ServiceStatus::notFound;
+    tick();
+    EXPECT_TRUE(service.requests().isEmpty());
+    EXPECT_TRUE(shell.alerts().empty());
+}
+
 // Dictation and the status item
 
 TEST_F(ReactionsTest, TheIconFollowsDictation) {

@@ -5,18 +5,6 @@
 # shellcheck source=window_support.sh
 . "$(dirname "$0")/window_support.sh"
 
-click_at() {
-    xdotool mousemove "$1" "$2" click 1
-}
-
-# clicks ROLE NAME
-clicks() {
-    local place
-    sees "$1" "$2"
-    read -ra place <<<"$(screen_reader find "$1" "$2")"
-    click_at "${place[@]}"
-}
-
 # The button of the window's frame.
 close_by_its_frame() {
     local X Y WIDTH frame

@@ -40,6 +40,18 @@ sees() {
     expect 'what a screen reader cannot read' '' "$(screen_reader faults)"
 }
 
+click_at() {
+    xdotool mousemove "$1" "$2" click 1
+}
+
+# clicks ROLE NAME
+clicks() {
+    local place
+    sees "$1" "$2"
+    read -ra place <<<"$(screen_reader find "$1" "$2")"
+    click_at "${place[@]}"
+}
+
 key() {
     xdotool key "$@"
 }
