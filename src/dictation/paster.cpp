@@ -19,15 +19,29 @@ void Paster::paste(const QString& text, PostedHandler onPosted) {
     // A restore that was due is called off, not lost: the snapshot sees through our own text to
     // what it covers.
     m_nextStep.reset();
-    m_reading =
-        m_pasteboard.snapshot([this, text, onPosted](std::optional<PasteboardSnapshot> snapshot) {
+    replaceContents(text, onPosted, mostAttempts);
+}
+
+void Paster::replaceContents(const QString& text, const PostedHandler& onPosted, int attemptsLeft) {
+    m_question = m_pasteboard.snapshot(
+        [this, text, onPosted, attemptsLeft](std::optional<PasteboardSnapshot> snapshot) {
             m_saved = std::move(snapshot);
-            write(text, onPosted);
+            write(text, onPosted, attemptsLeft - 1);
         });
 }
 
-void Paster::write(const QString& text, const PostedHandler& onPosted) {
-    m_pasteboard.setString(text);
+void Paster::write(const QString& text, const PostedHandler& onPosted, int attemptsLeft) {
+    m_question = m_pasteboard.setString(
+        text, [this, text, onPosted, attemptsLeft](const tl::expected<void, Unavailable>& isSet) {
+            if (isSet) return onWritten(onPosted);
+            // What was saved is not what somebody else has put there since.
+            m_saved.reset();
+            if (attemptsLeft > 0) return replaceContents(text, onPosted, attemptsLeft);
+            onPosted(isSet);
+        });
+}
+
+void Paster::onWritten(const PostedHandler& onPosted) {
     m_nextStep = std::make_unique<QObject>();
     m_scheduler.after(visibilityDelay, m_nextStep.get(),
                       [this, onPosted] { postCommandV(onPosted); });

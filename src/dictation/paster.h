@@ -23,11 +23,14 @@ class Paster final : public QObject {
 public:
     /// From the text being on the pasteboard to the keystroke, so that others have seen the change.
     static constexpr std::chrono::milliseconds visibilityDelay{50};
+    /// How often the text is put on a pasteboard that somebody else takes in the same moment.
+    static constexpr int mostAttempts = 3;
     /// From the keystroke to the old contents being put back.
     static constexpr std::chrono::milliseconds restoreDelay{200};
 
     /// Runs at most once, on the main thread and never before paste() returns: the keystroke is on
-    /// its way, or it could not be typed and the text has been left on the pasteboard for good.
+    /// its way; or it could not be typed and the text has been left on the pasteboard for good; or
+    /// the text could not even be put there, and nothing has been typed.
     using PostedHandler = std::function<void(const tl::expected<void, Unavailable>&)>;
 
     Paster(Pasteboard& pasteboard, KeySynthesizer& keys, Scheduler& scheduler);
@@ -41,14 +44,16 @@ public:
     void paste(const QString& text, PostedHandler onPosted);
 
 private:
-    void write(const QString& text, const PostedHandler& onPosted);
+    void replaceContents(const QString& text, const PostedHandler& onPosted, int attemptsLeft);
+    void write(const QString& text, const PostedHandler& onPosted, int attemptsLeft);
+    void onWritten(const PostedHandler& onPosted);
     void postCommandV(const PostedHandler& onPosted);
     void settlePasteboard();
 
     Pasteboard& m_pasteboard;
     KeySynthesizer& m_keys;
     Scheduler& m_scheduler;
-    Cancellable m_reading;
+    Cancellable m_question;  ///< to the pasteboard
     /// What the pasteboard held before our text; present while it is owed to the user.
     std::optional<PasteboardSnapshot> m_saved;
     /// The step that is due next; dropping it calls the step off.

@@ -7,8 +7,10 @@
 
 #include <QByteArray>
 #include <QString>
+#include <tl/expected.hpp>
 
 #include "platform/cancellable.h"
+#include "platform/unavailable.h"
 
 namespace quietlark {
 
@@ -32,6 +34,9 @@ public:
     /// Absent when the pasteboard could not be listed.
     using SnapshotHandler = std::function<void(std::optional<PasteboardSnapshot>)>;
 
+    /// Whether everybody else now finds the text; if not, they find what they would without it.
+    using SetHandler = std::function<void(const tl::expected<void, Unavailable>&)>;
+
     virtual ~Pasteboard() = default;
 
     /// Reads every representation of every item. One that cannot be read in time is left out, and
@@ -40,8 +45,10 @@ public:
     /// before the call returns.
     [[nodiscard]] virtual Cancellable snapshot(SnapshotHandler onSnapshot) = 0;
 
-    /// Replaces the contents by plain text, marked as nothing for a clipboard history.
-    virtual void setString(const QString& text) = 0;
+    /// Replaces the contents by plain text, marked as nothing for a clipboard history. `onSet` runs
+    /// once, on the main thread, never before the call returns. The text is set also when nobody
+    /// waits for that any more.
+    [[nodiscard]] virtual Cancellable setString(const QString& text, SetHandler onSet) = 0;
 
     /// Puts a snapshot back in place of setString()'s text; an empty one leaves the pasteboard
     /// empty. What somebody else has copied since setString() stays.

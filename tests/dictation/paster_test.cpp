@@ -186,13 +186,62 @@ TEST_F(PasterTest, ASecondPasteBeforeTheFirstIsTypedReplacesIt) {
     EXPECT_EQ(pasteboard.contents(), imageAndText);
 }
 
-TEST_F(PasterTest, ASlowPasteboardDelaysTheKeystrokeAndBlocksNobody) {
+TEST_F(PasterTest, TheFiftyMillisecondsBeginWhenASlowPasteboardHasTheText) {
+    pasteboard.userCopies(imageAndText);
     pasteboard.answersAfter(400ms);
     paste("hello");
-    scheduler.advance(449ms);
+    scheduler.advance(799ms);
+    EXPECT_EQ(pasteboard.contents(), imageAndText);
+    scheduler.advance(1ms);
+    EXPECT_EQ(pasteboard.text(), QStringLiteral("hello"));
+    scheduler.advance(49ms);
     EXPECT_TRUE(keys.posted().empty());
     scheduler.advance(1ms);
     EXPECT_EQ(keys.posted().size(), 1u);
+}
+
+TEST_F(PasterTest, ACopyThatIsMadeBeforeTheTextStandsIsWhatComesBack) {
+    pasteboard.userCopies(imageAndText);
+    pasteboard.othersAreFaster(2, QStringLiteral("newer"));
+    pasteUpToTheKeystroke("hello");
+    EXPECT_EQ(pasteboard.text(), QStringLiteral("hello"));
+    EXPECT_EQ(keys.posted().size(), 1u);
+    scheduler.advance(200ms);
+    EXPECT_EQ(pasteboard.text(), QStringLiteral("newer"));
+}
+
+TEST_F(PasterTest, NothingIsTypedWhenTheTextCannotBePutOnThePasteboard) {
+    pasteboard.userCopies(imageAndText);
+    pasteboard.othersAreFaster(Paster::mostAttempts, QStringLiteral("newer"));
+    pasteUpToTheKeystroke("hello");
+    EXPECT_EQ(reports, 1);
+    EXPECT_FALSE(couldPost);
+    scheduler.advance(1s);
+    EXPECT_TRUE(keys.posted().empty());
+    EXPECT_EQ(pasteboard.text(), QStringLiteral("newer"));
+    EXPECT_EQ(reports, 1);
+}
+
+TEST_F(PasterTest, ASecondPasteBeforeTheFirstStandsReplacesIt) {
+    pasteboard.userCopies(imageAndText);
+    pasteboard.answersAfter(10ms);
+    paste("one");
+    scheduler.advance(10ms);
+    paste("two");
+    scheduler.advance(1s);
+    EXPECT_EQ(reports, 1);
+    EXPECT_EQ(keys.posted().size(), 1u);
+    EXPECT_EQ(pasteboard.contents(), imageAndText);
+}
+
+TEST_F(PasterTest, GoingAwayBeforeTheTextStandsRestoresToo) {
+    pasteboard.userCopies(imageAndText);
+    pasteboard.answersAfter(10ms);
+    paste("hello");
+    scheduler.advance(10ms);
+    paster.reset();
+    scheduler.advance(1s);
+    EXPECT_EQ(pasteboard.contents(), imageAndText);
 }
 
 TEST_F(PasterTest, GoingAwayRestoresAtOnce) {

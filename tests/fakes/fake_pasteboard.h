@@ -21,8 +21,9 @@ public:
 
     /// Another program's copy: any representations, or plain text, or nothing at all.
     void userCopies(PasteboardSnapshot contents) {
+        carryOut();
         m_contents = std::move(contents);
-        m_awaitsRestore = false;
+        m_isSet = m_awaitsRestore = false;
         m_lastSnapshot.reset();
         m_listable = true;
         m_unreadableTypes.clear();
@@ -38,6 +39,12 @@ public:
 
     /// Answers come this much later from now on.
     void answersAfter(std::chrono::milliseconds delay) { m_delay = delay; }
+
+    /// Whenever a text of ours is to be set, another program is faster with this one; so often.
+    void othersAreFaster(int times, const QString& text) {
+        m_lostRaces = times;
+        m_faster = text;
+    }
 
     // What another program would find.
 
@@ -60,31 +67,31 @@ public:
     // Pasteboard
 
     [[nodiscard]] Cancellable snapshot(SnapshotHandler onSnapshot) override {
-        auto question = std::make_unique<QObject>();
-        m_scheduler.after(m_delay, question.get(), [this, onSnapshot = std::move(onSnapshot)] {
+        return later([this, onSnapshot = std::move(onSnapshot)] {
             m_lastSnapshot = currentSnapshot();
             onSnapshot(m_lastSnapshot);
         });
-        // A std::function must be copyable, so the question is held by a shared pointer.
-        return Cancellable(
-            [held = std::shared_ptr<QObject>(std::move(question))]() mutable { held.reset(); });
     }
 
-    void setString(const QString& text) override {
-        if (!m_awaitsRestore) m_covered = m_lastSnapshot;
-        m_contents = textContents(text);
-        m_awaitsRestore = true;
-        m_listable = true;
-        m_unreadableTypes.clear();
+    [[nodiscard]] Cancellable setString(const QString& text, SetHandler onSet) override {
+        carryOut();
+        m_order = text;
+        m_scheduler.after(m_delay, &m_self, [this] { carryOut(); });
+        return later([this, onSet = std::move(onSet)] {
+            if (m_isSet) return onSet({});
+            onSet(tl::unexpected(Unavailable{QStringLiteral("Others were faster.")}));
+        });
     }
 
     void restore(PasteboardSnapshot snapshot) override {
+        carryOut();
         if (!std::exchange(m_awaitsRestore, false)) return;
         m_contents = std::move(snapshot);
         m_lastSnapshot.reset();
     }
 
     void keepString() override {
+        carryOut();
         if (std::exchange(m_awaitsRestore, false)) m_lastSnapshot.reset();
     }
 
@@ -93,6 +100,30 @@ public:
 private:
     static PasteboardSnapshot textContents(const QString& text) {
         return {{{textType, text.toUtf8()}}};
+    }
+
+    Cancellable later(std::function<void()> answer) {
+        auto question = std::make_unique<QObject>();
+        m_scheduler.after(m_delay, question.get(), std::move(answer));
+        // A std::function must be copyable, so the question is held by a shared pointer.
+        return Cancellable(
+            [held = std::shared_ptr<QObject>(std::move(question))]() mutable { held.reset(); });
+    }
+
+    /// Sets the text that was ordered, if there is one: the real pasteboard takes its time, too,
+    /// but does everything in the order in which it was told to.
+    void carryOut() {
+        if (!m_order) return;
+        const QString text = *std::exchange(m_order, std::nullopt);
+        if (m_lostRaces > 0) {
+            --m_lostRaces;
+            return userCopies(m_faster);
+        }
+        if (!m_awaitsRestore) m_covered = m_lastSnapshot;
+        m_contents = textContents(text);
+        m_isSet = m_awaitsRestore = true;
+        m_listable = true;
+        m_unreadableTypes.clear();
     }
 
     std::optional<PasteboardSnapshot> currentSnapshot() const {
@@ -109,10 +140,15 @@ private:
     }
 
     Scheduler& m_scheduler;
+    QObject m_self;
     std::chrono::milliseconds m_delay{0};
+    std::optional<QString> m_order;  ///< the text to be set next
+    int m_lostRaces = 0;
+    QString m_faster;
     PasteboardSnapshot m_contents;
     bool m_listable = true;
     std::set<std::string> m_unreadableTypes;
+    bool m_isSet = false;
     bool m_awaitsRestore = false;
     std::optional<PasteboardSnapshot> m_lastSnapshot;
     std::optional<PasteboardSnapshot> m_covered;  ///< what the text that awaits restore() replaced

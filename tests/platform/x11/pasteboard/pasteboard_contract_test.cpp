@@ -91,13 +91,23 @@ protected:
         return answer;
     }
 
+    /// Puts a text there; true when others find it from now on.
+    bool set(const QString& text) {
+        std::optional<bool> isSet;
+        const auto question =
+            pasteboard().setString(text, [&](const auto& outcome) { isSet = outcome.has_value(); });
+        EXPECT_FALSE(isSet) << "answered before the call returned";
+        EXPECT_TRUE(desk.waitFor([&] { return isSet.has_value(); }));
+        return isSet.value_or(false);
+    }
+
     Pasteboard& pasteboard() { return desk.pasteboard(); }
 
     /// What the user has, a text of ours over it, and back again.
     void dictateAndRestore(const QString& text) {
         const auto before = snapshot();
         ASSERT_TRUE(before);
-        pasteboard().setString(text);
+        ASSERT_TRUE(set(text));
         pasteboard().restore(*before);
     }
 
@@ -152,8 +162,27 @@ TYPED_TEST(PasteboardContract, AQuestionMayBeWithdrawnInItsOwnAnswer) {
 }
 
 TYPED_TEST(PasteboardContract, OthersPasteTheTextThatWasSet) {
-    this->pasteboard().setString(QStringLiteral("dictat\u00e9"));
+    EXPECT_TRUE(this->set(QStringLiteral("dictat\u00e9")));
     EXPECT_EQ(this->desk.pasted(), QStringLiteral("dictat\u00e9"));
+}
+
+TYPED_TEST(PasteboardContract, ATextIsSetAlsoWhenNobodyWaitsForIt) {
+    bool isAnswered = false;
+    (void)this->pasteboard().setString(QStringLiteral("dictated"),
+                                       [&](const auto&) { isAnswered = true; });
+    (void)this->snapshot();
+    EXPECT_EQ(this->desk.pasted(), QStringLiteral("dictated"));
+    EXPECT_FALSE(isAnswered);
+}
+
+TYPED_TEST(PasteboardContract, ATextGivesWayAlsoBeforeItIsKnownToBeSet) {
+    this->desk.userCopies(QStringLiteral("copied"));
+    const auto before = this->snapshot();
+    ASSERT_TRUE(before);
+    const auto question =
+        this->pasteboard().setString(QStringLiteral("dictated"), [](const auto&) {});
+    this->pasteboard().restore(*before);
+    EXPECT_EQ(this->desk.pasted(), QStringLiteral("copied"));
 }
 
 TYPED_TEST(PasteboardContract, OthersPasteWhatWasCopiedBeforeTheText) {
@@ -178,16 +207,16 @@ TYPED_TEST(PasteboardContract, WhatWasRestoredCanBeSnapshotAgain) {
 TYPED_TEST(PasteboardContract, ASnapshotIsWhatATextCoversUntilItIsRestored) {
     this->desk.userCopies(QStringLiteral("copied"));
     const auto before = this->snapshot();
-    this->pasteboard().setString(QStringLiteral("dictated"));
+    (void)this->set(QStringLiteral("dictated"));
     EXPECT_EQ(this->snapshot(), before);
-    this->pasteboard().setString(QStringLiteral("more"));
+    (void)this->set(QStringLiteral("more"));
     EXPECT_EQ(this->snapshot(), before);
 }
 
 TYPED_TEST(PasteboardContract, ATextOverWhatCouldNotBeListedStays) {
     this->desk.userCopiesWhatCannotBeListed();
     ASSERT_EQ(this->snapshot(), std::nullopt);
-    this->pasteboard().setString(QStringLiteral("dictated"));
+    (void)this->set(QStringLiteral("dictated"));
     const auto snapshot = this->snapshot();
     ASSERT_TRUE(snapshot);
     EXPECT_EQ(snapshot->front().front().data, "dictated");
@@ -197,7 +226,7 @@ TYPED_TEST(PasteboardContract, ATextThatIsKeptIsTheUsersOwn) {
     this->desk.userCopies(QStringLiteral("copied"));
     const auto before = this->snapshot();
     ASSERT_TRUE(before);
-    this->pasteboard().setString(QStringLiteral("dictated"));
+    (void)this->set(QStringLiteral("dictated"));
     this->pasteboard().keepString();
     const auto kept = this->snapshot();
     ASSERT_TRUE(kept);
@@ -209,7 +238,7 @@ TYPED_TEST(PasteboardContract, ATextThatIsKeptIsTheUsersOwn) {
 TYPED_TEST(PasteboardContract, ATextThatIsKeptIsRestoredLikeAnyOther) {
     this->desk.userCopies(QStringLiteral("copied"));
     (void)this->snapshot();
-    this->pasteboard().setString(QStringLiteral("kept"));
+    (void)this->set(QStringLiteral("kept"));
     this->pasteboard().keepString();
     const auto kept = this->snapshot();
     this->dictateAndRestore(QStringLiteral("dictated"));
@@ -230,8 +259,7 @@ TYPED_TEST(PasteboardContract, ANewerCopyIsNotOverwritten) {
     this->desk.userCopies(QStringLiteral("copied"));
     const auto before = this->snapshot();
     ASSERT_TRUE(before);
-    this->pasteboard().setString(QStringLiteral("dictated"));
-    (void)this->snapshot();
+    ASSERT_TRUE(this->set(QStringLiteral("dictated")));
     this->desk.userCopies(QStringLiteral("newer"));
     this->pasteboard().restore(*before);
     EXPECT_EQ(this->desk.pasted(), QStringLiteral("newer"));

@@ -27,9 +27,11 @@ protected:
         open();
     }
 
-    void open(const X11PasteboardLimits& limits = patient()) {
+    void open(const X11PasteboardLimits& limits = patient()) { open(server.display(), limits); }
+
+    void open(const QByteArray& display, const X11PasteboardLimits& limits = patient()) {
         quit();
-        m_pasteboard = std::make_unique<X11Pasteboard>(m_scheduler, server.display(), limits);
+        m_pasteboard = std::make_unique<X11Pasteboard>(m_scheduler, display, limits);
     }
 
     void quit() { m_pasteboard.reset(); }
@@ -67,11 +69,27 @@ protected:
         return read && read->size() == 1 ? read->front() : PasteboardItem();
     }
 
+    /// Orders a text to be put there; nobody waits for it.
+    void order(const QString& text) {
+        (void)m_pasteboard->setString(text, [](const auto&) {});
+    }
+
+    /// Puts a text on the pasteboard; answers nothing when it is there, else why not.
+    std::optional<Unavailable> set(const QString& text) {
+        bool isAnswered = false;
+        std::optional<Unavailable> reason;
+        const auto question = m_pasteboard->setString(text, [&](const auto& outcome) {
+            if (!outcome) reason = outcome.error();
+            isAnswered = true;
+        });
+        EXPECT_TRUE(waitUntil([&] { return isAnswered; }));
+        return reason;
+    }
+
     /// Puts a text on the pasteboard over whatever is there, which it answers.
     PasteboardSnapshot dictate(const QString& text) {
         auto before = snapshot();
-        m_pasteboard->setString(text);
-        settle();
+        EXPECT_FALSE(set(text));
         return before.value_or(PasteboardSnapshot());
     }
 

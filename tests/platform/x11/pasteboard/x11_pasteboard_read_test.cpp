@@ -190,11 +190,14 @@ TEST_F(X11PasteboardReadTest, AQuestionThatOutlivesThePasteboardIsNotAnswered) {
 TEST_F(X11PasteboardReadTest, WithoutAnXServerThereIsNoSnapshot) {
     QtScheduler scheduler;
     X11Pasteboard nowhere(scheduler, "/nowhere:99");
-    nowhere.setString(QStringLiteral("a"));
+    bool isRefused = false;
+    const auto setting = nowhere.setString(
+        QStringLiteral("a"), [&](const auto& outcome) { isRefused = !outcome.has_value(); });
     nowhere.restore({{{"UTF8_STRING", "b"}}});
     bool isAbsent = false;
     const auto question = nowhere.snapshot([&](const auto& answer) { isAbsent = !answer; });
     EXPECT_TRUE(waitUntil([&] { return isAbsent; }));
+    EXPECT_TRUE(isRefused);
 }
 
 TEST_F(X11PasteboardReadTest, AnXServerThatEndsMeansNoSnapshot) {
@@ -202,7 +205,7 @@ TEST_F(X11PasteboardReadTest, AnXServerThatEndsMeansNoSnapshot) {
     (void)dictate(QStringLiteral("b"));
     server.end();
     EXPECT_TRUE(waitUntil([this] { return !snapshot(); }));
-    pasteboard().setString(QStringLiteral("c"));
+    EXPECT_TRUE(set(QStringLiteral("c")));
     EXPECT_EQ(snapshot(), std::nullopt);
 }
 
@@ -214,7 +217,7 @@ TEST_F(X11PasteboardReadTest, AnXServerThatHangsDoesNotKeepTheProgramFromEnding)
     const auto serverId = static_cast<pid_t>(server.processId());
     kill(serverId, SIGSTOP);
     beginSnapshot();
-    pasteboard().setString(QStringLiteral("b"));
+    order(QStringLiteral("b"));
     quit();
     kill(serverId, SIGCONT);
 }

@@ -271,7 +271,7 @@ TEST_F(X11PasteboardRestoreTest, ManyDictationsKeepWhatWasCopiedOnce) {
 TEST_F(X11PasteboardRestoreTest, ATextOverContentsThatCouldNotBeReadIsContentsItself) {
     userCopies({QStringLiteral("TARGETS=refuse")});
     ASSERT_EQ(snapshot(), std::nullopt);
-    pasteboard().setString(QStringLiteral("dictated"));
+    EXPECT_FALSE(set(QStringLiteral("dictated")));
     const auto read = snapshot();
     ASSERT_TRUE(read);
     EXPECT_EQ(read->front().front(), (CapturedType{"UTF8_STRING", "dictated"}));

@@ -10,27 +10,32 @@ X11Pasteboard::X11Pasteboard(Scheduler& scheduler, const QByteArray& display,
     : m_scheduler(scheduler), m_thread(display, limits) {}
 
 X11Pasteboard::~X11Pasteboard() {
-    m_questions->clear();
+    m_snapshots->clear();
+    m_settings->clear();
 }
 
 Cancellable X11Pasteboard::snapshot(SnapshotHandler onSnapshot) {
-    const auto question = ++m_lastQuestion;
-    m_questions->emplace(question, std::move(onSnapshot));
-    // Runs on the main thread, once the pasteboard's thread has the answer.
-    const auto answer = [questions = m_questions,
-                         question](std::optional<PasteboardSnapshot> snapshot) {
-        if (const auto asked = questions->extract(question)) asked.mapped()(std::move(snapshot));
-    };
-    m_thread.order([this, answer](X11PasteboardSession& session) {
-        session.snapshot([this, answer](std::optional<PasteboardSnapshot> snapshot) {
-            m_scheduler.post([answer, snapshot = std::move(snapshot)] { answer(snapshot); });
-        });
-    });
-    return Cancellable([questions = m_questions, question] { questions->erase(question); });
+    return ask<std::optional<PasteboardSnapshot>>(
+        m_snapshots, std::move(onSnapshot),
+        [](X11PasteboardSession& session, auto answer) { session.snapshot(std::move(answer)); });
 }
 
-void X11Pasteboard::setString(const QString& text) {
-    m_thread.order([text](X11PasteboardSession& session) { session.setString(text); });
+Cancellable X11Pasteboard::setString(const QString& text, SetHandler onSet) {
+    using Outcome = X11PasteboardSession::Outcome;
+    return ask<Outcome>(
+        m_settings,
+        [onSet = std::move(onSet)](Outcome outcome) {
+            if (outcome == Outcome::set) return onSet({});
+            onSet(tl::unexpected(Unavailable{
+                outcome == Outcome::disconnected
+                    ? tr("There is no X server that has a clipboard: log in to an X11 session and "
+                         "start Quietlark there.")
+                    : tr("Another program keeps taking the clipboard: quit it and dictate "
+                         "again.")}));
+        },
+        [text](X11PasteboardSession& session, auto answer) {
+            session.setString(text, std::move(answer));
+        });
 }
 
 void X11Pasteboard::restore(PasteboardSnapshot snapshot) {
@@ -41,6 +46,23 @@ void X11Pasteboard::restore(PasteboardSnapshot snapshot) {
 
 void X11Pasteboard::keepString() {
     m_thread.order([](X11PasteboardSession& session) { session.keepString(); });
+}
+
+template <typename Answer>
+Cancellable X11Pasteboard::ask(const std::shared_ptr<Questions<Answer>>& questions,
+                               std::function<void(Answer)> onAnswer, Order<Answer> order) {
+    const auto question = ++m_lastQuestion;
+    questions->emplace(question, std::move(onAnswer));
+    // On the pasteboard's thread, which passes the answer on to the main one.
+    const auto answer = [this, questions, question](Answer value) {
+        m_scheduler.post([questions, question, value = std::move(value)] {
+            if (const auto asked = questions->extract(question)) asked.mapped()(value);
+        });
+    };
+    m_thread.order([order = std::move(order), answer](X11PasteboardSession& session) {
+        order(session, answer);
+    });
+    return Cancellable([questions, question] { questions->erase(question); });
 }
 
 }  // namespace quietlark

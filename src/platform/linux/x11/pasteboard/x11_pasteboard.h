@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 
 #include <QByteArray>
+#include <QCoreApplication>
 
 #include "platform/linux/x11/pasteboard/x11_pasteboard_limits.h"
 #include "platform/linux/x11/pasteboard/x11_pasteboard_thread.h"
@@ -20,6 +22,8 @@ namespace quietlark {
 /// When it is destroyed, what it has restored or kept is handed over to a clipboard manager, if one
 /// runs.
 class X11Pasteboard final : public Pasteboard {
+    Q_DECLARE_TR_FUNCTIONS(X11Pasteboard)
+
 public:
     /// Waits until it is connected. `display` such as ":0"; empty for the one that the environment
     /// names. The scheduler must outlive this.
@@ -28,17 +32,28 @@ public:
     ~X11Pasteboard() override;
 
     [[nodiscard]] Cancellable snapshot(SnapshotHandler onSnapshot) override;
-    void setString(const QString& text) override;
+    [[nodiscard]] Cancellable setString(const QString& text, SetHandler onSet) override;
     void restore(PasteboardSnapshot snapshot) override;
     void keepString() override;
 
 private:
-    using Questions = std::map<std::uint64_t, SnapshotHandler>;
+    template <typename Answer>
+    using Questions = std::map<std::uint64_t, std::function<void(Answer)>>;
+    using SnapshotQuestions = Questions<std::optional<PasteboardSnapshot>>;
+    using SetQuestions = Questions<X11PasteboardSession::Outcome>;
+
+    template <typename Answer>
+    using Order = std::function<void(X11PasteboardSession&, std::function<void(Answer)>)>;
+
+    template <typename Answer>
+    Cancellable ask(const std::shared_ptr<Questions<Answer>>& questions,
+                    std::function<void(Answer)> onAnswer, Order<Answer> order);
 
     Scheduler& m_scheduler;
     // Shared with what is posted and with the callers' handles, which may outlive this. Main
     // thread.
-    std::shared_ptr<Questions> m_questions = std::make_shared<Questions>();
+    std::shared_ptr<SnapshotQuestions> m_snapshots = std::make_shared<SnapshotQuestions>();
+    std::shared_ptr<SetQuestions> m_settings = std::make_shared<SetQuestions>();
     std::uint64_t m_lastQuestion = 0;
     X11PasteboardThread m_thread;
 };

@@ -56,10 +56,12 @@ void X11PasteboardSession::snapshot(Answer answer) {
     m_reader.emplace(m_connection, m_requestors, m_clipboard, m_limits.snapshotBytes);
 }
 
-void X11PasteboardSession::setString(const QString& text) {
+void X11PasteboardSession::setString(const QString& text, OutcomeHandler onSet) {
+    if (!isConnected()) return onSet(Outcome::disconnected);
     std::optional<PasteboardSnapshot> covered =
         m_owner.isOwner() ? m_owner.snapshot() : std::exchange(m_lastRead, std::nullopt);
     m_owner.take(text, std::move(covered));
+    m_onSet = std::move(onSet);
 }
 
 void X11PasteboardSession::restore(PasteboardSnapshot snapshot) {
@@ -115,6 +117,7 @@ bool X11PasteboardSession::processEvents() {
             answerReader();
             isNew = true;
         }
+        if (m_onSet && (!m_owner.isTaking() || !isConnected())) reportOutcome();
     }
     // The end of the connection is news as well: nobody is busy with the server any more.
     const bool hasBroken = std::exchange(m_wasConnected, isConnected()) && !isConnected();
@@ -172,6 +175,11 @@ void X11PasteboardSession::answerReader() {
     m_lastRead = isConnected() ? m_reader->result() : std::nullopt;
     m_reader.reset();
     std::exchange(m_answer, nullptr)(m_lastRead);
+}
+
+void X11PasteboardSession::reportOutcome() {
+    const auto ofConnected = m_owner.isOwner() ? Outcome::set : Outcome::takenByAnother;
+    std::exchange(m_onSet, nullptr)(isConnected() ? ofConnected : Outcome::disconnected);
 }
 
 }  // namespace quietlark

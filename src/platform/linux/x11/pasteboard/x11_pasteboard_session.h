@@ -27,6 +27,9 @@ public:
     using Clock = std::chrono::steady_clock;
     using Answer = std::function<void(std::optional<PasteboardSnapshot>)>;
 
+    enum class Outcome { set, takenByAnother, disconnected };
+    using OutcomeHandler = std::function<void(Outcome)>;
+
     X11PasteboardSession(const QByteArray& display, X11PasteboardLimits limits);
 
     /// To wait on for events; -1 when there is no X server.
@@ -35,7 +38,7 @@ public:
     [[nodiscard]] bool isBusy() const;
 
     void snapshot(Answer answer);
-    void setString(const QString& text);
+    void setString(const QString& text, OutcomeHandler onSet);
     void restore(PasteboardSnapshot snapshot);
     void keepString();
 
@@ -67,6 +70,7 @@ private:
     void onError(const xcb_generic_error_t& error);
     void onOwnerChanged(xcb_window_t owner);
     void answerReader();
+    void reportOutcome();
 
     X11PasteboardLimits m_limits;
     X11PasteboardConnection m_connection;
@@ -80,6 +84,7 @@ private:
     std::optional<X11SelectionReader> m_reader;
     Answer m_answer;  ///< to whom the reader's result goes
     Clock::time_point m_readerDeadline;
+    OutcomeHandler m_onSet;  ///< who waits for the owner to have taken the clipboard
     std::optional<PasteboardSnapshot> m_lastRead;  ///< until somebody else copies
     std::optional<X11ClipboardHandover> m_handover;
     std::optional<Clock::time_point> m_quitDeadline;  ///< once quit() was called
