@@ -116,26 +116,39 @@ clear_stage() {
     [ -e "$bundle" ] || remove_made "$(tac <<<"$made")"
 }
 
+# note_missing FOLDER: prints it and those above it that are not there.
+note_missing() {
+    [ ! -d "$1" ] || return 0
+    note_missing "$(dirname "$1")"
+    printf '%s/\n' "$1"
+}
+
 # mkdir_noting FOLDER: makes it, and prints it and those above it that were not there.
 mkdir_noting() {
-    [ ! -d "$1" ] || return 0
-    mkdir_noting "$(dirname "$1")"
-    mkdir "$1"
-    printf '%s/\n' "$1"
+    note_missing "$1"
+    mkdir -p "$1"
 }
 
 register() {
     local link part
     while IFS=$'\t' read -r link part; do
-        mkdir_noting "$(dirname "$link")" >>"$bundle/$registered"
+        mkdir_noting "$(dirname "$link")" | remember
         ln -sfn "$bundle/$part" "$link"
-        grep -qxF "$link" "$bundle/$registered" || printf '%s\n' "$link" >>"$bundle/$registered"
+        remember <<<"$link"
     done < <(links "$bundle")
-    # Which systemd makes when the service is enabled, and Quietlark when it is to start at login, and
-    # which they leave there.
-    mkdir_noting "$config_home/systemd/user" >>"$bundle/$registered"
-    mkdir_noting "$config_home/autostart" >>"$bundle/$registered"
+    # Where systemd keeps the links of a service that is enabled, and Quietlark what starts it at
+    # login: they make the folders, and leave them there.
+    note_missing "$config_home/systemd/user" | remember
+    note_missing "$config_home/autostart" | remember
     tell_desktop
+}
+
+# Adds the lines of standard input to the list, but none twice.
+remember() {
+    local line
+    while IFS= read -r line; do
+        grep -qxF "$line" "$bundle/$registered" || printf '%s\n' "$line" >>"$bundle/$registered"
+    done
 }
 
 # Some desktops look for new files only when they are told, by a cache or by the folder's date.

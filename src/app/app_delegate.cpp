@@ -41,6 +41,7 @@ AppDelegate::AppDelegate(AppState& appState, const Desktop& desktop, const Compu
 }
 
 void AppDelegate::applicationDidFinishLaunching() {
+    m_uninstall.prepare();
     m_desktop.windows.setMainMenu(buildMainMenu(QCoreApplication::applicationName()));
     m_desktop.statusItem.show();
     connect(&m_appState.dictation(), &Dictation::onStateChange, this, &AppDelegate::refresh);

@@ -5,8 +5,8 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QStringList>
 
+#include "app/made_folders.h"
 #include "local_server/launch_at_login.h"
 
 namespace quietlark {
@@ -52,6 +52,10 @@ std::optional<QString> resetLine(const PrivacyRecords& records, const QString& i
 Uninstall::Uninstall(AppState& appState, WindowPresenter& windows, const Computer& computer)
     : m_appState(appState), m_windows(windows), m_computer(computer) {}
 
+void Uninstall::prepare() {
+    noteMissingFolders(m_computer.defaults, m_computer.files);
+}
+
 void Uninstall::run() {
     if (m_isRunning) return;
     m_isRunning = true;
@@ -71,6 +75,7 @@ void Uninstall::onAnswer(bool isConfirmed) {
 
 void Uninstall::onServerGone() {
     LaunchAtLogin(m_computer.loginItem).set(false);
+    m_madeFolders = notedFolders(m_computer.defaults);
     if (m_computer.installation.bundleIdentifier()) m_computer.defaults.removeAll();
     removeFiles();
     resetPrivacy();
@@ -94,6 +99,8 @@ void Uninstall::resetPrivacy() {
 
 void Uninstall::recycle() {
     const auto recycled = m_computer.recycler.recycle(m_computer.installation.bundlePath());
+    // Not before, since the Trash may be in one of them.
+    m_computer.files.removeEmptyFolders(m_madeFolders);
     if (recycled) return Q_EMIT finished();
     m_windows.showRecycleFailure(recycled.error().localizedDescription,
                                  [this] { Q_EMIT finished(); });

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QStringList>
 
 #include "app/window_presenter.h"
 #include "platform/cancellable.h"
@@ -32,6 +33,9 @@ public:
 
     Uninstall(AppState& appState, WindowPresenter& windows, const Computer& computer);
 
+    /// Notes what is missing before the application writes anything: to be called at the launch.
+    void prepare();
+
     /// Asks the user, and goes through with it if that is the answer. One at a time.
     void run();
 
@@ -53,7 +57,8 @@ private:
     WindowPresenter& m_windows;
     const Computer m_computer;
     bool m_isRunning = false;
-    Cancellable m_request;  ///< what is waited for: the server's end, or the administrator's
+    QStringList m_madeFolders;  ///< by using the application, if they are still there
+    Cancellable m_request;      ///< what is waited for: the server's end, or the administrator's
 };
 
 }  // namespace quietlark

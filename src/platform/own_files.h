@@ -26,6 +26,13 @@ public:
 
     /// Removes that file, or link, if it is this user's. A folder stays.
     virtual void removeFile(const QString& path) = 0;
+
+    /// Of the folders that programs share, and that the program's use makes where they are missing,
+    /// those that are missing now.
+    [[nodiscard]] virtual QStringList missingFolders() const = 0;
+
+    /// Removes of these the ones that are such folders, are this user's and have nothing in them.
+    virtual void removeEmptyFolders(const QStringList& paths) = 0;
 };
 
 }  // namespace quietlark

@@ -8,6 +8,7 @@
 #include <QIcon>
 #include <QProcessEnvironment>
 
+#include "app/made_folders.h"
 #include "commands/command_line.h"
 #include "commands/console.h"
 #include "commands/dictation_command.h"
@@ -33,6 +34,7 @@
 #include "program/application.h"
 #include "program/display.h"
 #include "program/examination.h"
+#include "program/own_traces.h"
 #include "program/quit_signals.h"
 #include "program/single_instance.h"
 #include "program/wording.h"
@@ -82,6 +84,10 @@ public:
     }
 
     int operator()(const ModelArguments& arguments) {
+        if (arguments.action == ModelArguments::Action::Download) {
+            OwnTraces traces(Config::defaultFileURL());
+            noteMissingFolders(traces.defaults, traces.files);
+        }
         const QuitSignals quitSignals;
         const ModelFiles files = ModelFiles::atDefaultDirectory();
         QtScheduler scheduler;

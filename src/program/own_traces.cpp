@@ -45,6 +45,28 @@ QStringList sharedPlaces() {
     return places;
 }
 
+/// Folders that using the program makes where they are missing: for its settings, the login item,
+/// the service that systemd is to run, and the model. Each before those in it.
+QStringList sharedFolders() {
+    const QString home = QDir::homePath() + u'/';
+    QStringList folders;
+    for (const QString& base : {configHome(), dataHome()}) {
+        const qsizetype outer = folders.size();
+        folders << base;
+        for (QString at = QFileInfo(base).path(); at.startsWith(home); at = QFileInfo(at).path())
+            folders.insert(outer, at);
+    }
+    for (const char* inner : {"/autostart", "/systemd", "/systemd/user"})
+        folders << configHome() + QLatin1String(inner);
+    // A home directory, and what holds it, are not ours to remove.
+    folders.removeIf([&](const QString& folder) {
+        return home.startsWith(folder + u'/') ||
+               (registeredHome() + u'/').startsWith(folder + u'/');
+    });
+    folders.removeDuplicates();
+    return folders;
+}
+
 Registration registration() {
     return Registration(QDir::homePath(), {configHome(), usualConfigHome()},
                         {dataHome(), usualDataHome()});
@@ -57,7 +79,7 @@ OwnTraces::OwnTraces(const QString& settingsFile)
       defaults(defaultsBeside(settingsFile)),
       loginItem(configHome(), QCoreApplication::applicationFilePath()),
       files({usualConfigHome(), usualDataHome()},
-            sharedPlaces() << QDir::currentPath() << installation.bundlePath()),
+            sharedPlaces() << QDir::currentPath() << installation.bundlePath(), sharedFolders()),
       recycler({bundleRoots(installation), sharedPlaces(),
                 QStringLiteral("/var/lib/dpkg/info/quietlark.list")},
                FreedesktopTrash(dataHome()), registration()) {}

@@ -30,6 +30,11 @@ TEST_F(LaunchTest, ShowsTheStatusItemAndInstallsTheMenus) {
     EXPECT_EQ(windows.mainMenu(), buildMainMenu(QCoreApplication::applicationName()));
 }
 
+TEST_F(LaunchTest, WhereNoFolderIsMissingNothingIsWritten) {
+    launch();
+    EXPECT_EQ(defaults.string(QStringLiteral("foldersMissingAtLaunch")), std::nullopt);
+}
+
 TEST_F(LaunchTest, WithEverythingInPlaceNoWindowOpens) {
     launch();
     EXPECT_FALSE(windows.anyVisible());

@@ -206,6 +206,20 @@ TEST_F(UninstallTest, AnEndpointFileThatNoServerHasWrittenStays) {
     EXPECT_EQ(ownFiles.removedFiles(), QStringList{QStringLiteral("/tmp/quietlark.log")});
 }
 
+TEST_F(UninstallTest, FoldersThatWereMissingAtALaunchGoAfterAllElse) {
+    ownFiles.missing = {QStringLiteral("/home/me/.config")};
+    systemKeepsRecords();
+    ask();
+    ownFiles.missing = {QStringLiteral("/home/me/.local")};
+    delegate().applicationDidFinishLaunching();
+    confirm();
+    EXPECT_TRUE(ownFiles.removedEmptyFolders().isEmpty());
+    recycler.failure = RecycleError{QStringLiteral("Remove the package quietlark.")};
+    privacyRecords.finish();
+    EXPECT_EQ(ownFiles.removedEmptyFolders(),
+              (QStringList{QStringLiteral("/home/me/.config"), QStringLiteral("/home/me/.local")}));
+}
+
 // The permissions
 
 TEST_F(UninstallTest, ThePermissionsAreResetInOrderAndAllInOneGo) {

@@ -61,7 +61,7 @@ printf '[Desktop Entry]\nExec="%s/bin/quietlark"\n' "$bundle" \
     >"$home/.config/autostart/net.quietlark.app.desktop"
 # As systemd has it for a service that is enabled.
 units="$home/.config/systemd/user"
-mkdir "$units/default.target.wants"
+mkdir -p "$units/default.target.wants"
 for link in "$units/$service" "$units/default.target.wants/$service"; do
     ln -s "$bundle/lib/systemd/user/$service" "$link"
 done

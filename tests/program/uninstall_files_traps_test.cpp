@@ -105,5 +105,50 @@ TEST_F(UninstallFilesTrapsTest, AFolderInThePlaceOfAFile) {
     EXPECT_TRUE(exists("/tmp/quietlark.endpoint/thesis"));
 }
 
+TEST_F(UninstallFilesTrapsTest, FoldersThatWereMadeByUsingItGo) {
+    qputenv("HOME", "/home/new");
+    ASSERT_TRUE(QDir().mkpath(QStringLiteral("/home/new")));
+    useProgram();
+    ASSERT_TRUE(QDir().mkpath(QStringLiteral("/home/new/.config/systemd/user")));
+    uninstall();
+    EXPECT_EQ(listFiles(QStringLiteral("/home/new")), QStringList());
+}
+
+TEST_F(UninstallFilesTrapsTest, FoldersThatWereThereOrAreInUseStay) {
+    qputenv("HOME", "/home/new");
+    for (const char* folder : {"/home/new/.config/autostart", "/home/new/.local"})
+        ASSERT_TRUE(QDir().mkpath(QString::fromLatin1(folder)));
+    useProgram();
+    write("/home/new/.local/share/thesis");
+    uninstall();
+    EXPECT_TRUE(exists("/home/new/.config/autostart"));
+    EXPECT_TRUE(exists("/home/new/.local/share/thesis"));
+}
+
+TEST_F(UninstallFilesTrapsTest, ANoteOfFoldersThatSomebodyElseHasMade) {
+    for (const char* folder :
+         {"/home/me/empty", "/home/me/.config/empty", "/home/me/.config/Other/empty",
+          "/home/me/.config/systemd/empty", "/home/empty", "/empty", "/tmp/empty", "/work"})
+        ASSERT_TRUE(QDir().mkpath(QString::fromLatin1(folder)));
+    link("/home/me/.config/systemd/user", "/empty");
+    useProgram();
+    const auto before = listFiles(QStringLiteral("/"));
+    traces().defaults.set(
+        QStringLiteral("foldersMissingAtLaunch"),
+        QStringLiteral("/\n//\n\n.\n..\nwork\n/home\n/home/me\n/home/me/\n/home/me/empty\n"
+                       "/home/me/.config/empty\n/home/me/.config/Other/empty\n/home/empty\n/empty\n"
+                       "/home/me/.config/autostart/../empty\n/home/me/.config/systemd/empty\n"
+                       "/home/me/.config\n/home/me/.config/autostart\n/home/me/.config/systemd\n"
+                       "/home/me/.config/systemd/user\n/home/me/.local\n/home/me/.local/share\n"
+                       "/tmp\n/tmp/empty\n/home/me/.config/Quietlark\n/work\n/home/me/work"));
+    uninstall();
+    expectOthersFiles();
+    const auto after = listFiles(QStringLiteral("/"));
+    for (const QString& path : before) {
+        EXPECT_TRUE(after.contains(path) || path.contains(QStringLiteral("uietlark")))
+            << path.toStdString();
+    }
+}
+
 }  // namespace
 }  // namespace quietlark

@@ -5,6 +5,7 @@
 
 #include <fcntl.h>
 
+#include "app/made_folders.h"
 #include "app/uninstall.h"
 #include "fakes/fake_app_windows.h"
 #include "fakes/fake_application_shell.h"
@@ -71,6 +72,7 @@ protected:
                  ModelFiles::atDefaultDirectory(), EndpointFile()};
         m_traces.reset();
         restart();
+        noteMissingFolders(traces().defaults, traces().files);
         saved(manualRemote());
         ASSERT_TRUE(files.model.ensureDirectory().has_value());
         write(files.model.active());

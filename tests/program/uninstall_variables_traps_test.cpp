@@ -101,6 +101,23 @@ TEST_F(UninstallVariablesTrapsTest, OtherVariablesThatNameAFolderInTheSettings) 
     }
 }
 
+TEST_F(UninstallVariablesTrapsTest, VariablesThatNameTheHomeDirectoryWhichIsEmpty) {
+    for (const char* home : {"/home/new", "/root"}) {
+        qputenv("HOME", home);
+        for (const char* place : {home, "/root", "/home"}) {
+            ASSERT_TRUE(QDir().mkpath(QString::fromLatin1(home)));
+            qputenv("XDG_CONFIG_HOME", place);
+            qputenv("XDG_DATA_HOME", place);
+            useProgram();
+            const QString key = QStringLiteral("foldersMissingAtLaunch");
+            traces().defaults.set(key, traces().defaults.string(key).value_or(QString()) +
+                                           QStringLiteral("\n/home\n/home/new\n/root"));
+            uninstall();
+            EXPECT_TRUE(exists(home)) << place;
+        }
+    }
+}
+
 TEST_F(UninstallVariablesTrapsTest, FilesOfTheUsersNamedAlmostAsOurs) {
     const std::array theirs{"/home/me/Documents/Quietlark/config.json.of-my-thesis",
                             "/home/me/Documents/Quietlark/config.json.backup",

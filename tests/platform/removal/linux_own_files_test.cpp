@@ -9,7 +9,9 @@ class LinuxOwnFilesTest : public FileTree {
 protected:
     LinuxOwnFiles files() const {
         return LinuxOwnFiles({at("home/.config"), at("home/.local/share")},
-                             {QStringLiteral("/"), at("home")});
+                             {QStringLiteral("/"), at("home")},
+                             {at("home/.local"), at("home/.local/share"), at("home/.config"),
+                              at("home/.config/autostart")});
     }
 
     void removeFolder(const char* path, const QStringList& entries = {}) const {
@@ -162,12 +164,46 @@ TEST_F(LinuxOwnFilesTest, ARelativePathMeansNothing) {
     EXPECT_TRUE(exists("Quietlark/config.json"));
 }
 
+// Folders that programs share
+
+TEST_F(LinuxOwnFilesTest, TheMissingSharedFoldersAreThoseOfWhichThereIsNothing) {
+    makeFolder("home/.config");
+    link("home/.config/autostart", at("missing"));
+    EXPECT_EQ(files().missingFolders(), (QStringList{at("home/.local"), at("home/.local/share")}));
+}
+
+TEST_F(LinuxOwnFilesTest, EmptyFoldersGoTogetherWithThoseTheyAreIn) {
+    makeFolder("home/.local/share");
+    makeFolder("home/.config/autostart");
+    files().removeEmptyFolders({at("home/.local"), at("home/.local/share"), at("home/.config")});
+    EXPECT_EQ(listing("home"), ".config .config/autostart");
+}
+
+TEST_F(LinuxOwnFilesTest, OnlyEmptySharedFoldersOfTheUsersGo) {
+    for (const char* folder : {"home/empty", "home/elsewhere", "home/.config/Other"})
+        makeFolder(folder);
+    link("home/.local", at("home/elsewhere"));
+    write("home/.config/autostart");
+    files().removeEmptyFolders({at("home"), at("home/empty"), at("home/.local"), at("home/.config"),
+                                at("home/.config/Other"), at("home/.config/autostart"), QString(),
+                                QStringLiteral("/"), QStringLiteral("home/empty")});
+    EXPECT_EQ(listing("home"), ".config .config/Other .config/autostart .local elsewhere empty");
+}
+
+TEST_F(LinuxOwnFilesTest, AnotherUsersEmptyFolderStays) {
+    if (!isRoot()) GTEST_SKIP() << "only root can give files to another user";
+    makeFolder("home/.config/autostart");
+    give("home/.config/autostart", 1234);
+    files().removeEmptyFolders({at("home/.config"), at("home/.config/autostart")});
+    EXPECT_TRUE(exists("home/.config/autostart"));
+}
+
 // What stays in any case
 
 TEST_F(LinuxOwnFilesTest, TheHomeDirectoryStaysWhateverItsName) {
     write("users/Quietlark/thesis");
     write("users/Quietlark/config.json");
-    const LinuxOwnFiles inOddHome({at("users")}, {at("users/Quietlark")});
+    const LinuxOwnFiles inOddHome({at("users")}, {at("users/Quietlark")}, {});
     LinuxOwnFiles(inOddHome).removeFolder({at("users/Quietlark"), {QStringLiteral("config.json")}});
     EXPECT_EQ(listing("users"), "Quietlark Quietlark/thesis");
 }
@@ -175,14 +211,15 @@ TEST_F(LinuxOwnFilesTest, TheHomeDirectoryStaysWhateverItsName) {
 TEST_F(LinuxOwnFilesTest, AFolderThatHoldsTheHomeDirectoryStays) {
     write("data/Quietlark/me/thesis");
     link("odd", at("data/Quietlark/me"));
-    LinuxOwnFiles({at("data")}, {at("odd")}).removeFolder({at("data/Quietlark"), {}});
+    LinuxOwnFiles({at("data")}, {at("odd")}, {}).removeFolder({at("data/Quietlark"), {}});
     EXPECT_TRUE(exists("data/Quietlark/me/thesis"));
 }
 
 TEST_F(LinuxOwnFilesTest, AnEmptyHomeDirectoryStaysToo) {
     makeFolder("users/Quietlark");
-    LinuxOwnFiles({at("users")}, {at("users/Quietlark")}).removeFolder({at("users/Quietlark"), {}});
-    LinuxOwnFiles({}, {at("users/Quietlark")}).removeFolder({at("users/Quietlark"), {}});
+    LinuxOwnFiles({at("users")}, {at("users/Quietlark")}, {})
+        .removeFolder({at("users/Quietlark"), {}});
+    LinuxOwnFiles({}, {at("users/Quietlark")}, {}).removeFolder({at("users/Quietlark"), {}});
     EXPECT_TRUE(exists("users/Quietlark"));
 }
 

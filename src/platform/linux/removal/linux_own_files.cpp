@@ -70,8 +70,11 @@ void removeEntries(const Descriptor& folder, const QStringList& entries) {
 
 }  // namespace
 
-LinuxOwnFiles::LinuxOwnFiles(QStringList conventionalParents, QStringList keptPlaces)
-    : m_conventionalParents(std::move(conventionalParents)), m_keptPlaces(std::move(keptPlaces)) {}
+LinuxOwnFiles::LinuxOwnFiles(QStringList conventionalParents, QStringList keptPlaces,
+                             QStringList sharedFolders)
+    : m_conventionalParents(std::move(conventionalParents)),
+      m_keptPlaces(std::move(keptPlaces)),
+      m_sharedFolders(std::move(sharedFolders)) {}
 
 void LinuxOwnFiles::removeFolder(const Folder& folder) {
     const QByteArray name = nameIn(folder.path);
@@ -97,6 +100,28 @@ void LinuxOwnFiles::removeFolder(const Folder& folder) {
 void LinuxOwnFiles::removeFile(const QString& path) {
     // What depends on where the program was started means nothing.
     if (path.startsWith(u'/')) static_cast<void>(removeOwnFile(path));
+}
+
+QStringList LinuxOwnFiles::missingFolders() const {
+    QStringList missing;
+    for (const QString& folder : m_sharedFolders) {
+        // A link to nothing is the user's, and is not replaced.
+        const QFileInfo info(folder);
+        if (!info.exists() && !info.isSymLink()) missing << folder;
+    }
+    return missing;
+}
+
+void LinuxOwnFiles::removeEmptyFolders(const QStringList& paths) {
+    // Inner ones first.
+    for (auto folder = m_sharedFolders.rbegin(); folder != m_sharedFolders.rend(); ++folder) {
+        if (!paths.contains(*folder)) continue;
+        const Descriptor parent = openParent(*folder);
+        const QByteArray name = nameIn(*folder);
+        // Refused by the system where there is something in it.
+        if (openOwnFolder(parent, name).isOpen())
+            ::unlinkat(parent.number(), name.constData(), AT_REMOVEDIR);
+    }
 }
 
 bool LinuxOwnFiles::isByConvention(const QString& path) const {
