@@ -50,7 +50,10 @@ void ModelCommand::interrupt() {
 }
 
 void ModelCommand::onStopped() {
-    const bool isKept = ModelStatus::read(m_files).kind == ModelStatus::Case::incomplete;
+    const ModelStatus::Case kind = ModelStatus::read(m_files).kind;
+    // The last step cannot be called off.
+    if (kind == ModelStatus::Case::installed) return printFile();
+    const bool isKept = kind == ModelStatus::Case::incomplete;
     fail(isKept ? tr("Stopped; the next download continues from here.")
                 : tr("Stopped; the next download starts anew."));
 }

@@ -4,6 +4,11 @@
 
 namespace quietlark {
 
+bool Checkpoints::Haste::isOn(qint64 bytes, std::chrono::duration<double> elapsed) const {
+    const double most = static_cast<double>(bytesPerSecond) * elapsed.count();
+    return static_cast<double>(bytes - headStartBytes) > most;
+}
+
 Checkpoints::Checkpoints(qint64 savedBytes, Save save)
     : Checkpoints(savedBytes, std::move(save), Haste()) {}
 
@@ -40,13 +45,8 @@ bool Checkpoints::mustWait() const {
     const bool isTooMuch = m_writtenBytes - m_savedBytes > maxUnsavedBytes;
     if (!isTooMuch || !m_outcome || m_isOver) return false;
     const Clock::time_point now = Clock::now();
-    return now >= m_lastBegin + m_haste.patience || !isInHaste(now);
-}
-
-bool Checkpoints::isInHaste(Clock::time_point now) const {
-    const double seconds = std::chrono::duration<double>(now - m_begin).count();
-    const double most = static_cast<double>(m_haste.bytesPerSecond) * seconds;
-    return static_cast<double>(m_writtenBytes - m_firstBytes - m_haste.headStartBytes) > most;
+    return now >= m_lastBegin + m_haste.patience ||
+           !m_haste.isOn(m_writtenBytes - m_firstBytes, now - m_begin);
 }
 
 FileOutcome Checkpoints::stop() {

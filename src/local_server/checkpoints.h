@@ -16,24 +16,26 @@ namespace quietlark {
 ///
 /// A save begins as soon as `strideBytes` are unsaved, but not sooner than `minInterval` after the
 /// one before, since each makes the disk write its journal; but a writer that has to wait for one
-/// does not wait for that. No more than `maxUnsavedBytes` are written beyond what is saved, however
-/// slow the disk: a power cut costs no more than that. Only what comes faster than any line to a
-/// home, from this computer itself or its neighbour, is held up no longer than the patience: it
-/// would take twice the time, and is soon fetched again.
+/// does not wait for that. With more than `maxUnsavedBytes` unsaved a writer waits, however slow
+/// the disk, so that a power cut costs no more than that and the last piece. Only what comes faster
+/// than a gigabit per second, as from this computer itself, is let through for the patience after
+/// the begin of a save, and waits then: it would take twice the time, and is soon fetched again.
 class Checkpoints {
 public:
     static constexpr qint64 strideBytes = 256 * 1024;
-    static constexpr qint64 maxUnsavedBytes = 512 * 1024;
+    static constexpr qint64 maxUnsavedBytes = 384 * 1024;
     static constexpr std::chrono::milliseconds minInterval{4};
 
-    /// What comes too fast to be held up, and for how long it is all the same.
+    /// What comes too fast to wait at once, and for how long after the begin of a save it need not.
     struct Haste {
         /// A line of a gigabit per second brings 125 MB at the most.
         qint64 bytesPerSecond = 150'000'000;
         /// May have arrived before anybody looked.
         qint64 headStartBytes = 4 * 1024 * 1024;
-        /// From the begin of a save.
         std::chrono::milliseconds patience{10};
+
+        /// Whether so many bytes in so much time are too fast.
+        [[nodiscard]] bool isOn(qint64 bytes, std::chrono::duration<double> elapsed) const;
     };
 
     /// Makes the first `bytes` of the file survive a power cut, and says so in writing.
@@ -56,13 +58,15 @@ public:
     /// Waits for a save under way, after which there is none any more. Answers as reach() does.
     FileOutcome stop();
 
+    /// So many survive a power cut. To be asked once it has stopped.
+    [[nodiscard]] qint64 savedBytes() const { return m_savedBytes; }
+
 private:
     using Clock = std::chrono::steady_clock;
 
     void run();
     [[nodiscard]] bool isDue() const;
     [[nodiscard]] bool mustWait() const;
-    [[nodiscard]] bool isInHaste(Clock::time_point now) const;
 
     const Save m_save;
     const Haste m_haste;

@@ -1,6 +1,7 @@
 #include "local_server/download_answer.h"
 
 #include <algorithm>
+#include <limits>
 
 #include <QCoreApplication>
 #include <QRegularExpression>
@@ -44,6 +45,9 @@ std::optional<ContentRange> contentRange(const HttpHead& head) {
                        match.captured(2).toLongLong(&areNumbers[1]), std::nullopt};
     if (match.captured(3) != u'*') range.total = match.captured(3).toLongLong(&areNumbers[2]);
     if (!areNumbers[0] || !areNumbers[1] || !areNumbers[2]) return std::nullopt;
+    if (range.last < range.first || range.last == std::numeric_limits<qint64>::max()) {
+        return std::nullopt;
+    }
     return range;
 }
 
@@ -72,15 +76,17 @@ QByteArray validator(const HttpHead& head) {
     return isText(date) ? date : QByteArray();
 }
 
-/// Also of a server that answers ranges without looking at If-Range.
-bool isSameEntity(const HttpHead& head, const RangeAsked& asked) {
+/// Also of a server that answers ranges without looking at If-Range. One that does not say is
+/// believed where the digest will tell.
+bool isSameEntity(const HttpHead& head, const ModelSource& source, const RangeAsked& asked) {
     const char* name = asked.validator.startsWith('"') ? "ETag" : "Last-Modified";
-    return head.header(name).value_or(asked.validator) == asked.validator;
+    const auto said = head.header(name);
+    return said ? *said == asked.validator : source.sha256.has_value();
 }
 
-DownloadAnswer readRest(const HttpHead& head, const RangeAsked& asked) {
+DownloadAnswer readRest(const HttpHead& head, const ModelSource& source, const RangeAsked& asked) {
     const auto range = contentRange(head);
-    if (!range || range->first != asked.firstByte || !isSameEntity(head, asked)) {
+    if (!range || range->first != asked.firstByte || !isSameEntity(head, source, asked)) {
         return OtherModel{};
     }
     const qint64 total = range->last + 1;
@@ -117,7 +123,7 @@ DownloadAnswer readAnswer(const HttpHead& head, const ModelSource& source,
     if (coding.compare("identity", Qt::CaseInsensitive) != 0) {
         return RefusedModel{Sentences::encoded(QString::fromLatin1(coding.left(20)))};
     }
-    return isRest ? readRest(head, *asked) : readWhole(head, source);
+    return isRest ? readRest(head, source, *asked) : readWhole(head, source);
 }
 
 }  // namespace quietlark

@@ -80,8 +80,9 @@ std::optional<QString> ModelTransfer::lackOfSpace(std::optional<qint64> totalByt
     const QLocale locale;
     return tr("There is not enough free space for the model: %1 more are needed in %2, and %3 are "
               "free.")
-        .arg(locale.formattedDataSize(neededBytes), m_files.directory(),
-             locale.formattedDataSize(storage.bytesAvailable()));
+        .arg(locale.formattedDataSize(neededBytes, 2, QLocale::DataSizeSIFormat),
+             m_files.directory(),
+             locale.formattedDataSize(storage.bytesAvailable(), 2, QLocale::DataSizeSIFormat));
 }
 
 void ModelTransfer::hashWhatIsHere() {
@@ -98,13 +99,13 @@ void ModelTransfer::ask() {
     m_lastActivity = m_startedAt;
     const qint64 bytes = m_received->bytes();
     const auto total = m_received->totalBytes();
-    if (bytes > 0) {
-        m_handlers.onProgress(bytes, total.value_or(-1));
-        if (bytes == total) return install();
-        askFor(RangeAsked{bytes, m_received->validator(), total});
-    } else {
-        askFor(std::nullopt);
+    if (bytes > 0 && bytes == total) {
+        reportProgress();
+        return install();
     }
+    // What is here counts once the server has said that it goes on from there.
+    askFor(bytes > 0 ? std::optional(RangeAsked{bytes, m_received->validator(), total})
+                     : std::nullopt);
     watchTime();
 }
 
@@ -140,6 +141,7 @@ void ModelTransfer::onAnswer(const WholeModel& answer) {
 
 void ModelTransfer::onAnswer(const RestOfModel& answer) {
     begin(answer.totalBytes, [&] { return m_received->beginRest(answer.totalBytes); });
+    if (m_received) reportProgress();
 }
 
 void ModelTransfer::onAnswer(const OtherModel&) {
@@ -173,6 +175,10 @@ void ModelTransfer::onBytes(QByteArrayView bytes) {
     const FileOutcome written = m_received->append(bytes);
     if (!written) return failInstall(written.error());
     m_lastActivity = m_scheduler.now();
+    reportProgress();
+}
+
+void ModelTransfer::reportProgress() {
     m_handlers.onProgress(m_received->bytes(), m_received->totalBytes().value_or(-1));
 }
 

@@ -50,6 +50,7 @@ private:
     void begin(std::optional<qint64> totalBytes, const std::function<FileOutcome()>& open);
     [[nodiscard]] std::optional<qint64> expectedBytes() const;
     void onBytes(QByteArrayView bytes);
+    void reportProgress();
     void onEnd(const tl::expected<void, TransportError>& outcome);
     void watchTime();
 

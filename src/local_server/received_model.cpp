@@ -30,7 +30,7 @@ ReceivedModel::ReceivedModel(ModelFiles files, const ModelSource& source)
 }
 
 ReceivedModel::~ReceivedModel() {
-    stopWork();
+    static_cast<void>(stopWork());
     if (m_file.isOpen() && m_data.validator.isEmpty()) m_file.remove();
 }
 
@@ -40,6 +40,7 @@ void ReceivedModel::restore() {
         return discard();
     }
     m_bytes = m_data.reliableBytes(m_file.size(), bootSession());
+    m_savedBytes = std::min(m_data.syncedBytes, m_bytes);
     if (!m_data.totalBytes) return;
     if (m_bytes > *m_data.totalBytes) return discard();
     if (!m_hasKnownDigest) m_bytes = std::clamp<qint64>(*m_data.totalBytes - 1, 0, m_bytes);
@@ -69,7 +70,7 @@ bool ReceivedModel::hashNextPiece() {
 
 FileOutcome ReceivedModel::beginAnew(const QByteArray& validator,
                                      std::optional<qint64> totalBytes) {
-    stopWork();
+    static_cast<void>(stopWork());
     // First, so that it never describes a file that it does not belong to.
     forget();
     m_data = {m_data.url, validator, totalBytes, 0, bootSession()};
@@ -83,9 +84,7 @@ FileOutcome ReceivedModel::beginAnew(const QByteArray& validator,
 FileOutcome ReceivedModel::beginRest(qint64 totalBytes) {
     m_data.totalBytes = totalBytes;
     m_data.bootSession = bootSession();
-    return openAt(m_bytes)
-        .and_then([this] { return save(m_file.handle(), m_files.resume(), m_data, m_bytes); })
-        .map([this] { startWork(); });
+    return openAt(m_bytes).and_then([this] { return saveAll(); }).map([this] { startWork(); });
 }
 
 FileOutcome ReceivedModel::openAt(qint64 bytes) {
@@ -107,9 +106,29 @@ void ReceivedModel::startWork() {
                   data = m_data](qint64 bytes) { return save(descriptor, path, data, bytes); });
 }
 
-void ReceivedModel::stopWork() {
-    m_checkpoints.reset();
+FileOutcome ReceivedModel::saveAll() {
+    const FileOutcome saved = save(m_file.handle(), m_files.resume(), m_data, m_bytes);
+    if (saved) {
+        m_savedBytes = m_bytes;
+    } else {
+        dropUnsaved();
+    }
+    return saved;
+}
+
+FileOutcome ReceivedModel::stopWork() {
     m_trailing.reset();
+    if (!m_checkpoints) return {};
+    const FileOutcome saved = m_checkpoints->stop();
+    m_savedBytes = m_checkpoints->savedBytes();
+    m_checkpoints.reset();
+    if (!saved) dropUnsaved();
+    return saved;
+}
+
+void ReceivedModel::dropUnsaved() {
+    if (!m_file.resize(m_savedBytes)) QFile::remove(m_files.resume());
+    m_bytes = std::min(m_bytes, m_savedBytes);
 }
 
 FileOutcome ReceivedModel::append(QByteArrayView bytes) {
@@ -126,23 +145,25 @@ FileOutcome ReceivedModel::append(QByteArrayView bytes) {
 }
 
 tl::expected<QByteArray, QString> ReceivedModel::seal() {
-    const FileOutcome saved = m_checkpoints ? m_checkpoints->stop() : FileOutcome();
     const FileOutcome digested = m_trailing ? m_trailing->finish() : FileOutcome();
-    stopWork();
-    return saved.and_then([&] { return digested; })
+    return stopWork()
+        .and_then([&] { return digested; })
         .and_then([this] { return syncFile(m_file.handle()); })
+        .map_error([this](const QString& reason) {
+            dropUnsaved();
+            return reason;
+        })
         .map([this] { return m_digest.takeHex(); });
 }
 
 void ReceivedModel::keep() {
-    stopWork();
-    if (!m_file.isOpen() || m_data.validator.isEmpty()) return;
+    if (!stopWork() || !m_file.isOpen() || m_data.validator.isEmpty()) return;
     // What cannot be saved is fetched again.
-    static_cast<void>(save(m_file.handle(), m_files.resume(), m_data, m_bytes));
+    static_cast<void>(saveAll());
 }
 
 void ReceivedModel::discard() {
-    stopWork();
+    static_cast<void>(stopWork());
     forget();
     m_file.remove();
 }
@@ -153,6 +174,7 @@ void ReceivedModel::forget() {
     m_data = {m_data.url, {}, {}, 0, {}};
     m_bytes = 0;
     m_hashedBytes = 0;
+    m_savedBytes = 0;
     static_cast<void>(m_digest.takeHex());
 }
 

@@ -61,7 +61,12 @@ private:
     void forget();
     [[nodiscard]] FileOutcome openAt(qint64 bytes);
     void startWork();
-    void stopWork();
+    [[nodiscard]] FileOutcome saveAll();
+    /// Answers why a save failed.
+    [[nodiscard]] FileOutcome stopWork();
+    /// After a failed save: what the system may have lost is fetched again, though it can still be
+    /// read as long as there is memory for it.
+    void dropUnsaved();
 
     const ModelFiles m_files;
     const std::optional<qint64> m_knownBytes;  ///< length of the whole model
@@ -70,6 +75,7 @@ private:
     QFile m_file;
     qint64 m_bytes = 0;
     qint64 m_hashedBytes = 0;
+    qint64 m_savedBytes = 0;  ///< survive a power cut
     Sha256 m_digest;
     // While bytes are appended:
     std::unique_ptr<TrailingDigest> m_trailing;

@@ -120,6 +120,15 @@ TEST_F(ModelCommandTest, AnInterruptSaysWhetherTheNextDownloadContinues) {
     EXPECT_EQ(m_messages.str(), "quietlark: Stopped; the next download continues from here.\n");
 }
 
+TEST_F(ModelCommandTest, AnInterruptDuringTheLastStepComesTooLate) {
+    run(Action::Download);
+    m_command->interrupt();
+    installModel();
+    m_fetcher.becomeStill();
+    EXPECT_EQ(m_results.str(), m_files.active().toStdString() + "\n");
+    EXPECT_EQ(m_code, ExitCode::Done);
+}
+
 TEST_F(ModelCommandTest, AResultThatCannotBeWrittenIsAFailure) {
     m_results.setstate(std::ios::badbit);
     run(Action::Status);

@@ -94,6 +94,23 @@ TEST_F(CheckpointsTest, AHeadStartAloneIsNoHaste) {
     expectNeverTooMuchUnsaved({.bytesPerSecond = 0, .headStartBytes = 32 * stride, .patience = 1h});
 }
 
+TEST(CheckpointsHasteTest, AGigabitLineIsNotInHaste) {
+    constexpr double gigabitBytesPerSecond = 125e6;
+    for (const auto elapsed : {0.001s, 0.1s, 1.0s, 60.0s, 3600.0s}) {
+        const auto bytes = static_cast<qint64>(gigabitBytesPerSecond * elapsed.count());
+        EXPECT_FALSE(Checkpoints::Haste().isOn(bytes, elapsed)) << elapsed.count();
+    }
+}
+
+TEST(CheckpointsHasteTest, WhatTheComputerItselfSendsIsSoonInHaste) {
+    EXPECT_TRUE(Checkpoints::Haste().isOn(25'000'000, 0.025s));
+    EXPECT_TRUE(Checkpoints::Haste().isOn(1'000'000'000, 1s));
+}
+
+TEST(CheckpointsHasteTest, WhatHadArrivedBeforeIsNoHaste) {
+    EXPECT_FALSE(Checkpoints::Haste().isOn(4 * 1024 * 1024, 0s));
+}
+
 TEST_F(CheckpointsTest, AFailureIsToldAtOnceAndMakesNobodyWait) {
     m_outcome = tl::unexpected(QStringLiteral("broken disk"));
     Checkpoints checkpoints(0, save());
@@ -103,11 +120,12 @@ TEST_F(CheckpointsTest, AFailureIsToldAtOnceAndMakesNobodyWait) {
 }
 
 TEST_F(CheckpointsTest, NothingIsSavedOnceTheyAreStopped) {
-    Checkpoints checkpoints(0, save());
+    Checkpoints checkpoints(100, save());
     EXPECT_TRUE(checkpoints.stop());
-    EXPECT_TRUE(checkpoints.reach(stride));
+    EXPECT_TRUE(checkpoints.reach(100 + stride));
     EXPECT_TRUE(checkpoints.stop());
     EXPECT_EQ(m_count, 0);
+    EXPECT_EQ(checkpoints.savedBytes(), 100);
 }
 
 TEST_F(CheckpointsTest, TheFirstFailureIsRememberedAndTheLast) {
@@ -118,6 +136,7 @@ TEST_F(CheckpointsTest, TheFirstFailureIsRememberedAndTheLast) {
     static_cast<void>(checkpoints.reach(2 * stride));
     EXPECT_EQ(checkpoints.stop().error(), QStringLiteral("broken disk"));
     EXPECT_EQ(m_count, 1);
+    EXPECT_EQ(checkpoints.savedBytes(), 0);
 }
 
 }  // namespace quietlark

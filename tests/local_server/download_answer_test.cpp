@@ -30,6 +30,7 @@ protected:
         return std::get<WholeModel>(whole(std::move(headers))).validator;
     }
 
+    const HttpHeader sameTag{"ETag", "\"tag\""};
     ModelSource m_source;
     RangeAsked m_asked{40, "\"tag\"", 100};
 };
@@ -94,9 +95,9 @@ TEST_F(DownloadAnswerTest, TheRangeThatWasAskedForIsTheRest) {
 
 TEST_F(DownloadAnswerTest, AnUnknownTotalIsTakenFromTheRange) {
     m_asked.totalBytes.reset();
-    const auto answer = rest({{"Content-Range", "bytes 40-99/100"}});
+    const auto answer = rest({{"Content-Range", "bytes 40-99/100"}, sameTag});
     EXPECT_EQ(std::get<RestOfModel>(answer).totalBytes, 100);
-    EXPECT_TRUE(isOther(rest({{"Content-Range", "bytes 40-99/*"}})));
+    EXPECT_TRUE(isOther(rest({{"Content-Range", "bytes 40-99/*"}, sameTag})));
 }
 
 TEST_F(DownloadAnswerTest, TheWholeModelMayComeInsteadOfTheRest) {
@@ -108,22 +109,31 @@ TEST_F(DownloadAnswerTest, AnotherRangeIsAnotherModel) {
     for (const char* range :
          {"bytes 0-99/100", "bytes 41-99/100", "bytes 40-98/100", "bytes 40-99/101",
           "bytes 40-120/121", "bytes 40-99", "lines 40-99/100", "bytes 40-99999999999999999999/100",
-          "bytes -40-99/100", ""}) {
-        EXPECT_TRUE(isOther(rest({{"Content-Range", range}}))) << range;
+          "bytes -40-99/100", "bytes 40-39/100", "bytes 40-9223372036854775807/*", ""}) {
+        EXPECT_TRUE(isOther(rest({{"Content-Range", range}, sameTag}))) << range;
     }
-    EXPECT_TRUE(isOther(rest({{"Content-Type", "multipart/byteranges"}})));
+    EXPECT_TRUE(isOther(rest({{"Content-Type", "multipart/byteranges"}, sameTag})));
 }
 
 TEST_F(DownloadAnswerTest, ARangeOfAnotherLengthThanItSaysIsAnotherModel) {
-    EXPECT_TRUE(isOther(rest({{"Content-Range", "bytes 40-99/100"}, {"Content-Length", "59"}})));
-    EXPECT_FALSE(isOther(rest({{"Content-Range", "bytes 40-99/100"}, {"Content-Length", "60"}})));
+    const HttpHeader range{"Content-Range", "bytes 40-99/100"};
+    EXPECT_TRUE(isOther(rest({range, sameTag, {"Content-Length", "59"}})));
+    EXPECT_FALSE(isOther(rest({range, sameTag, {"Content-Length", "60"}})));
 }
 
 TEST_F(DownloadAnswerTest, AnotherTagOrDateIsAnotherModel) {
     EXPECT_TRUE(isOther(rest({{"Content-Range", "bytes 40-99/100"}, {"ETag", "\"new\""}})));
     m_asked.validator = "yesterday";
     EXPECT_TRUE(isOther(rest({{"Content-Range", "bytes 40-99/100"}, {"Last-Modified", "today"}})));
-    EXPECT_FALSE(isOther(rest({{"Content-Range", "bytes 40-99/100"}, {"ETag", "\"new\""}})));
+    EXPECT_FALSE(isOther(rest({{"Content-Range", "bytes 40-99/100"},
+                               {"ETag", "\"new\""},
+                               {"Last-Modified", "yesterday"}})));
+}
+
+TEST_F(DownloadAnswerTest, ARangeOfNobodyKnowsWhatIsTakenOnlyWhereADigestTells) {
+    EXPECT_TRUE(isOther(rest({{"Content-Range", "bytes 40-99/100"}})));
+    m_source.sha256 = "digest";
+    EXPECT_FALSE(isOther(rest({{"Content-Range", "bytes 40-99/100"}})));
 }
 
 TEST_F(DownloadAnswerTest, ARangeBeyondTheEndIsAnotherModel) {

@@ -120,7 +120,7 @@ TEST_F(ModelTransferDiskTest, AfterAPowerCutOnlyWhatWasSyncedIsContinued) {
     write(m_files.resume(), data.toJson());
     start();
     EXPECT_EQ(m_network.sent("Range"), "bytes=3-");
-    serverSays(206, {{"Content-Range", "bytes 3-9/10"}});
+    serverSays(206, {{"Content-Range", "bytes 3-9/10"}, {"ETag", "\"one\""}});
     serverSends("3456789");
     serverIsDone();
     EXPECT_EQ(read(m_files.active()), "0123456789");
@@ -142,7 +142,7 @@ TEST_F(ModelTransferDiskTest, AWholeModelWithoutADigestNeedsOneMoreByteFromTheSe
     leave("0123456789");
     start();
     EXPECT_EQ(m_network.sent("Range"), "bytes=9-");
-    serverSays(206, {{"Content-Range", "bytes 9-9/10"}});
+    serverSays(206, {{"Content-Range", "bytes 9-9/10"}, {"ETag", "\"one\""}});
     serverSends("9");
     serverIsDone();
     EXPECT_EQ(read(m_files.active()), "0123456789");
@@ -160,7 +160,7 @@ TEST_F(ModelTransferDiskTest, ARecordsLengthIsConfirmedBeforeSpaceIsFoundLacking
     leave("01234", exbibyte);
     start();
     EXPECT_EQ(m_network.sent("Range"), "bytes=5-");
-    serverSays(206, {{"Content-Range", "bytes 5-9/10"}});
+    serverSays(206, {{"Content-Range", "bytes 5-9/10"}, {"ETag", "\"one\""}});
     EXPECT_TRUE(m_network.sent("Range").isNull());
     serverOffersTenBytes();
     serverSends("0123456789");
@@ -171,7 +171,8 @@ TEST_F(ModelTransferDiskTest, ARecordsLengthIsConfirmedBeforeSpaceIsFoundLacking
 TEST_F(ModelTransferDiskTest, LackOfSpaceForTheRestIsReportedAndNothingLost) {
     leave("01234", exbibyte);
     start();
-    serverSays(206, {{"Content-Range", "bytes 5-1152921504606846975/1152921504606846976"}});
+    serverSays(206, {{"Content-Range", "bytes 5-1152921504606846975/1152921504606846976"},
+                     {"ETag", "\"one\""}});
     EXPECT_TRUE(lacksSpace()) << message();
     EXPECT_EQ(read(m_files.received()), "01234");
 }
@@ -218,7 +219,7 @@ TEST_F(ModelTransferDiskTest, WhatIsContinuedIsRecordedForThisSessionBeforeTheFi
     write(m_files.received(), "01234");
     write(m_files.resume(), earlier.toJson());
     start();
-    serverSays(206, {{"Content-Range", "bytes 3-9/10"}});
+    serverSays(206, {{"Content-Range", "bytes 3-9/10"}, {"ETag", "\"one\""}});
     EXPECT_EQ(ResumeData::read(m_files.resume()),
               (ResumeData{m_source.address(), "\"one\"", 10, 3, bootSession()}));
 }
@@ -234,6 +235,20 @@ TEST_F(ModelTransferDiskTest, AProgressThatCannotBeSavedIsReportedAtOnce) {
         return kind() == Case::failed;
     }));
     EXPECT_EQ(message(), "Install failed: Is a directory");
+    // What could not be saved may be lost, whatever can still be read.
+    EXPECT_EQ(read(m_files.received()), "");
+}
+
+TEST_F(ModelTransferDiskTest, WhatCannotBeSavedOnCancellationIsFetchedAgain) {
+    leave("01234");
+    start();
+    serverSays(206, {{"Content-Range", "bytes 5-9/10"}, {"ETag", "\"one\""}});
+    serverSends("567");
+    ASSERT_TRUE(QFile::remove(m_files.resume()));
+    ASSERT_TRUE(QDir().mkpath(m_files.resume()));
+    m_downloader->cancel();
+    m_scheduler.runPosted();
+    EXPECT_EQ(read(m_files.received()), "01234");
 }
 
 TEST_F(ModelTransferDiskTest, WhatAKilledProcessHasLeftBesideTheRecordGoes) {

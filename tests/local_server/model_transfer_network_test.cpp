@@ -21,7 +21,7 @@ TEST_F(ModelTransferNetworkTest, AServerThatIgnoresTheRangeIsTakenFromTheStart) 
 TEST_F(ModelTransferNetworkTest, AnotherRangeIsAskedForAnewFromTheStart) {
     leave("01234");
     start();
-    serverSays(206, {{"Content-Range", "bytes 4-9/10"}});
+    serverSays(206, {{"Content-Range", "bytes 4-9/10"}, {"ETag", "\"one\""}});
     ASSERT_EQ(m_network.requests().size(), 2U);
     EXPECT_TRUE(m_network.sent("Range").isNull());
     serverOffersTenBytes();
@@ -30,10 +30,28 @@ TEST_F(ModelTransferNetworkTest, AnotherRangeIsAskedForAnewFromTheStart) {
     EXPECT_EQ(read(m_files.active()), "0123456789");
 }
 
+TEST_F(ModelTransferNetworkTest, WhatIsHereIsProgressOnceTheServerGoesOnFromThere) {
+    leave("01234");
+    start();
+    EXPECT_EQ(m_downloader->progress(), std::nullopt);
+    serverSays(206, {{"Content-Range", "bytes 5-9/10"}, {"ETag", "\"one\""}});
+    EXPECT_EQ(m_downloader->progress(), 0.5);
+}
+
+TEST_F(ModelTransferNetworkTest, ADownloadThatStartsAfreshShowsItsProgressFromTheStart) {
+    leave("01234");
+    start();
+    serverSays(200, {{"Content-Length", "8"}, {"ETag", "\"two\""}});
+    serverSends("01");
+    EXPECT_EQ(m_downloader->progress(), 0.25);
+    EXPECT_EQ(m_downloader->totalBytes(), 8);
+}
+
 TEST_F(ModelTransferNetworkTest, ARangeBeyondTheEndStartsAfresh) {
     leave("01234");
     start();
     serverSays(416, {{"Content-Range", "bytes */3"}});
+    EXPECT_EQ(m_downloader->progress(), std::nullopt);
     EXPECT_TRUE(m_network.sent("Range").isNull());
     EXPECT_TRUE(filesThere().isEmpty());
 }

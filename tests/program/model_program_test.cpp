@@ -100,10 +100,11 @@ TEST_F(ModelProgramTest, AnInterruptIsACancellationAndTheNextCallContinues) {
     EXPECT_TRUE(run(QStringLiteral("status")).results.startsWith("state=incomplete\n"));
     EXPECT_TRUE(read(m_files.resume()).contains("\"syncedBytes\": 2097152"));
 
-    serverDoes(http_reply::bytesAndClose(
-        "HTTP/1.1 206 Rest\r\nContent-Range: bytes 2097152-4194303/4194304\r\n"
-        "Content-Length: 2097152\r\n\r\n" +
-        m_model.last(2 * mebibyte)));
+    serverDoes(
+        http_reply::bytesAndClose("HTTP/1.1 206 Rest\r\nETag: \"one\"\r\n"
+                                  "Content-Range: bytes 2097152-4194303/4194304\r\n"
+                                  "Content-Length: 2097152\r\n\r\n" +
+                                  m_model.last(2 * mebibyte)));
     EXPECT_EQ(run(QStringLiteral("download")).exitCode, 0);
     EXPECT_EQ(m_server.requests().back().header("Range"), "bytes=2097152-");
     EXPECT_EQ(read(m_files.active()), m_model);
