@@ -5,13 +5,16 @@
 control=37 alt=64 space=65
 default_hotkey="$control $alt $space"
 
+configuration_file() {
+    printf '%s\n' "$XDG_CONFIG_HOME/Quietlark/config.json"
+}
+
 # write_configuration [HOTKEY [TOGGLE_HOTKEY]]: into $XDG_CONFIG_HOME, for the server that
 # $server_mode says, else for the local one.
 server_mode='{ "local": {} }'
 write_configuration() {
-    local folder="$XDG_CONFIG_HOME/Quietlark"
-    mkdir -p "$folder"
-    cat >"$folder/config.json" <<JSON
+    mkdir -p "$(dirname "$(configuration_file)")"
+    cat >"$(configuration_file)" <<JSON
 {
     "hotkey": "${1:-ctrl+alt+space}",
     "language": "",
@@ -26,11 +29,14 @@ JSON
 
 # start_server [OPTION...]
 start_server() {
+    server_starts "$@" || fail "The speech server did not start."
+}
+
+server_starts() {
     server_since=$EPOCHSECONDS
     start server "$bin/quietlark-server" "$@"
     server_id=$started_id
-    wait_for_line 120 "$server_id" "$logs/server.out" '^listening on ' ||
-        fail "The speech server did not start."
+    wait_for_line 120 "$server_id" "$logs/server.out" '^listening on '
 }
 
 # A program that is not installed tells its user so, and does less.
@@ -39,10 +45,15 @@ export_build_as_installed() {
     export QUIETLARK_APPLICATIONS
 }
 
+# HOST:PORT
+address_of_started_server() {
+    sed -n 's|^listening on http://||p' "$logs/server.out"
+}
+
 # Makes the server that was started the one to be configured, as one on the network would be.
 choose_started_server() {
     local address
-    address=$(sed -n 's|^listening on http://||p' "$logs/server.out")
+    address=$(address_of_started_server)
     server_mode="{ \"manualRemote\": { \"host\": \"${address%:*}\", \"port\": ${address##*:},"
     server_mode+=' "scheme": "http" } }'
 }

@@ -16,6 +16,9 @@ QString helpPage() {
 
 DesktopAdapters::DesktopAdapters(std::function<bool()> hasFocus)
     : keyboard(keyConnection, std::move(hasFocus)),
+      serverUnit(
+          qEnvironmentVariable("QUIETLARK_SERVICE", QStringLiteral("net.quietlark.server.service")),
+          sessionBus),
       settings(qEnvironmentVariable("XDG_CURRENT_DESKTOP"), helpPage()),
       privacy(sessionKindOf(qgetenv("XDG_SESSION_TYPE"), qgetenv("WAYLAND_DISPLAY")), microphone,
               keyboard, keys),

@@ -45,7 +45,8 @@ public:
     AvahiServiceBrowser network{avahi, scheduler};
     AvahiLocalHostName localHostName{avahi, scheduler};
     QDBusConnection sessionBus = QDBusConnection::sessionBus();
-    SystemdUserService serverUnit{QStringLiteral("net.quietlark.server.service"), sessionBus};
+    /// The speech server's, unless the environment's QUIETLARK_SERVICE names another.
+    SystemdUserService serverUnit;
     DesktopSettings settings;
     LinuxPrivacy privacy;
     Permissions permissions;
