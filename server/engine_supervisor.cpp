@@ -68,10 +68,9 @@ EngineSupervisor::~EngineSupervisor() {
 tl::expected<EngineSupervisor::Child, EngineError> EngineSupervisor::child(
     Clock::time_point deadline) {
     std::unique_lock lock(m_mutex);
-    const auto hasGivenUp = [this] {
-        return !m_hasBeenReady && m_failedStarts >= mostFailedStarts;
-    };
-    m_changed.wait_until(lock, deadline, [&] { return m_child || m_isStopping || hasGivenUp(); });
+    m_changed.wait_until(lock, deadline, [this] {
+        return m_child || m_isStopping || m_failedStarts >= mostFailedStarts;
+    });
     if (m_isStopping) return tl::unexpected(EngineError::Stopping);
     if (!m_child) return tl::unexpected(EngineError::Unavailable);
     return *m_child;
@@ -109,12 +108,8 @@ void EngineSupervisor::run() {
     bool goesOn = true;
     while (goesOn) {
         const bool wasReady = runChild();
+        if (!wasReady) countFailedStart();
         setReady(std::nullopt);
-        {
-            const std::lock_guard lock(m_mutex);
-            m_failedStarts = wasReady ? 0 : m_failedStarts + 1;
-        }
-        m_changed.notify_all();
         if (wasReady) rest = m_times.firstPause;
         goesOn = pause(rest);
         rest = std::min(2 * rest, m_times.longestPause);
@@ -213,11 +208,16 @@ void EngineSupervisor::setReady(const std::optional<Child>& child) {
     {
         const std::lock_guard lock(m_mutex);
         m_child = child;
-        m_hasBeenReady = m_hasBeenReady || child;
+        if (child) m_failedStarts = 0;
         m_isReplacing = false;
     }
     m_changed.notify_all();
     m_onReadyChange(child.has_value());
+}
+
+void EngineSupervisor::countFailedStart() {
+    const std::lock_guard lock(m_mutex);
+    ++m_failedStarts;
 }
 
 void EngineSupervisor::wake() const {

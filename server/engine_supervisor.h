@@ -46,7 +46,7 @@ public:
     ~EngineSupervisor();
 
     /// Waits until a child is ready. Unavailable when none is by the deadline, or when the program
-    /// has failed to start several times and has never once been ready.
+    /// has failed to start several times in a row; it is started again all the same.
     [[nodiscard]] tl::expected<Child, EngineError> child(
         std::chrono::steady_clock::time_point deadline);
 
@@ -72,6 +72,7 @@ private:
     bool pause(std::chrono::milliseconds time);
     void readOutput(const EngineProcess& process);
     void setReady(const std::optional<Child>& child);
+    void countFailedStart();
     void wake() const;
 
     const Program m_program;
@@ -85,7 +86,6 @@ private:
     std::optional<Child> m_child;  ///< while it is ready
     std::uint64_t m_number = 0;
     int m_failedStarts = 0;  ///< without a success since
-    bool m_hasBeenReady = false;
     bool m_isReplacing = false;
     bool m_isStopping = false;
 

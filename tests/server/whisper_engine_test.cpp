@@ -149,6 +149,18 @@ TEST_F(WhisperEngineTest, AProgramThatFailsAtEveryStartIsGivenUp) {
     EXPECT_TRUE(m_log.contains("exited with status 1"));
 }
 
+TEST_F(WhisperEngineTest, AProgramThatWasReadyAndFailsEverSinceHoldsNobodyUpUntilItRecovers) {
+    start("");
+    EXPECT_TRUE(textOf(7));
+    ASSERT_TRUE(waitUntil([this] { return childId() > 0; }));
+    std::ofstream(m_model) << "exit 1";
+    kill(childId(), SIGKILL);
+    ASSERT_TRUE(waitUntil([this] { return m_log.contains("exited with status 1"); }));
+    EXPECT_EQ(textOf(7, 32000, "", std::chrono::hours(1)).error(), EngineError::Unavailable);
+    std::ofstream(m_model) << "";
+    EXPECT_TRUE(recovers());
+}
+
 TEST_F(WhisperEngineTest, ACrashCostsTheRecordingThatItHeldAndNoOther) {
     start("");
     EXPECT_TRUE(textOf(7));
