@@ -61,7 +61,7 @@ bool HttpConnection::waitForRequest() {
 void HttpConnection::expectBody(std::uint64_t bytes) {
     m_progress = Progress::Body;
     m_readable = bytes;
-    allowTransfer(bytes);
+    allow(m_patience.transfer);
 }
 
 bool HttpConnection::isRequestComplete() const {
@@ -91,6 +91,7 @@ ssize_t HttpConnection::read(char* bytes, std::size_t size) {
     std::memcpy(bytes, &m_buffer[m_bufferBegin], count);
     m_bufferBegin += count;
     m_readable -= count;
+    if (m_progress == Progress::Body) allowMore(count);
     return static_cast<ssize_t>(count);
 }
 
@@ -98,10 +99,12 @@ ssize_t HttpConnection::write(const char* bytes, std::size_t size) {
     // The time that the engine took is not the client's. An answer that asks for the body is none.
     if (!m_isAnswering && m_readable == 0) {
         m_isAnswering = true;
-        allowTransfer(size);
+        allow(m_patience.transfer);
     }
     if (!is_writable()) return -1;
-    return send(m_socket, bytes, size, MSG_NOSIGNAL | MSG_DONTWAIT);
+    const ssize_t count = send(m_socket, bytes, size, MSG_NOSIGNAL | MSG_DONTWAIT);
+    if (m_isAnswering && count > 0) allowMore(static_cast<std::size_t>(count));
+    return count;
 }
 
 void HttpConnection::get_remote_ip_and_port(std::string& ip, int& port) const {
@@ -141,11 +144,8 @@ bool HttpConnection::waitWhileBusy(short event) const {
     return rest.count() > 0 && waitFor(event, std::min(m_patience.stall, rest));
 }
 
-void HttpConnection::allowTransfer(std::uint64_t bytes) {
-    // What a head announces may be absurd, and is not read then.
-    constexpr std::uint64_t longest = 86400;
-    const std::uint64_t seconds = std::min(bytes / m_patience.bytesPerSecond, longest);
-    allow(m_patience.transfer + std::chrono::seconds(seconds));
+void HttpConnection::allowMore(std::size_t movedBytes) {
+    m_deadline = m_patience.extended(m_deadline, movedBytes, Clock::now());
 }
 
 bool HttpConnection::fillBuffer() {

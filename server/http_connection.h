@@ -7,17 +7,9 @@
 
 #include <httplib.h>
 
-namespace quietlark {
+#include "server/client_patience.h"
 
-/// How much time a client may take.
-struct ClientPatience {
-    std::chrono::milliseconds idle{15000};   ///< without asking anything
-    std::chrono::milliseconds stall{10000};  ///< stopping in the middle of a request or an answer
-    std::chrono::milliseconds head{15000};   ///< for all of a request's head
-    /// For a body or an answer, and more for its size.
-    std::chrono::milliseconds transfer{30000};
-    std::uint64_t bytesPerSecond = 16384;
-};
+namespace quietlark {
 
 /// One client's connection, as the stream that cpp-httplib reads requests from and writes answers
 /// to. It adds the bounds that the library lacks: on the size of a request's head, on the body
@@ -65,7 +57,7 @@ private:
     [[nodiscard]] bool waitWhileIdle() const;
     [[nodiscard]] bool waitWhileBusy(short event) const;
     void allow(std::chrono::milliseconds time) { m_deadline = Clock::now() + time; }
-    void allowTransfer(std::uint64_t bytes);
+    void allowMore(std::size_t movedBytes);
     bool fillBuffer();
     void discardInput() const;
 

@@ -84,6 +84,14 @@ protected:
                              .bytesPerSecond = 1000000}) {}
 };
 
+/// A server whose clients may stop for as long as they keep up a pace, if a slow one.
+class PacedServerTest : public CrowdedServerTest {
+protected:
+    PacedServerTest()
+        : CrowdedServerTest(
+              {.stall = std::chrono::hours(24), .transfer = moment, .bytesPerSecond = 1}) {}
+};
+
 }  // namespace
 
 TEST_F(StrictServerTest, AClientThatAsksNothingIsLeft) {
@@ -105,6 +113,14 @@ TEST_F(StrictServerTest, AClientThatSendsByteByByteForeverIsLeft) {
     RawHttpClient client(m_server.port());
     client.send("GET / HTTP/1.1\r\nA: ");
     EXPECT_TRUE(waitUntil([&] { return !client.send("a"); }));
+}
+
+TEST_F(PacedServerTest, ALargeUploadThatIsAnnouncedAndDoesNotComeBuysNoTime) {
+    RawHttpClient client(m_server.port());
+    client.send(
+        "POST /inference HTTP/1.1\r\nContent-Type: multipart/form-data; boundary=B\r\n"
+        "Content-Length: 100000\r\n\r\n--B\r\n");
+    EXPECT_NE(client.receive().status, 200);
 }
 
 TEST_F(CrowdedServerTest, MoreUploadsThanMayWaitAreToldToComeBack) {
