@@ -12,10 +12,15 @@ class Admission {
 public:
     explicit Admission(const ServerLimits& limits);
 
-    /// Whether an upload of this size may come in; if so, it must leave() again.
-    [[nodiscard]] bool enter(std::uint64_t bytes);
+    /// Whether an upload that announces this size may come in; if so, it must leave() again. It
+    /// takes no room yet: who announces much and sends little keeps nobody out.
+    [[nodiscard]] bool enter(std::uint64_t announcedBytes);
 
-    void leave(std::uint64_t bytes);
+    /// Whether there is room for so much more of an upload; if so, it is taken.
+    [[nodiscard]] bool receive(std::uint64_t bytes);
+
+    /// Gives up an upload's place and the room for the bytes of it that were received.
+    void leave(std::uint64_t receivedBytes);
 
 private:
     const std::size_t m_mostUploads;

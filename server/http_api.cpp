@@ -132,7 +132,7 @@ std::optional<HttpResponse> HttpApi::uploadRefusal(const HttpHead& head) const {
     if (!head.contentEncoding.empty() && head.contentEncoding != "identity")
         return errorResponse(
             415, {.message = "The upload is compressed, which this server does not read."});
-    if (!head.contentType.starts_with("multipart/form-data"))
+    if (!isMultipartForm(head.contentType))
         return errorResponse(
             415, {.message = "The upload is not a form of the type multipart/form-data."});
     return std::nullopt;

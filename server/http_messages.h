@@ -2,10 +2,11 @@
 
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
+
+#include "server/multipart_form.h"
 
 namespace quietlark {
 
@@ -27,7 +28,7 @@ struct HttpHead {
 struct HttpRequest {
     std::string_view method;
     std::string_view path;
-    std::multimap<std::string_view, std::string_view> form;  ///< fields by their names, in order
+    FormFields form = {};
     /// Whether the client no longer waits for the answer. Any thread.
     std::function<bool()> isAbandoned = [] { return false; };
 };

@@ -12,7 +12,7 @@ struct ServerLimits {
     std::chrono::seconds audio{3600};                    ///< of one recording
     std::chrono::seconds time{600};  ///< from the arrival of a recording to its answer
     std::size_t waiting = 64;        ///< uploads that wait for their turn
-    /// Of all uploads together, however few. One of unknown length counts as the largest.
+    /// Of all uploads together, as far as they have arrived; one alone may be larger.
     std::uint64_t totalBytes = std::uint64_t{1} << 30U;
 };
 

@@ -10,6 +10,8 @@
 
 #include "server/admission.h"
 #include "server/connection_pool.h"
+#include "server/library_messages.h"
+#include "server/multipart_form.h"
 #include "server/text_forms.h"
 
 namespace quietlark {
@@ -24,60 +26,16 @@ constexpr std::size_t longestLoggedPath = 128;
 /// What is known of the request that a thread answers beside what the library passes on.
 struct Visit {
     const HttpConnection* connection = nullptr;
-    bool hasRoom = true;
+    std::string contentType = {};
+    std::uint64_t announcedBytes = 0;
+    std::optional<HttpResponse> refusal = {};
+    bool isAdmitted = false;          ///< as an upload
+    std::uint64_t receivedBytes = 0;  ///< of the upload
 };
 thread_local Visit visit;
 
-HttpHead headOf(const httplib::Request& request) {
-    HttpHead head{.method = request.method,
-                  .path = request.path,
-                  .contentType = request.get_header_value("Content-Type"),
-                  .contentEncoding = request.get_header_value("Content-Encoding"),
-                  .transferEncoding = request.get_header_value("Transfer-Encoding"),
-                  .contentLength = std::nullopt,
-                  .host = request.get_header_value("Host"),
-                  .origin = request.get_header_value("Origin"),
-                  .fetchSite = request.get_header_value("Sec-Fetch-Site"),
-                  .fetchMode = request.get_header_value("Sec-Fetch-Mode")};
-    if (request.has_header("Content-Length"))
-        head.contentLength = request.get_header_value<std::uint64_t>("Content-Length");
-    return head;
-}
-
-HttpRequest contentOf(const httplib::Request& request) {
-    HttpRequest content{.method = request.method, .path = request.path, .form = {}};
-    content.isAbandoned = [connection = visit.connection] { return connection->hasClientLeft(); };
-    for (const auto& [name, field] : request.files)
-        content.form.emplace(name, field.content);
-    return content;
-}
-
-void fill(httplib::Response& out, const HttpResponse& response) {
-    out.status = response.status;
-    out.set_content(response.body, response.contentType);
-    if (!response.allowedMethod.empty()) out.set_header("Allow", response.allowedMethod);
-    if (response.retryAfterSeconds > 0)
-        out.set_header("Retry-After", std::to_string(response.retryAfterSeconds));
-    // OpenAI's clients would try again whatever the reason.
-    if (!response.isWorthRetrying) out.set_header("x-should-retry", "false");
-    out.set_header("X-Content-Type-Options", "nosniff");
-    out.set_header("Cross-Origin-Resource-Policy", "same-origin");
-}
-
-/// What is said of requests that the library itself turns down.
-std::string_view messageFor(int status) {
-    switch (status) {
-        case 413:
-            return "The upload is too large.";
-        case 414:
-            return "The address is too long.";
-        case 416:
-            return "The requested range makes no sense.";
-        case 500:
-            return "The server has a fault.";
-        default:
-            return "The request cannot be understood.";
-    }
+HttpResponse noRoom() {
+    return unavailableResponse("Too many recordings are waiting already.");
 }
 
 }  // namespace
@@ -99,11 +57,12 @@ public:
 private:
     bool process_and_close_socket(socket_t socket) override;
     void serveRequests(HttpConnection& connection);
-    /// Answers how many bytes of upload were let in.
-    std::uint64_t prepare(HttpConnection& connection, httplib::Request& request);
-    [[nodiscard]] std::optional<HttpResponse> refusal(const httplib::Request& request) const;
+    void prepare(HttpConnection& connection, httplib::Request& request);
+    void finish();
     bool refuse(const httplib::Request& request, httplib::Response& out) const;
-    void answer(const httplib::Request& request, httplib::Response& out);
+    void answerUpload(const httplib::Request& request, httplib::Response& out,
+                      const httplib::ContentReader& read);
+    void answer(const httplib::Request& request, httplib::Response& out, FormFields form);
     void describeError(const httplib::Request& request, httplib::Response& out);
     void logRequest(const httplib::Request& request, const httplib::Response& out,
                     const std::string& times) const;
@@ -145,9 +104,10 @@ SpeechServer::Listener::Listener(HttpApi& api, Log& log, ClientPatience patience
     set_pre_routing_handler([this](const auto& request, auto& out) {
         return refuse(request, out) ? HandlerResponse::Handled : HandlerResponse::Unhandled;
     });
-    const auto handler = [this](const auto& request, auto& out) { answer(request, out); };
-    Get(".*", handler);
-    Post(".*", handler);
+    Get(".*", [this](const auto& request, auto& out) { answer(request, out, {}); });
+    Post(".*", [this](const auto& request, auto& out, const auto& read) {
+        answerUpload(request, out, read);
+    });
     set_exception_handler(
         [](const auto&, httplib::Response& out, const std::exception_ptr&) { out.status = 500; });
     set_error_handler(HandlerWithResponse([this](const auto& request, auto& out) {
@@ -177,54 +137,81 @@ bool SpeechServer::Listener::process_and_close_socket(socket_t socket) {
 void SpeechServer::Listener::serveRequests(HttpConnection& connection) {
     for (auto left = requestsPerConnection; left > 0 && connection.waitForRequest(); --left) {
         bool isClosed = false;
-        std::uint64_t admitted = 0;
-        const bool hasAnswered = process_request(
-            connection, left == 1 || m_isStopping, isClosed,
-            [&](httplib::Request& request) { admitted = prepare(connection, request); });
-        if (admitted > 0) m_admission.leave(admitted);
+        const bool hasAnswered =
+            process_request(connection, left == 1 || m_isStopping, isClosed,
+                            [&](httplib::Request& request) { prepare(connection, request); });
+        finish();
         if (!hasAnswered || isClosed || m_isStopping || !connection.isRequestComplete()) break;
     }
 }
 
-std::uint64_t SpeechServer::Listener::prepare(HttpConnection& connection,
-                                              httplib::Request& request) {
+void SpeechServer::Listener::prepare(HttpConnection& connection, httplib::Request& request) {
     const HttpHead head = headOf(request);
     const bool isChunked = !head.transferEncoding.empty();
     // A chunked body ends where it says. The library would follow it to wherever that is.
     const std::uint64_t bodyBytes =
         isChunked ? m_api.limits().bodyBytes : head.contentLength.value_or(0);
     connection.expectBody(bodyBytes);
+    visit = {.connection = &connection,
+             .contentType = head.contentType,
+             .announcedBytes = head.contentLength.value_or(0),
+             .refusal = m_api.refusal(head)};
+    visit.isAdmitted = !visit.refusal && bodyBytes > 0 && m_admission.enter(bodyBytes);
+    if (!visit.refusal && bodyBytes > 0 && !visit.isAdmitted) visit.refusal = noRoom();
     // Answers are short: whole and uncompressed is quickest.
     request.headers.erase("Accept-Encoding");
     request.ranges.clear();
-    const bool isWelcome = !m_api.refusal(head);
-    const bool isAdmitted = isWelcome && bodyBytes > 0 && m_admission.enter(bodyBytes);
-    visit = {.connection = &connection, .hasRoom = !isWelcome || bodyBytes == 0 || isAdmitted};
+    // The library would take the form apart itself, a byte at a time.
+    request.headers.erase("Content-Type");
     // A refused body is left unread, and where a chunked one ends only the library knows: no other
     // request can follow them.
-    if (isChunked || (bodyBytes > 0 && !isAdmitted)) {
+    if (isChunked || (bodyBytes > 0 && !visit.isAdmitted)) {
         request.headers.erase("Connection");
         request.set_header("Connection", "close");
     }
-    return isAdmitted ? bodyBytes : 0;
 }
 
-std::optional<HttpResponse> SpeechServer::Listener::refusal(const httplib::Request& request) const {
-    if (!visit.hasRoom) return unavailableResponse("Too many recordings are waiting already.");
-    return m_api.refusal(headOf(request));
+void SpeechServer::Listener::finish() {
+    if (visit.isAdmitted) m_admission.leave(visit.receivedBytes);
+    visit = {};
 }
 
 bool SpeechServer::Listener::refuse(const httplib::Request& request, httplib::Response& out) const {
-    const auto response = refusal(request);
-    if (!response) return false;
-    fill(out, *response);
+    if (!visit.refusal) return false;
+    fill(out, *visit.refusal);
     logRequest(request, out, "");
     return true;
 }
 
-void SpeechServer::Listener::answer(const httplib::Request& request, httplib::Response& out) {
+void SpeechServer::Listener::answerUpload(const httplib::Request& request, httplib::Response& out,
+                                          const httplib::ContentReader& read) {
+    std::string body;
+    body.reserve(visit.announcedBytes);
+    const bool isWhole = read([&](const char* bytes, std::size_t count) {
+        if (!m_admission.receive(count)) {
+            visit.refusal = noRoom();
+            return false;
+        }
+        visit.receivedBytes += count;
+        body.append(bytes, count);
+        return true;
+    });
+    if (refuse(request, out)) return out.set_header("Connection", "close");
+    // The library has said what is wrong.
+    if (!isWhole) return;
+    auto form = multipartFields(visit.contentType, body);
+    if (!form) visit.refusal = errorResponse(400, {.message = "The form is broken."});
+    if (!refuse(request, out)) answer(request, out, std::move(*form));
+}
+
+void SpeechServer::Listener::answer(const httplib::Request& request, httplib::Response& out,
+                                    FormFields form) {
     const auto start = std::chrono::steady_clock::now();
-    const HttpResponse response = m_api.answer(contentOf(request));
+    const HttpResponse response = m_api.answer(
+        {.method = request.method,
+         .path = request.path,
+         .form = std::move(form),
+         .isAbandoned = [connection = visit.connection] { return connection->hasClientLeft(); }});
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
     fill(out, response);
     logRequest(request, out,

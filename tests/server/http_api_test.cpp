@@ -268,6 +268,8 @@ TEST_F(HttpApiTest, OnlyPlainFormsAreRead) {
     request = upload();
     request.contentType = "audio/wav";
     EXPECT_EQ(refused(request), 415);
+    request.contentType = "Multipart/Form-Data; boundary=B";
+    EXPECT_EQ(refused(request), 0);
 }
 
 }  // namespace quietlark

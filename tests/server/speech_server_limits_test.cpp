@@ -1,3 +1,4 @@
+#include <atomic>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -39,12 +40,13 @@ protected:
     }
 
     /// A client that was told to send its upload, and has not yet.
-    std::unique_ptr<RawHttpClient> invited() const {
+    std::unique_ptr<RawHttpClient> invited() const { return invited(m_form.size()); }
+    std::unique_ptr<RawHttpClient> invited(std::size_t announcedBytes) const {
         auto client = connected();
         client->send(
             "POST /inference HTTP/1.1\r\nExpect: 100-continue\r\n"
             "Content-Type: multipart/form-data; boundary=B\r\nContent-Length: " +
-            std::to_string(m_form.size()) + "\r\n\r\n");
+            std::to_string(announcedBytes) + "\r\n\r\n");
         EXPECT_EQ(client->receive().status, 100);
         return client;
     }
@@ -69,6 +71,12 @@ class CrowdedServerTest : public LimitedServerTest<FakeSpeechEngine> {
 protected:
     explicit CrowdedServerTest(ClientPatience patience = {})
         : LimitedServerTest({.bodyBytes = 100000, .waiting = 0}, patience) {}
+};
+
+/// A server with room for four uploads of the largest size, and for many more clients.
+class RoomyServerTest : public LimitedServerTest<FakeSpeechEngine> {
+protected:
+    RoomyServerTest() : LimitedServerTest({.bodyBytes = 100000, .totalBytes = 400000}) {}
 };
 
 constexpr std::chrono::milliseconds moment{200};
@@ -143,6 +151,40 @@ TEST_F(UsualServerTest, WhenAllPlacesAreTakenTheNextIsToldAndOthersAreAnswered) 
     EXPECT_EQ(connected()->ask("GET /health HTTP/1.1\r\n\r\n").status, 200);
     for (const auto& guest : guests)
         EXPECT_EQ(guest->ask(m_form).status, 200);
+}
+
+TEST_F(RoomyServerTest, UploadsThatWereAnnouncedAndDoNotComeKeepNobodyOut) {
+    std::vector<std::unique_ptr<RawHttpClient>> idlers;
+    for (int i = 0; i < 16; ++i)
+        idlers.push_back(invited(100000));
+    EXPECT_EQ(connected()->ask(m_upload).status, 200);
+}
+
+TEST_F(RoomyServerTest, AnUploadThatFindsNoRoomOnTheWayIsToldToComeBack) {
+    std::vector<std::unique_ptr<RawHttpClient>> clients;
+    for (int i = 0; i < 5; ++i)
+        clients.push_back(invited(100000));
+    // Each stops before its end, so that it keeps the room that it has.
+    for (const auto& client : clients)
+        client->send(std::string(99999, 'x'));
+    std::atomic<int> refused = 0;
+    std::vector<std::thread> threads;
+    for (const auto& client : clients) {
+        threads.emplace_back([&refused, &client] {
+            const auto answer = client->receive();
+            EXPECT_TRUE(answer.status == 400 || answer.status == 503) << answer.status;
+            if (answer.status != 503) return;
+            EXPECT_NE(answer.head.find("Retry-After: "), std::string::npos);
+            EXPECT_NE(answer.head.find("Connection: close"), std::string::npos);
+            ++refused;
+        });
+    }
+    EXPECT_TRUE(waitUntil([&] { return refused > 0; }));
+    for (const auto& client : clients)
+        client->send("x");
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(connected()->ask(m_upload).status, 200);
 }
 
 TEST_F(SpeechServerQueueTest, ARecordingWhoseClientHasLeftIsNotTranscribed) {

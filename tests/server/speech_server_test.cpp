@@ -157,6 +157,17 @@ TEST_F(SpeechServerTest, AnUploadInChunksIsReadToItsEnd) {
     EXPECT_EQ(m_engine.sampleCount(), 16000U);
 }
 
+TEST_F(SpeechServerTest, ChunksMayEndAnywhereInAForm) {
+    const std::string form = formOf(wavOf(10));
+    for (const std::size_t size : {1, 2, 3, 7}) {
+        RawHttpClient client(m_server.port());
+        client.send(chunkedHead);
+        for (std::size_t begin = 0; begin < form.size(); begin += size)
+            client.send(chunk(form.substr(begin, size)));
+        EXPECT_EQ(client.ask("0\r\n\r\n").status, 200) << size;
+    }
+}
+
 TEST_F(SpeechServerTest, ChunksThatMakeNoSenseAreRefused) {
     EXPECT_EQ(ask(std::string(chunkedHead) + "5\r\nhello\r\n0\r\n\r\n").status, 400);
     EXPECT_EQ(ask(std::string(chunkedHead) + "no number\r\n\r\n").status, 400);
@@ -186,11 +197,20 @@ TEST_F(SpeechServerTest, BrokenFormsAreRefused) {
               400);
 }
 
-TEST_F(SpeechServerTest, AFormThatIsGivenUpEndsTheConnectionAndSaysSo) {
+TEST_F(SpeechServerTest, ABrokenFormCostsNoConnection) {
     RawHttpClient client(m_server.port());
     const auto answer = client.ask(postOf("/inference", "--B--\r\n"));
     EXPECT_EQ(answer.status, 400);
+    EXPECT_EQ(answer.head.find("Connection: close"), std::string::npos);
+    EXPECT_EQ(client.ask(m_upload).status, 200);
+}
+
+TEST_F(SpeechServerTest, AnUploadThatIsGivenUpEndsTheConnectionAndSaysSo) {
+    RawHttpClient client(m_server.port());
+    const auto answer = client.ask(std::string(chunkedHead) + "no number\r\n\r\n");
+    EXPECT_EQ(answer.status, 400);
     EXPECT_NE(answer.head.find("Connection: close"), std::string::npos);
+    EXPECT_TRUE(client.isClosedByServer());
 }
 
 TEST_F(SpeechServerTest, WhatIsNoRequestIsAnsweredAsAnError) {
