@@ -85,7 +85,7 @@ bool HttpConnection::is_writable() const {
 
 ssize_t HttpConnection::read(char* bytes, std::size_t size) {
     if (m_readable == 0) return -1;
-    if (m_bufferBegin == m_bufferEnd && !(waitWhileBusy(POLLIN) && fillBuffer())) return -1;
+    if (m_bufferBegin == m_bufferEnd && !receive()) return -1;
     const std::size_t count = std::min<std::uint64_t>(
         {std::uint64_t{size}, std::uint64_t{m_bufferEnd - m_bufferBegin}, m_readable});
     std::memcpy(bytes, &m_buffer[m_bufferBegin], count);
@@ -146,6 +146,13 @@ bool HttpConnection::waitWhileBusy(short event) const {
 
 void HttpConnection::allowMore(std::size_t movedBytes) {
     m_deadline = m_patience.extended(m_deadline, movedBytes, Clock::now());
+}
+
+bool HttpConnection::receive() {
+    // Of those who send fast, most is there already.
+    errno = 0;
+    if (fillBuffer()) return true;
+    return errno == EAGAIN && waitWhileBusy(POLLIN) && fillBuffer();
 }
 
 bool HttpConnection::fillBuffer() {

@@ -58,6 +58,7 @@ private:
     [[nodiscard]] bool waitWhileBusy(short event) const;
     void allow(std::chrono::milliseconds time) { m_deadline = Clock::now() + time; }
     void allowMore(std::size_t movedBytes);
+    bool receive();
     bool fillBuffer();
     void discardInput() const;
 
@@ -68,7 +69,7 @@ private:
     bool m_isAnswering = false;
     Clock::time_point m_deadline;  // for what is being read or written
     std::uint64_t m_readable = 0;  // bytes of this request that may still be read
-    std::array<char, 16384> m_buffer{};
+    std::array<char, 65536> m_buffer{};
     std::size_t m_bufferBegin = 0;
     std::size_t m_bufferEnd = 0;
 };

@@ -33,7 +33,7 @@ std::string fileOf(std::span<const std::int16_t> samples) {
         samples = padded;
     }
     const auto wav = WAV::encode(samples, SpeechEngine::sampleRateHz, 1);
-    return {wav.begin(), wav.end()};
+    return {reinterpret_cast<const char*>(wav.data()), wav.size()};
 }
 
 httplib::MultipartFormDataItems formOf(const SpeechRequest& request, const std::string& language) {

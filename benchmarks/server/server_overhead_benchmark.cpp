@@ -1,7 +1,8 @@
 // How long the server takes for a clip of 10 s beside the engine's own time: the whole program with
 // the stand-in of whisper.cpp's server as its child, against that stand-in asked itself. The
 // yardstick is a client and a server that only pass the same bytes over the same kind of socket.
-// Fails when the program adds more than 5 ms.
+// Fails when the program adds more than 5 ms to what the stand-in takes for the clip at 16 kHz
+// mono, which is all that it ever gets, be the clip of that form or of 48 kHz stereo.
 
 #include <algorithm>
 #include <array>
@@ -113,10 +114,11 @@ int main(int argc, char** argv) {
 
     WhisperServer server("");
     if (server.start().empty()) return EXIT_FAILURE;
-    const double served = measure("quietlark-server before it, 16 kHz mono", server.port(),
-                                  postOf("/inference", clip(16000, 1)));
-    measure("quietlark-server before it, 48 kHz stereo", server.port(),
-            postOf("/inference", clip(48000, 2)));
-    std::printf("quietlark-server adds %.2f ms\n", served - direct);
-    return served - direct <= mostMilliseconds ? EXIT_SUCCESS : EXIT_FAILURE;
+    const double mono = measure("quietlark-server before it, 16 kHz mono", server.port(),
+                                postOf("/inference", clip(16000, 1)));
+    const double stereo = measure("quietlark-server before it, 48 kHz stereo", server.port(),
+                                  postOf("/inference", clip(48000, 2)));
+    std::printf("quietlark-server adds %.2f ms, %.2f ms to 48 kHz stereo\n", mono - direct,
+                stereo - direct);
+    return std::max(mono, stereo) - direct <= mostMilliseconds ? EXIT_SUCCESS : EXIT_FAILURE;
 }

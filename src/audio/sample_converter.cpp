@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iterator>
 #include <limits>
 
 #include <soxr.h>
@@ -30,12 +29,15 @@ bool isRate(double rateHz) {
     return std::isfinite(rateHz) && rateHz > 0;
 }
 
+float withinBounds(float sample) {
+    return std::isfinite(sample) ? std::clamp(sample, -1.0F, 1.0F) : 0.0F;
+}
+
 float average(std::span<const float> frame) {
     float sum = 0;
     for (const float sample : frame)
         sum += sample;
-    const float mean = sum / static_cast<float>(frame.size());
-    return std::isfinite(mean) ? std::clamp(mean, -1.0F, 1.0F) : 0.0F;
+    return sum / static_cast<float>(frame.size());
 }
 
 std::int16_t toInt16(float sample) {
@@ -93,8 +95,13 @@ std::span<const std::int16_t> SampleConverter::convert(std::span<const float> in
     // To the resampler, nothing would mean the end of the stream.
     if (frames == 0) return {};
     m_mono.resize(frames);
-    for (std::size_t i = 0; i < frames; ++i)
-        m_mono[i] = average(interleaved.subspan(i * m_inputChannels, m_inputChannels));
+    if (m_inputChannels == 1) {
+        std::ranges::transform(interleaved, m_mono.begin(), withinBounds);
+    } else {
+        for (std::size_t i = 0; i < frames; ++i)
+            m_mono[i] =
+                withinBounds(average(interleaved.subspan(i * m_inputChannels, m_inputChannels)));
+    }
     m_output.clear();
     resample(m_mono.data(), frames, outputCapacity(m_inputRateHz, m_outputRateHz, frames));
     return m_output;
@@ -115,7 +122,8 @@ std::size_t SampleConverter::resample(const float* mono, std::size_t frames, std
                      &resampledFrames))
         return 0;
     const auto resampled = std::span(m_resampled).first(resampledFrames);
-    std::ranges::transform(resampled, std::back_inserter(m_output), toInt16);
+    m_output.resize(m_output.size() + resampledFrames);
+    std::ranges::transform(resampled, m_output.end() - resampled.size(), toInt16);
     return resampledFrames;
 }
 

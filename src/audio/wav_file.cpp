@@ -6,6 +6,7 @@
 #include <concepts>
 #include <limits>
 #include <string_view>
+#include <type_traits>
 
 #include "audio/sample_converter.h"
 
@@ -33,16 +34,93 @@ constexpr std::array<std::uint8_t, 14> plainSubformat = {0x00, 0x00, 0x00, 0x00,
                                                          0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
 
 template <std::unsigned_integral Number>
-Number littleEndian(Bytes bytes, std::size_t offset = 0) {
+Number littleEndian(const std::uint8_t* bytes) {
     Number number = 0;
     for (std::size_t i = 0; i < sizeof(Number); ++i)
-        number = static_cast<Number>(number | Number{bytes[offset + i]} << (8 * i));
+        number = static_cast<Number>(number | Number{bytes[i]} << (8 * i));
     return number;
+}
+
+template <std::unsigned_integral Number>
+Number littleEndian(Bytes bytes, std::size_t offset) {
+    return littleEndian<Number>(bytes.subspan(offset, sizeof(Number)).data());
 }
 
 bool isNamed(Bytes bytes, std::size_t offset, std::string_view name) {
     return std::ranges::equal(bytes.subspan(offset, name.size()), name, {},
                               [](std::uint8_t byte) { return static_cast<char>(byte); });
+}
+
+// How the samples of an encoding are stored, and what they are between -1 and 1; floating point may
+// go beyond.
+struct Unsigned8 {
+    static constexpr std::size_t bytes = 1;
+    static float at(const std::uint8_t* sample) {
+        return static_cast<float>(*sample - 128) / 128.0F;
+    }
+};
+
+struct Signed16 {
+    static constexpr std::size_t bytes = 2;
+    static std::int16_t number(const std::uint8_t* sample) {
+        return static_cast<std::int16_t>(littleEndian<std::uint16_t>(sample));
+    }
+    static float at(const std::uint8_t* sample) { return number(sample) / 32768.0F; }
+};
+
+struct Signed24 {
+    static constexpr std::size_t bytes = 3;
+    static float at(const std::uint8_t* sample) {
+        const auto upper = std::uint32_t{littleEndian<std::uint16_t>(sample + 1)} << 16;
+        const auto lower = std::uint32_t{sample[0]} << 8;
+        return static_cast<float>(static_cast<std::int32_t>(upper | lower)) / 2147483648.0F;
+    }
+};
+
+struct Signed32 {
+    static constexpr std::size_t bytes = 4;
+    static float at(const std::uint8_t* sample) {
+        const auto number = static_cast<std::int32_t>(littleEndian<std::uint32_t>(sample));
+        return static_cast<float>(number) / 2147483648.0F;
+    }
+};
+
+struct Float32 {
+    static constexpr std::size_t bytes = 4;
+    static float at(const std::uint8_t* sample) {
+        return std::bit_cast<float>(littleEndian<std::uint32_t>(sample));
+    }
+};
+
+struct Float64 {
+    static constexpr std::size_t bytes = 8;
+    static float at(const std::uint8_t* sample) {
+        constexpr double largest = std::numeric_limits<float>::max();
+        const auto exact = std::bit_cast<double>(littleEndian<std::uint64_t>(sample));
+        return static_cast<float>(std::clamp(exact, -largest, largest));
+    }
+};
+
+template <typename Encoding, typename Count>
+void averageOf(Count channels, const std::uint8_t* sample, std::span<float> frames) {
+    const float share = 1.0F / static_cast<float>(channels);
+    for (float& frame : frames) {
+        float sum = 0;
+        for (std::size_t i = 0; i < channels; ++i, sample += Encoding::bytes)
+            sum += Encoding::at(sample);
+        frame = sum * share;
+    }
+}
+
+/// The average of each frame of `channels` samples.
+template <typename Encoding>
+void average(std::size_t channels, const std::uint8_t* sample, std::span<float> frames) {
+    // The usual numbers are known to the compiler.
+    if (channels == 1)
+        return averageOf<Encoding>(std::integral_constant<std::size_t, 1>(), sample, frames);
+    if (channels == 2)
+        return averageOf<Encoding>(std::integral_constant<std::size_t, 2>(), sample, frames);
+    averageOf<Encoding>(channels, sample, frames);
 }
 
 /// Whether these may be chunks to the end, by the first one's name and size.
@@ -130,50 +208,35 @@ std::optional<WavFile::Encoding> WavFile::encodingOf(bool isInteger, std::uint16
     return std::nullopt;
 }
 
-float WavFile::sample(Encoding encoding, Bytes bytes) {
-    switch (encoding) {
+void WavFile::decode(std::size_t first, std::size_t channels, std::span<float> frames) const {
+    const std::uint8_t* const sample = m_data.data() + first * m_format.bytesPerFrame();
+    switch (m_format.encoding) {
         case Encoding::Unsigned8:
-            return static_cast<float>(bytes[0] - 128) / 128.0F;
+            return average<Unsigned8>(channels, sample, frames);
         case Encoding::Signed16:
-            return static_cast<float>(
-                       static_cast<std::int16_t>(littleEndian<std::uint16_t>(bytes))) /
-                   32768.0F;
-        case Encoding::Signed24: {
-            const auto upper = std::uint32_t{littleEndian<std::uint16_t>(bytes, 1)} << 16;
-            const auto lower = std::uint32_t{bytes[0]} << 8;
-            return static_cast<float>(static_cast<std::int32_t>(upper | lower)) / 2147483648.0F;
-        }
+            return average<Signed16>(channels, sample, frames);
+        case Encoding::Signed24:
+            return average<Signed24>(channels, sample, frames);
         case Encoding::Signed32:
-            return static_cast<float>(
-                       static_cast<std::int32_t>(littleEndian<std::uint32_t>(bytes))) /
-                   2147483648.0F;
+            return average<Signed32>(channels, sample, frames);
         case Encoding::Float32:
-            return std::bit_cast<float>(littleEndian<std::uint32_t>(bytes));
-        case Encoding::Float64: {
-            constexpr double largest = std::numeric_limits<float>::max();
-            const auto exact = std::bit_cast<double>(littleEndian<std::uint64_t>(bytes));
-            return static_cast<float>(std::clamp(exact, -largest, largest));
-        }
+            return average<Float32>(channels, sample, frames);
+        case Encoding::Float64:
+            return average<Float64>(channels, sample, frames);
     }
-    return 0;
 }
 
 std::vector<float> WavFile::read(std::size_t first, std::size_t count) const {
     first = std::min(first, frames());
-    count = std::min(count, frames() - first);
-    Bytes rest = m_data.subspan(first * m_format.bytesPerFrame());
-    std::vector<float> samples(count * m_format.channels);
-    for (float& value : samples) {
-        value = sample(m_format.encoding, rest.first(m_format.bytesPerSample));
-        rest = rest.subspan(m_format.bytesPerSample);
-    }
+    std::vector<float> samples(std::min(count, frames() - first) * channels());
+    decode(first, 1, samples);
     return samples;
 }
 
 std::vector<std::int16_t> WavFile::samples16() const {
     std::vector<std::int16_t> samples(frames());
     for (std::size_t i = 0; i < samples.size(); ++i)
-        samples[i] = static_cast<std::int16_t>(littleEndian<std::uint16_t>(m_data, 2 * i));
+        samples[i] = Signed16::number(m_data.data() + i * Signed16::bytes);
     return samples;
 }
 
@@ -181,7 +244,7 @@ std::vector<std::int16_t> WavFile::convertedTo(double rateHz) const {
     // Already what is wanted: there is nothing to filter, and nothing to lose.
     if (rateHz == sampleRateHz() && channels() == 1 && m_format.encoding == Encoding::Signed16)
         return samples16();
-    auto converter = SampleConverter::create(sampleRateHz(), channels(), rateHz);
+    auto converter = SampleConverter::create(sampleRateHz(), 1, rateHz);
     if (!converter) return {};
     std::vector<std::int16_t> samples;
     const double length = static_cast<double>(frames()) * rateHz / sampleRateHz();
@@ -189,8 +252,12 @@ std::vector<std::int16_t> WavFile::convertedTo(double rateHz) const {
     const auto append = [&samples](std::span<const std::int16_t> more) {
         samples.insert(samples.end(), more.begin(), more.end());
     };
-    for (std::size_t first = 0; first < frames(); first += framesPerBlock)
-        append(converter->convert(read(first, framesPerBlock)));
+    std::array<float, framesPerBlock> mono{};
+    for (std::size_t first = 0; first < frames(); first += framesPerBlock) {
+        const auto block = std::span(mono).first(std::min(framesPerBlock, frames() - first));
+        decode(first, channels(), block);
+        append(converter->convert(block));
+    }
     append(converter->finish());
     return samples;
 }

@@ -53,11 +53,12 @@ private:
     };
 
     [[nodiscard]] std::vector<std::int16_t> samples16() const;
+    // Fills `frames` with the averages of so many samples each, from frame `first` of the file on.
+    void decode(std::size_t first, std::size_t channels, std::span<float> frames) const;
 
     WavFile(Format format, std::span<const std::uint8_t> data) : m_format(format), m_data(data) {}
     static tl::expected<Format, WavFileError> parseFormat(std::span<const std::uint8_t> chunk);
     static std::optional<Encoding> encodingOf(bool isInteger, std::uint16_t bits);
-    static float sample(Encoding encoding, std::span<const std::uint8_t> bytes);
 
     Format m_format;
     std::span<const std::uint8_t> m_data;

@@ -165,6 +165,36 @@ TEST(WavFile, ManyChannelsAreAveragedIntoOne) {
     EXPECT_EQ(WavFile::parse(file.bytes)->convertedTo(16000), (std::vector<std::int16_t>{8192}));
 }
 
+TEST(WavFile, EveryEncodingIsAveragedInAnyNumberOfChannels) {
+    struct Encoded {
+        unsigned kind;
+        unsigned bits;
+        std::uint64_t half;          // 0.5
+        std::uint64_t minusQuarter;  // -0.25
+    };
+    for (const Encoded& encoded :
+         {Encoded{1, 8, 192, 96},
+          {1, 16, 0x4000, 0xE000},
+          {1, 24, 0x400000, 0xE00000},
+          {1, 32, 0x40000000, 0xE0000000},
+          {3, 32, std::bit_cast<std::uint32_t>(0.5F), std::bit_cast<std::uint32_t>(-0.25F)},
+          {3, 64, std::bit_cast<std::uint64_t>(0.5), std::bit_cast<std::uint64_t>(-0.25)}}) {
+        for (const unsigned channels : {1U, 2U, 4U, 64U}) {
+            SCOPED_TRACE(testing::Message() << encoded.bits << " bits, " << channels);
+            const unsigned width = encoded.bits / 8;
+            auto file = FileWriter().riff().format(encoded.kind, channels, 16000, encoded.bits);
+            file.text("data").number(2 * channels * width, 4);
+            for (unsigned i = 0; i < channels; ++i)
+                file.number(encoded.half, width);
+            for (unsigned i = 0; i < channels; ++i)
+                file.number(i < channels / 2 ? encoded.half : encoded.minusQuarter, width);
+            const std::int16_t second = channels == 1 ? -8192 : 4096;
+            EXPECT_EQ(WavFile::parse(file.bytes)->convertedTo(16000),
+                      (std::vector<std::int16_t>{16384, second}));
+        }
+    }
+}
+
 TEST(WavFile, AnotherRateIsConvertedToTheEnd) {
     const WavBytes bytes = WAV::encode(std::vector<std::int16_t>(44100, 1000), 44100, 1);
     const auto converted = WavFile::parse(bytes)->convertedTo(16000);
