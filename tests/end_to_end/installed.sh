@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # installed.sh BIN user|package [itself]: Quietlark is installed, by one's own hand or by the package
-# manager, dictates by way of the speech server that systemd runs for it, and is removed in the same
-# way, or by itself. Then there is nothing left of it.
+# manager, for an ordinary user whose home directory is empty; dictates by way of the speech server
+# that systemd runs for it, and is removed in the same way, or by itself. Then there is nothing left of
+# it, or, where only the package manager was asked, nothing but the user's own.
 # shellcheck source=apart.sh
 . "$(dirname "${BASH_SOURCE[0]}")/apart.sh"
 # shellcheck source=support.sh
@@ -14,15 +15,21 @@ remover=${3:-$kind}
 service=net.quietlark.server.service
 # The desktop's programs have a home of their own, so that this one holds nothing but Quietlark's.
 owner="$desktop/owner"
+user=1000
 home="$owner/home"
-mkdir -p "$home/.config/pulse" "$home/.local/share"
-# Which systemd makes when its user has a service enabled, and Quietlark when it is to start at login,
-# and which they leave there.
-[ "$kind" = user ] || mkdir -p "$home/.config/systemd/user" "$home/.config/autostart"
-head -c 256 /dev/zero >"$home/.config/pulse/cookie" # as everybody has who hears anything
+let_owner_in() {
+    chmod a+x "$desktop" "$XDG_RUNTIME_DIR" "$XDG_RUNTIME_DIR/pulse"
+    # Everybody who hears anything has one, and it is no trace of Quietlark's.
+    cp "$HOME/.config/pulse/cookie" "$desktop/cookie" 2>/dev/null ||
+        head -c 256 /dev/zero >"$desktop/cookie"
+    chmod a+r "$desktop/cookie"
+    # Where an installation builds, and notes what it has done.
+    find "$root/build" "$(dirname "$bin")" -maxdepth 1 -exec chown "$user" {} +
+}
+let_owner_in
 
 trap 'end_service_manager; close_virtual_desktop' EXIT
-start_service_manager "$owner" 0
+start_service_manager "$owner" "$user"
 
 before_failing() {
     show_logs
@@ -31,9 +38,10 @@ before_failing() {
 }
 
 # As in a terminal of the owner's.
-as_owner=(env -u QUIETLARK_ENDPOINT_FILE -u XDG_CONFIG_HOME -u XDG_DATA_HOME -u XDG_CACHE_HOME
+as_owner=(setpriv --reuid="$user" --regid="$user" --clear-groups
+    env -u QUIETLARK_ENDPOINT_FILE -u XDG_CONFIG_HOME -u XDG_DATA_HOME -u XDG_CACHE_HOME
     -u XDG_STATE_HOME HOME="$home" PATH="$home/.local/bin:$PATH" XDG_RUNTIME_DIR="$owner/run"
-    DBUS_SESSION_BUS_ADDRESS="unix:path=$owner/run/bus")
+    DBUS_SESSION_BUS_ADDRESS="unix:path=$owner/run/bus" PULSE_COOKIE="$desktop/cookie")
 
 # What the home directory holds, and what is elsewhere that was not, or was and is not any more, but for
 # the package manager's own.
@@ -59,12 +67,12 @@ install_it() {
 
 remove_it() {
     if [ "$kind" = user ]; then
+        rm -r "$home/.config/Quietlark" "$home/.local/share/Quietlark"
         # From where the one that runs is seen, which the manager's processes do not see. Over the bus:
         # the manager's own socket drops those who come from another namespace.
         "${as_owner[@]}" XDG_RUNTIME_DIR="$desktop/run" bash "$root/scripts/install" --remove
     else
-        beside_manager "systemctl --user disable --now $service"
-        dpkg --purge quietlark
+        dpkg --remove quietlark
     fi
 }
 
@@ -84,6 +92,7 @@ remove_by_itself() {
         wait_until 60 has_ended "$quietlark_id" || fail 'It did not end.'
         rm -r "$home/.local/share/Trash/files/Quietlark/bin" || fail 'It is not in the Trash.'
         rm -r "$home/.local/share/Trash"
+        (cd "$home" && rmdir --parents .local/share) || fail 'There is more than the Trash.'
     fi
 }
 
@@ -93,7 +102,7 @@ leave_the_program_to_the_package_manager() {
     xdotool windowactivate --sync "$(is_open "$alert")" key Return
     wait_until 60 has_ended "$quietlark_id" || fail 'It did not end.'
     [ ! -e "$home/.local/share/Trash" ] || fail 'There is something in the Trash.'
-    dpkg --purge quietlark
+    dpkg --remove quietlark
 }
 
 is_open() {
@@ -112,14 +121,21 @@ fi
 listing >"$desktop/before"
 install_it || fail 'It could not be installed.'
 
+start_quietlark_of_owner() {
+    start quietlark "${as_owner[@]}" quietlark
+    quietlark_id=$started_id
+    wait_for_line 60 "$quietlark_id" "$logs/quietlark.out" '^ready' || fail 'Quietlark did not start.'
+}
+
 # What its windows ask for at the first start is answered; whisper.cpp is not here, so the file that
 # would be its model only has to be there.
+start_quietlark_of_owner
+end "$quietlark_id"
+XDG_CONFIG_HOME="$home/.config" write_configuration
 mkdir -p "$home/.local/share/Quietlark/models"
 : >"$home/.local/share/Quietlark/models/active.bin"
-XDG_CONFIG_HOME="$home/.config" write_configuration
-start quietlark "${as_owner[@]}" quietlark
-quietlark_id=$started_id
-wait_for_line 60 "$quietlark_id" "$logs/quietlark.out" '^ready' || fail 'Quietlark did not start.'
+chown -R "$user:$user" "$home/.config" "$home/.local"
+start_quietlark_of_owner
 wait_until 60 test -s /tmp/quietlark.endpoint || fail 'The speech server did not start.'
 beside_manager "systemctl --user is-enabled $service" || fail 'The service is not enabled.'
 
@@ -149,8 +165,14 @@ else
     [ "$kind" = user ] || end "$quietlark_id"
     remove_it || fail 'It could not be removed.'
     has_ended "$quietlark_id" || fail 'It still runs.'
-    rm -r "$home/.config/Quietlark" "$home/.local/share/Quietlark"
 fi
-[ ! -e /tmp/quietlark.endpoint ] || fail 'The speech server is still there.'
 listing >"$desktop/after"
-expect 'what is left of it' '' "$(diff "$desktop/before" "$desktop/after" || true)"
+left=$(diff "$desktop/before" "$desktop/after" || true)
+if [ "$remover" = package ]; then
+    # The user's part is the user's to remove.
+    left=$(grep '^[<>]' <<<"$left" |
+        grep -vE '^> . \./\.(config(/(Quietlark|systemd).*)?|local(/share(/Quietlark.*)?)?) ' || true)
+else
+    [ ! -e /tmp/quietlark.endpoint ] || fail 'The speech server is still there.'
+fi
+expect 'what is left of it' '' "$left"

@@ -38,6 +38,8 @@ run_inside() {
     mkdir -p /run/systemd/unit-root /run/systemd/inaccessible/dir
     : >/run/systemd/inaccessible/reg
     chmod -R 000 /run/systemd/inaccessible
+    # None of the services that this computer starts for everybody: some write to the home directory.
+    [ ! -d /etc/systemd/user ] || mount -t tmpfs -o mode=755 tmpfs /etc/systemd/user
     mkdir -p "$directory/home" "$directory/run" "/run/user/$user"
     chmod 700 "$directory/run"
     mount --bind "$directory/run" "/run/user/$user"
