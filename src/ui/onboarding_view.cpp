@@ -144,6 +144,8 @@ void OnboardingView::advance() {
 }
 
 void OnboardingView::refresh() {
+    const QWidget* focused = window()->focusWidget();
+    const bool isGranting = focused && m_permissionRows->isAncestorOf(focused);
     m_permissionRows->setRows(m_model->permissionRows());
     m_footer->setVisible(m_model->showsFooter());
     m_back->setVisible(m_model->canGoBack());
@@ -151,7 +153,10 @@ void OnboardingView::refresh() {
     giveAir(*m_next);
     const bool hasFocus = m_next->hasFocus() || QWidget::hasFocus();
     m_next->setEnabled(m_model->canAdvance());
-    if (hasFocus) focusNext();
+    // With the last button to grant something with, its focus goes on, too.
+    const bool hasGranted =
+        isGranting && !m_permissionRows->isAncestorOf(window()->focusWidget());
+    if (hasFocus || hasGranted) focusNext();
 }
 
 void OnboardingView::showStep(int step) {

@@ -36,8 +36,9 @@ void PermissionRowsView::setRows(const std::vector<PermissionRow>& rows) {
         now << (row.isGranted ? u'+' : u'-') + row.label;
     if (std::exchange(m_shown, now) == now && !now.isEmpty()) return;
     const auto* focused = window()->focusWidget();
-    const QString focusedName =
-        focused && isAncestorOf(focused) ? focused->objectName() : QString();
+    const bool hasFocus = focused && isAncestorOf(focused);
+    const QString focusedName = hasFocus ? focused->objectName() : QString();
+    const int focusedRow = hasFocus ? m_layout->indexOf(focused->parentWidget()) : 0;
     while (QLayoutItem* item = m_layout->takeAt(0)) {
         // Later, since a click on one of its buttons may be what leads here.
         item->widget()->hide();
@@ -51,8 +52,15 @@ void PermissionRowsView::setRows(const std::vector<PermissionRow>& rows) {
         // At once, for a button among them that is to have the focus.
         widget->show();
     }
-    if (focusedName.isEmpty()) return;
-    if (auto* button = findChild<QPushButton*>(focusedName)) button->setFocus();
+    if (hasFocus) focusButton(focusedName, focusedRow);
+}
+
+void PermissionRowsView::focusButton(const QString& name, int row) {
+    auto* button = findChild<QPushButton*>(name);
+    for (int next = row; !button && next < m_layout->count(); ++next)
+        button = m_layout->itemAt(next)->widget()->findChild<QPushButton*>();
+    if (!button) button = findChild<QPushButton*>();
+    if (button) button->setFocus();
 }
 
 QWidget* PermissionRowsView::makeRow(const PermissionRow& row) const {

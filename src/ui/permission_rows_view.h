@@ -21,10 +21,11 @@ public:
 
     explicit PermissionRowsView(Mark mark);
 
-    /// Shows these; a button that has the focus keeps it.
+    /// Shows these; a button that has the focus keeps it, or leaves it to the next one.
     void setRows(const std::vector<PermissionRow>& rows);
 
 private:
+    void focusButton(const QString& name, int row);
     [[nodiscard]] QWidget* makeRow(const PermissionRow& row) const;
 
     const Mark m_mark;

@@ -59,6 +59,38 @@ TEST_F(WindowsTest, AGrantButtonKeepsTheFocusWhenAnotherRowGoes) {
     EXPECT_EQ(QApplication::focusWidget(), button("Grant: Accessibility"));
 }
 
+TEST_F(WindowsTest, AGrantButtonThatGoesLeavesTheFocusToTheNext) {
+    for (const Kind kind : {Kind::permissionsAlert, Kind::onboarding}) {
+        privacy.revoke(PrivacyGrant::InputMonitoring);
+        kind == Kind::onboarding ? openOnboarding(OnboardingModel::permissionsStep) : open(kind);
+        button("Grant: Input Monitoring")->setFocus();
+        privacy.grant(PrivacyGrant::InputMonitoring);
+        scheduler.advance(PermissionPoll::interval);
+        EXPECT_EQ(QApplication::focusWidget(), button("Grant: Accessibility"));
+        windows().close(kind);
+    }
+}
+
+TEST_F(WindowsTest, TheLastGrantButtonThatGoesLeavesTheFocusToTheFirst) {
+    openOnboarding(OnboardingModel::permissionsStep);
+    button("Grant: Local Network")->setFocus();
+    localNetwork = true;
+    scheduler.advance(PermissionPoll::interval);
+    EXPECT_EQ(QApplication::focusWidget(), button("Grant: Microphone"));
+}
+
+TEST_F(WindowsTest, AfterTheLastGrantReturnGoesOn) {
+    grantAll();
+    privacy.revoke(PrivacyGrant::Microphone);
+    openOnboarding(OnboardingModel::permissionsStep);
+    button("Grant: Microphone")->setFocus();
+    privacy.grant(PrivacyGrant::Microphone);
+    scheduler.advance(PermissionPoll::interval);
+    EXPECT_TRUE(button("Next")->hasFocus());
+    press(Qt::Key_Return);
+    EXPECT_TRUE(reads("Pick your hotkeys"));
+}
+
 TEST_F(WindowsTest, TheWizardIsWalkedThroughByReturnAlone) {
     grantAll();
     openOnboarding(OnboardingModel::welcomeStep);
