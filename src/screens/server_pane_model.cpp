@@ -29,7 +29,7 @@ ServerPaneModel::ServerPaneModel(AppState& appState, ServerResolver& resolver,
       m_scheduler(scheduler),
       m_serverEndpoint(m_endpointFile),
       m_mode(appState.config().serverMode),
-      m_isEditing(std::holds_alternative<Unconfigured>(m_mode)) {
+      m_isEditing(mustChoose()) {
     connect(&m_appState, &AppState::configChanged, this, &ServerPaneModel::onConfig);
     connect(&m_appState.modelDownloader(), &ModelDownloader::stateChanged, this,
             &ServerPaneModel::changed);
@@ -50,6 +50,7 @@ void ServerPaneModel::disappear() {
     m_probeTask.cancel();
     m_probing.reset();
     m_screen.reset();
+    setEditing(mustChoose());
 }
 
 ServerPaneModel::Hero ServerPaneModel::hero() const {
@@ -87,6 +88,13 @@ void ServerPaneModel::onConfig(const Config& config) {
     m_remoteReachable.reset();
     if (m_screen) probe();
     Q_EMIT changed();
+    // A choice that goes on does so from its beginning: the one before stood for another server.
+    setEditing(false);
+    setEditing(mustChoose());
+}
+
+bool ServerPaneModel::mustChoose() const {
+    return std::holds_alternative<Unconfigured>(m_mode);
 }
 
 void ServerPaneModel::probe() {

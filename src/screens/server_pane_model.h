@@ -53,7 +53,8 @@ public:
     [[nodiscard]] bool showsDownload() const;
     [[nodiscard]] ModelDownloader& downloader() { return m_appState.modelDownloader(); }
 
-    /// Whether the choice of another server is shown instead. Begins where none is chosen yet.
+    /// Whether the choice of another server is shown instead: where none is chosen, and where the
+    /// user asks for it, until the pane disappears or a server is chosen, wherever that is done.
     [[nodiscard]] bool isEditing() const { return m_isEditing; }
     void setEditing(bool isEditing);
 
@@ -63,6 +64,7 @@ Q_SIGNALS:
 
 private:
     void onConfig(const Config& config);
+    [[nodiscard]] bool mustChoose() const;
     void probe();
     [[nodiscard]] LocalServerStand stand() const;
     [[nodiscard]] Hero remoteHero(const QString& name, const QString& address) const;

@@ -154,8 +154,7 @@ void OnboardingView::refresh() {
     const bool hasFocus = m_next->hasFocus() || QWidget::hasFocus();
     m_next->setEnabled(m_model->canAdvance());
     // With the last button to grant something with, its focus goes on, too.
-    const bool hasGranted =
-        isGranting && !m_permissionRows->isAncestorOf(window()->focusWidget());
+    const bool hasGranted = isGranting && !m_permissionRows->isAncestorOf(window()->focusWidget());
     if (hasFocus || hasGranted) focusNext();
 }
 

@@ -36,6 +36,7 @@ ServerPane::ServerPane(std::unique_ptr<ServerPaneModel> model, MakePicker makePi
 }
 
 ServerPane::~ServerPane() {
+    m_model->disconnect(this);
     m_model->disappear();
 }
 

@@ -141,6 +141,29 @@ TEST_F(ServerPaneModelTest, WhereNoServerIsChosenTheChoiceIsShown) {
     EXPECT_TRUE(pane(unconfigured()).isEditing());
 }
 
+TEST_F(ServerPaneModelTest, TheChoiceEndsWhenThePaneDisappears) {
+    auto& shown = pane(local());
+    shown.setEditing(true);
+    shown.disappear();
+    EXPECT_FALSE(shown.isEditing());
+}
+
+TEST_F(ServerPaneModelTest, TheChoiceEndsWithOneMadeElsewhere) {
+    auto& shown = pane(unconfigured());
+    state().setConfig(local());
+    EXPECT_FALSE(shown.isEditing());
+}
+
+TEST_F(ServerPaneModelTest, WhereNoServerIsChosenAnyMoreTheChoiceBeginsAnew) {
+    auto& shown = pane(local());
+    shown.setEditing(true);
+    QList<bool> editing;
+    QObject::connect(&shown, &ServerPaneModel::changed, [&] { editing << shown.isEditing(); });
+    state().setConfig(unconfigured());
+    EXPECT_TRUE(editing.contains(false));
+    EXPECT_TRUE(shown.isEditing());
+}
+
 TEST_F(ServerPaneModelTest, ApprovingShowsTheSettingsForIt) {
     pane(local()).approve();
     EXPECT_EQ(panes.opened(), std::vector{SettingsPane::LoginItems});

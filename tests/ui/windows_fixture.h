@@ -121,10 +121,12 @@ private:
              {PrefsTab::hotkey, makeHotkeyRows(state(), m_coordinator)},
              {PrefsTab::server, new ServerPane(std::make_unique<ServerPaneModel>(
                                                    state(), resolver, files.endpoint, scheduler),
-                                               [this] {
-                                                   return makePicker({.allowFinishLater = false,
-                                                                      .offersCancel = true});
-                                               })}});
+                                               [this] { return makeServerPicker(); })}});
+    }
+
+    ServerPickerPane* makeServerPicker() {
+        const bool isChosen = !std::holds_alternative<Unconfigured>(state().config().serverMode);
+        return makePicker({.offersCancel = isChosen});
     }
 
     ServerPickerPane* makePicker(ServerPickerModel::Options offers) {

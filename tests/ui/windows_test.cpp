@@ -2,13 +2,10 @@
 #include <QPushButton>
 
 #include "ui/held_key.h"
-#include "ui/hotkey_capture_view.h"
 #include "ui/windows_fixture.h"
 
 namespace quietlark {
 namespace {
-
-constexpr KeyCode d = 2;
 
 class WindowsTest : public WindowsFixture {
 protected:
@@ -19,14 +16,6 @@ protected:
         config.onboardingComplete = false;
         saved(config);
         return open(Kind::onboarding);
-    }
-
-    PrefsView& prefs() { return *open(Kind::preferences).findChild<PrefsView*>(); }
-
-    QList<HotkeyCaptureView*> fields() {
-        QList<HotkeyCaptureView*> visible = shown().findChildren<HotkeyCaptureView*>();
-        visible.removeIf([](const HotkeyCaptureView* field) { return !field->isVisible(); });
-        return visible;
     }
 };
 
@@ -228,80 +217,6 @@ TEST_F(WindowsTest, TheTrialBoxTakesText) {
     press(Qt::Key_Return);
     EXPECT_EQ(box->toPlainText(), text("hello\n"));
     EXPECT_EQ(onboardingsFinished, 0);
-}
-
-TEST_F(WindowsTest, PreferencesComeForwardOnTheTabThatWasLastSelected) {
-    prefs().select(PrefsTab::hotkey);
-    shown().close();
-    EXPECT_EQ(prefs().selected(), PrefsTab::hotkey);
-}
-
-TEST_F(WindowsTest, TheServerTabIsShownWhereItIsAskedFor) {
-    prefs();
-    windows().showServerTab();
-    EXPECT_EQ(prefs().selected(), PrefsTab::server);
-}
-
-TEST_F(WindowsTest, WhereAServerIsToBeChosenTheKeyboardChoosesIt) {
-    windows().showServerTab();
-    ASSERT_TRUE(shown().isActiveWindow());
-    press(Qt::Key_Down);
-    press(Qt::Key_Return);
-    EXPECT_TRUE(reads("Servers on your local network"));
-}
-
-TEST_F(WindowsTest, TheToggleHotkeyCanBeClearedAndTheHoldHotkeyCannot) {
-    Config config = manualRemote();
-    config.toggleHotkey = text("f5");
-    saved(config);
-    prefs().select(PrefsTab::hotkey);
-    for (HotkeyCaptureView* field : fields()) {
-        field->click();
-        keyCapture.press(key_code::deleteBackward);
-    }
-    EXPECT_EQ(Config::load(files.config).hotkey, config.hotkey);
-    EXPECT_EQ(Config::load(files.config).toggleHotkey, QString());
-}
-
-TEST_F(WindowsTest, ACapturedHotkeyIsStoredAtOnce) {
-    prefs().select(PrefsTab::hotkey);
-    QTest::mouseClick(fields().first(), Qt::LeftButton);
-    EXPECT_TRUE(reads("(Esc to cancel, Delete to clear)"));
-    keyCapture.press(d, modifier::control | modifier::shift);
-    EXPECT_FALSE(reads("(Esc to cancel, Delete to clear)"));
-    EXPECT_EQ(Config::load(files.config).hotkey, text("ctrl+shift+d"));
-}
-
-TEST_F(WindowsTest, ClickingTheSecondFieldEndsTheCaptureOfTheFirst) {
-    prefs().select(PrefsTab::hotkey);
-    fields().first()->click();
-    fields().last()->click();
-    EXPECT_FALSE(fields().first()->capture().isCapturing());
-    EXPECT_TRUE(fields().last()->capture().isCapturing());
-}
-
-TEST_F(WindowsTest, ACaptureEndsWithItsWindow) {
-    prefs().select(PrefsTab::hotkey);
-    fields().first()->click();
-    shown().close();
-    EXPECT_FALSE(keyCapture.holdsKeys());
-}
-
-TEST_F(WindowsTest, TheLaunchSwitchGoesBackWhereTheDesktopRefuses) {
-    loginItem.failure = ServiceError{text("No.")};
-    prefs();
-    auto* launch = qobject_cast<QCheckBox*>(button("Launch at login"));
-    launch->click();
-    EXPECT_FALSE(launch->isChecked());
-}
-
-TEST_F(WindowsTest, TheChoiceOfAServerEndsWithTheSummary) {
-    saved(manualRemote());
-    windows().showServerTab();
-    button("Change Server…")->click();
-    EXPECT_TRUE(reads("Where should Quietlark transcribe?"));
-    button("Cancel")->click();
-    EXPECT_TRUE(button("Change Server…"));
 }
 
 TEST_F(WindowsTest, EverythingThatTakesTheFocusHasAName) {
