@@ -199,7 +199,7 @@
     <name>quietlark::ServerPane</name>
     <message>
         <source>Approve in System Settings to start transcription.</source>
-        <translation>Allow the server's service, which is masked, to start transcription.</translation>
+        <translation>The server's service is masked. Allow it with “systemctl --user unmask net.quietlark.server.service” to start transcription.</translation>
     </message>
 </context>
 <context>

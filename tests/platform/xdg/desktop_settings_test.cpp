@@ -34,12 +34,10 @@ protected:
 };
 
 TEST_F(DesktopSettingsTest, EachDesktopOpensItsOwnSettings) {
-    for (const char* program : {"gnome-control-center", "systemsettings", "xfce4-session-settings"})
+    for (const char* program : {"gnome-control-center", "systemsettings"})
         install(program);
     EXPECT_EQ(on("GNOME", SettingsPane::Microphone), "gnome-control-center sound");
     EXPECT_EQ(on("KDE", SettingsPane::Microphone), "systemsettings kcm_pulseaudio");
-    EXPECT_EQ(on("KDE", SettingsPane::LoginItems), "systemsettings kcm_autostart");
-    EXPECT_EQ(on("XFCE", SettingsPane::LoginItems), "xfce4-session-settings");
 }
 
 TEST_F(DesktopSettingsTest, ADesktopWithSeveralNamesIsKnownByAnyOfThem) {
@@ -61,6 +59,17 @@ TEST_F(DesktopSettingsTest, WithoutSettingsThePageOfHelpOpensAtItsPlace) {
     EXPECT_EQ(on("KDE", SettingsPane::Accessibility), page + "#accessibility");
     EXPECT_EQ(on("", SettingsPane::LocalNetwork), page + "#local-network");
     EXPECT_EQ(on("", SettingsPane::LoginItems), page + "#login-items");
+}
+
+TEST_F(DesktopSettingsTest, NoDesktopHasSettingsThatAllowAServiceButThePageOfHelpDoes) {
+    for (const char* program :
+         {"xdg-open", "gnome-tweaks", "systemsettings", "systemsettings5", "xfce4-session-settings",
+          "cinnamon-settings", "mate-session-properties", "lxqt-config-session"})
+        install(program);
+    for (const char* desktop : {"GNOME", "KDE", "XFCE", "X-Cinnamon", "MATE", "LXQt"}) {
+        EXPECT_EQ(on(desktop, SettingsPane::LoginItems),
+                  "xdg-open file://" + help.toStdString() + "#login-items");
+    }
 }
 
 TEST_F(DesktopSettingsTest, ThePageOfHelpHasAPlaceForEachPane) {

@@ -17,25 +17,19 @@ struct Pane {
     const char* command;
 };
 
-// In the order in which they are tried. No desktop here has a pane for the keys: there is nothing
-// to switch on where they can be had at all.
+// In the order in which they are tried. No desktop has a pane for the keys: there is nothing to
+// switch on where they can be had at all. Nor has any for the services of a user: what starts at
+// login is another thing.
 constexpr std::array panes{
     Pane{"GNOME", SettingsPane::Microphone, "gnome-control-center sound"},
     Pane{"GNOME", SettingsPane::LocalNetwork, "gnome-control-center network"},
-    Pane{"GNOME", SettingsPane::LoginItems, "gnome-tweaks"},
     Pane{"KDE", SettingsPane::Microphone, "systemsettings kcm_pulseaudio"},
     Pane{"KDE", SettingsPane::Microphone, "systemsettings5 kcm_pulseaudio"},
     Pane{"KDE", SettingsPane::LocalNetwork, "systemsettings kcm_networkmanagement"},
     Pane{"KDE", SettingsPane::LocalNetwork, "systemsettings5 kcm_networkmanagement"},
-    Pane{"KDE", SettingsPane::LoginItems, "systemsettings kcm_autostart"},
-    Pane{"KDE", SettingsPane::LoginItems, "systemsettings5 kcm_autostart"},
-    Pane{"XFCE", SettingsPane::LoginItems, "xfce4-session-settings"},
     Pane{"X-Cinnamon", SettingsPane::Microphone, "cinnamon-settings sound"},
     Pane{"X-Cinnamon", SettingsPane::LocalNetwork, "cinnamon-settings network"},
-    Pane{"X-Cinnamon", SettingsPane::LoginItems, "cinnamon-settings startup"},
     Pane{"MATE", SettingsPane::Microphone, "mate-volume-control"},
-    Pane{"MATE", SettingsPane::LoginItems, "mate-session-properties"},
-    Pane{"LXQt", SettingsPane::LoginItems, "lxqt-config-session"},
     Pane{"", SettingsPane::Microphone, "pavucontrol --tab=4"},
     Pane{"", SettingsPane::LocalNetwork, "nm-connection-editor"},
 };
