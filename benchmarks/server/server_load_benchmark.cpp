@@ -1,42 +1,39 @@
 // server_load_benchmark [REQUESTS]: sends that many requests (10,000) of every kind from 32 clients
-// to the server program, kills its engine in the middle, and prints the server's memory after each
-// thousand. Fails when an answer was wrong, or more was lost than the killed engine held.
+// to the server program, one of which kills its engine in the middle, and prints the server's
+// memory and open files after each thousand. Fails when an answer was wrong, any other request was
+// lost, the engine was not killed, the memory after the last exceeds that after the first thousand
+// by more than a tenth, or a file stays open.
 
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <thread>
 
 #include <QCoreApplication>
 
 #include "server/server_load.h"
 #include "server/whisper_server.h"
+#include "support/wait.h"
 
 using namespace quietlark;
 
 namespace {
 
 constexpr int perRound = 1000;
+constexpr double mostGrowth = 1.1;
 
-struct Outcome {
-    int lost = 0;
-    int kills = 0;
-    bool isRight = true;
-};
+bool isTrue(bool condition, const char* otherwise) {
+    if (!condition) std::printf("%s\n", otherwise);
+    return condition;
+}
 
-void runRound(WhisperServer& server, int first, bool killsEngine, Outcome& outcome) {
-    std::thread killer([&] {
-        const pid_t engine = killsEngine ? server.engineId() : 0;
-        if (engine > 0) outcome.kills += kill(engine, SIGKILL) == 0 ? 1 : 0;
-    });
-    const auto result = ServerLoad(server.port()).run(first, perRound);
-    killer.join();
-    outcome.lost += result.lost;
-    outcome.isRight = outcome.isRight && result.answers + result.lost == perRound;
+/// Whether all went well. `deadly` is the number of the request that kills the engine.
+bool runRound(const WhisperServer& server, int first, int deadly) {
+    const auto result = ServerLoad(server.port(), deadly).run(first, perRound);
     for (const std::string& answer : result.wrong)
         std::printf("wrong answer to %s\n", answer.c_str());
-    std::printf("%6d requests  %7ld KiB\n", first + perRound, server.residentKibibytes());
+    std::printf("%6d requests  %7ld KiB  %4d open files  %d lost\n", first + perRound,
+                server.residentKibibytes(), static_cast<int>(server.openFiles()), result.lost);
     std::fflush(stdout);
+    return result.answers == perRound;
 }
 
 }  // namespace
@@ -46,9 +43,19 @@ int main(int argc, char** argv) {
     const int requests = argc > 1 ? std::atoi(argv[1]) : 10'000;
     WhisperServer server("answer 1");
     if (server.start().empty()) return EXIT_FAILURE;
-    Outcome outcome;
-    for (int first = 0; first < requests; first += perRound)
-        runRound(server, first, first / perRound == requests / perRound / 2, outcome);
-    std::printf("lost %d, engines killed %d\n", outcome.lost, outcome.kills);
-    return outcome.isRight && outcome.lost <= outcome.kills ? EXIT_SUCCESS : EXIT_FAILURE;
+    const pid_t engine = server.engineId();
+    const auto openFiles = server.openFiles();
+    bool isRight = true;
+    long firstKibibytes = 0;
+    for (int first = 0; first < requests; first += perRound) {
+        isRight = runRound(server, first, requests / 2) && isRight;
+        if (first == 0) firstKibibytes = server.residentKibibytes();
+    }
+    const auto most = static_cast<double>(firstKibibytes) * mostGrowth;
+    const bool isKilled = isTrue(server.engineId() != engine, "The engine was not killed.");
+    const bool isFlat = isTrue(static_cast<double>(server.residentKibibytes()) <= most,
+                               "The memory has grown by more than a tenth.");
+    const bool isClosed =
+        isTrue(waitUntil([&] { return server.openFiles() <= openFiles; }), "Files stay open.");
+    return isRight && isKilled && isFlat && isClosed ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -9,11 +9,12 @@
 //   old 1                 knows no /health, and listens only when it is ready
 //
 // The first sample of a recording says what happens to it: 101 ends the program, 102 makes it hang,
-// 103 gives a broken answer, 104 an error, 105 text that is no UTF-8.
+// 103 gives a broken answer, 104 an error, 105 text that is no UTF-8, 106 kills the program.
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
@@ -30,7 +31,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-enum FirstSample { EndsIt = 101, HangsIt, BrokenAnswer, ErrorAnswer, BrokenText };
+enum FirstSample { EndsIt = 101, HangsIt, BrokenAnswer, ErrorAnswer, BrokenText, KillsIt };
 
 std::map<std::string, std::string> optionsFrom(int argc, char** argv) {
     std::map<std::string, std::string> options;
@@ -136,6 +137,7 @@ private:
             " samp", "les=" + std::to_string(samples.size()) + " first=" + std::to_string(first),
             " language=" + valueOf(request, "language")};
         if (first == EndsIt) std::quick_exit(3);
+        if (first == KillsIt) std::raise(SIGKILL);
         if (first == HangsIt) pause();
         if (first == BrokenText) segments.back() += "\xe3\x81";
         if (first == ErrorAnswer) out.status = 500;

@@ -1,6 +1,7 @@
 #include "server/server_load.h"
 
 #include <array>
+#include <atomic>
 #include <memory>
 #include <thread>
 
@@ -21,11 +22,14 @@ struct Exchange {
     bool isBrokenOff = false;  ///< the client leaves instead of waiting for an answer
 };
 
-/// A recording that no other request of the last thousands had. Below 101, as a first sample, the
-/// stand-in does nothing out of the ordinary.
-Exchange recording(int number, const char* path, const std::string& format) {
+/// As a first sample it kills the stand-in, which does nothing out of the ordinary below 101.
+constexpr std::int16_t deadlySample = 106;
+
+/// A recording that no other request of the last thousands had.
+Exchange recording(int number, const char* path, const std::string& format,
+                   std::int16_t firstSample) {
     std::vector<std::int16_t> samples(static_cast<std::size_t>(17600 + number % 997));
-    samples.front() = static_cast<std::int16_t>(number % 89 + 1);
+    samples.front() = firstSample;
     const WavBytes wav = WAV::encode(samples, 16000, 1);
     const std::string field =
         "--B\r\nContent-Disposition: form-data; name=\"response_format\"\r\n\r\n" + format + "\r\n";
@@ -35,7 +39,18 @@ Exchange recording(int number, const char* path, const std::string& format) {
                       " first=" + std::to_string(samples.front())};
 }
 
-/// The same with the times of its segments, the first of which ends within the first word.
+Exchange recording(int number, const char* path, const std::string& format) {
+    return recording(number, path, format, static_cast<std::int16_t>(number % 89 + 1));
+}
+
+Exchange deadlyRecording(int number) {
+    Exchange deadly = recording(number, inference, "json", deadlySample);
+    deadly.status = 503;
+    deadly.inBody = "The speech engine is not running.";
+    return deadly;
+}
+
+/// A recording with the times of its segments, the first of which ends within the first word.
 Exchange subtitles(int number) {
     Exchange subtitles = recording(number, transcriptions, "vtt");
     subtitles.inBody.erase(0, std::string("samp").size());
@@ -91,8 +106,7 @@ class ServerLoad::Client {
 public:
     Client(int port, Result& result) : m_port(port), m_result(result) {}
 
-    void send(int number) {
-        const Exchange wanted = exchange(number);
+    void send(int number, const Exchange& wanted) {
         if (!m_connection) m_connection = std::make_unique<RawHttpClient>(m_port);
         m_connection->send(wanted.request);
         if (wanted.isBrokenOff) {
@@ -124,7 +138,7 @@ private:
     std::unique_ptr<RawHttpClient> m_connection;
 };
 
-ServerLoad::ServerLoad(int port) : m_port(port) {}
+ServerLoad::ServerLoad(int port, std::optional<int> deadly) : m_port(port), m_deadly(deadly) {}
 
 ServerLoad::Result ServerLoad::run(int first, int count) const {
     std::atomic<int> next = first;
@@ -134,7 +148,8 @@ ServerLoad::Result ServerLoad::run(int first, int count) const {
         threads.emplace_back([this, &next, &result, end = first + count] {
             Client client(m_port, result);
             for (int number = next++; number < end; number = next++)
-                client.send(number);
+                client.send(number,
+                            number == m_deadly ? deadlyRecording(number) : exchange(number));
         });
     }
     Result sum;

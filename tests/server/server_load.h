@@ -1,6 +1,6 @@
 #pragma once
 
-#include <atomic>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,12 +14,15 @@ public:
     static constexpr int clients = 32;
 
     struct Result {
-        int answers = 0;  ///< right ones, and requests that were broken off as intended
-        int lost = 0;     ///< good requests that got status 503
+        /// Right ones, status 503 for the deadly one, and requests that were broken off as
+        /// intended.
+        int answers = 0;
+        int lost = 0;                    ///< other good requests that got status 503
         std::vector<std::string> wrong;  ///< what else came of requests
     };
 
-    explicit ServerLoad(int port);
+    /// The recording of request `deadly` kills the engine with SIGKILL when that has it.
+    explicit ServerLoad(int port, std::optional<int> deadly = std::nullopt);
 
     /// Sends the requests from number `first` on; what a request is depends on its number alone.
     /// Returns when all are answered.
@@ -29,6 +32,7 @@ private:
     class Client;
 
     const int m_port;
+    const std::optional<int> m_deadly;
 };
 
 }  // namespace quietlark

@@ -78,6 +78,13 @@ public:
         return 0;
     }
 
+    /// How many files, sockets among them, the server has open.
+    [[nodiscard]] qsizetype openFiles() const {
+        const QDir folder(QStringLiteral("/proc/%1/fd").arg(m_process->processId()));
+        return folder.entryList(QDir::Files | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot)
+            .size();
+    }
+
 private:
     QTemporaryDir m_temporary;
     QDir m_folder{m_temporary.path()};
