@@ -77,7 +77,7 @@ protected:
     FakeInstallation installation;
     FakeUserDefaults defaults;
     FakePrivacyRecords privacyRecords;
-    LinuxOwnFiles ownFiles{{at("config"), at("data")}, {directory.path()}};
+    LinuxOwnFiles ownFiles{{at("config"), at("data")}, {directory.path()}, {}};
     LinuxRecycler recycler{{{at("opt/")}, {}, at("no-package")},
                            FreedesktopTrash(at("data")),
                            Registration(directory.path(), {}, {})};
