@@ -33,9 +33,7 @@ open_featherpad() {
 # The terminal writes what is typed or pasted to FILE, byte by byte.
 open_terminal() {
     : >"$1"
-    start terminal xterm -title terminal \
-        -xrm 'XTerm*VT100.translations: #override Ctrl Shift <Key>V: insert-selection(CLIPBOARD)' \
-        -e sh -c 'stty -icanon; exec cat >"$0"' "$1"
+    start terminal xterm -title terminal -e sh -c 'stty -icanon; exec cat >"$0"' "$1"
     open_window '^terminal$'
 }
 

@@ -37,6 +37,7 @@ void Paster::write(const QString& text, const PostedHandler& onPosted, int attem
             // What was saved is not what somebody else has put there since.
             m_saved.reset();
             if (attemptsLeft > 0) return replaceContents(text, onPosted, attemptsLeft);
+            settlePasteboard();
             onPosted(isSet);
         });
 }

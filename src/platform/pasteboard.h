@@ -34,7 +34,7 @@ public:
     /// Absent when the pasteboard could not be listed.
     using SnapshotHandler = std::function<void(std::optional<PasteboardSnapshot>)>;
 
-    /// Whether everybody else now finds the text; if not, they find what they would without it.
+    /// Whether the text now is where whoever gets the keys will look for it.
     using SetHandler = std::function<void(const tl::expected<void, Unavailable>&)>;
 
     virtual ~Pasteboard() = default;

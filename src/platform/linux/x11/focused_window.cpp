@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
 #include <string_view>
 
 #include <QList>
@@ -76,6 +77,18 @@ constexpr auto terminals = std::to_array<std::string_view>({
     "zutty",
 });
 
+// The same for those that paste the PRIMARY selection.
+constexpr auto primaryTerminals = std::to_array<std::string_view>(
+    {"aterm", "eterm", "mlterm", "rxvt", "urxvt", "uxterm", "xterm"});
+
+bool isAmong(std::span<const std::string_view> names, const WindowClass& window) {
+    const auto isKnown = [names](const QByteArray& name) {
+        const QByteArray lowerCase = name.toLower();
+        return std::ranges::find(names, std::string_view(lowerCase)) != names.end();
+    };
+    return isKnown(window.instance) || isKnown(window.className);
+}
+
 /// Where keys go while the focus is on the root or follows the pointer: to the window under it.
 xcb_window_t windowUnderPointer(xcb_connection_t* connection, xcb_window_t root) {
     xcb_window_t window = root;
@@ -133,11 +146,11 @@ std::optional<WindowClass> focusedWindow(xcb_connection_t* connection, xcb_windo
 }
 
 bool isTerminal(const WindowClass& window) {
-    const auto isKnown = [](const QByteArray& name) {
-        const QByteArray lowerCase = name.toLower();
-        return std::ranges::find(terminals, std::string_view(lowerCase)) != terminals.end();
-    };
-    return isKnown(window.instance) || isKnown(window.className);
+    return isAmong(terminals, window);
+}
+
+bool pastesPrimary(const WindowClass& window) {
+    return isAmong(primaryTerminals, window);
 }
 
 }  // namespace quietlark

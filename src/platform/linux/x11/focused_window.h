@@ -27,4 +27,10 @@ struct WindowClass {
 /// inside and the terminal's own shortcuts have Shift as well.
 [[nodiscard]] bool isTerminal(const WindowClass& window);
 
+/// Whether such a window is a terminal emulator of before the clipboard: as they come, the only key
+/// that pastes there is Shift-Insert, and what it pastes is the PRIMARY selection, like the middle
+/// button of the mouse. Tried with xterm 379, rxvt-unicode 9.30 and mlterm 3.9; aterm and Eterm are
+/// taken to be like rxvt, which they come from.
+[[nodiscard]] bool pastesPrimary(const WindowClass& window);
+
 }  // namespace quietlark

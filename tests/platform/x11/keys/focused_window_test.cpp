@@ -74,6 +74,14 @@ TEST(IsTerminal, KnowsATerminalByEitherName) {
     EXPECT_TRUE(isTerminal({"", "org.wezfurlong.wezterm"}));
 }
 
+TEST(PastesPrimary, IsWhatOldTerminalsDo) {
+    EXPECT_TRUE(pastesPrimary({"xterm", "XTerm"}));
+    EXPECT_TRUE(pastesPrimary({"urxvt", "URxvt"}));
+    EXPECT_FALSE(pastesPrimary({"sakura", "Sakura"}));
+    EXPECT_FALSE(pastesPrimary({"mousepad", "Mousepad"}));
+    EXPECT_FALSE(pastesPrimary({"", ""}));
+}
+
 TEST(IsTerminal, AnEditorIsNone) {
     EXPECT_FALSE(isTerminal({"mousepad", "Mousepad"}));
     EXPECT_FALSE(isTerminal({"", ""}));

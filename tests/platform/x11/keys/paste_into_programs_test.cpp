@@ -28,11 +28,15 @@ std::unique_ptr<PasteTarget> makeSakura() {
     return makeTerminal(QStringLiteral("sakura"), {QStringLiteral("-e")});
 }
 
+// As it comes.
 std::unique_ptr<PasteTarget> makeXterm() {
+    return makeTerminal(QStringLiteral("xterm"), {QStringLiteral("-e")});
+}
+
+// Whose user prefers the clipboard.
+std::unique_ptr<PasteTarget> makeXtermOfTheClipboard() {
     return makeTerminal(QStringLiteral("xterm"),
-                        {QStringLiteral("-xrm"),
-                         QStringLiteral("XTerm*VT100.translations: #override Ctrl Shift <Key>v: "
-                                        "insert-selection(CLIPBOARD)"),
+                        {QStringLiteral("-xrm"), QStringLiteral("XTerm*selectToClipboard: true"),
                          QStringLiteral("-e")});
 }
 
@@ -41,6 +45,7 @@ struct Case {
     std::unique_ptr<PasteTarget> (*make)();
     const char* layout;
     std::vector<int> heldKeys = {};
+    const char* selection = "clipboard";
 };
 
 void PrintTo(const Case& one, std::ostream* stream) {
@@ -65,8 +70,10 @@ const Case cases[] = {
     {"VteTerminalRussian", makeSakura, "ru"},
     {"VteTerminalRussianBesideDvorak", makeSakura, "ru,us(dvorak)"},
     {"VteTerminalWithSuperHeld", makeSakura, "us", {KEY_LEFTMETA}},
-    {"XtermAmerican", makeXterm, "us"},
-    {"XtermDvorak", makeXterm, "us(dvorak)"},
+    {"XtermAmerican", makeXterm, "us", {}, "primary"},
+    {"XtermDvorak", makeXterm, "us(dvorak)", {}, "primary"},
+    {"XtermRussianWithShiftHeld", makeXterm, "ru", {KEY_LEFTSHIFT}, "primary"},
+    {"XtermOfTheClipboard", makeXtermOfTheClipboard, "us"},
 };
 
 /// A desk with a keyboard, a clipboard and one program to paste into.
@@ -85,12 +92,12 @@ protected:
         m_server.run(QStringLiteral("setxkbmap"), {QString::fromLatin1(layout)});
     }
 
-    /// Another program owns the clipboard.
-    void copy(const QByteArray& text) {
-        m_server.run(QStringLiteral("sh"), {QStringLiteral("-c"),
-                                            QStringLiteral("printf %s \"$0\" | xclip -in "
-                                                           "-selection clipboard >/dev/null"),
-                                            QString::fromUtf8(text)});
+    /// Another program owns the selection.
+    void copy(const QByteArray& text, const char* selection = "clipboard") {
+        m_server.run(QStringLiteral("sh"),
+                     {QStringLiteral("-c"),
+                      QStringLiteral("printf %s \"$0\" | xclip -in -selection $1 >/dev/null"),
+                      QString::fromUtf8(text), QString::fromLatin1(selection)});
     }
 
     XServer m_server;
@@ -131,7 +138,7 @@ TEST_P(PasteInto, TheTextOfTheClipboardArrives) {
     const QByteArray text = "Gr\u00fc\u00dfe, \u043c\u0438\u0440";
     const auto target = GetParam().make();
     setLayout("us");
-    copy(text);
+    copy(text, GetParam().selection);
     ASSERT_TRUE(target->open(m_server, m_synthesizer));
 
     setLayout(GetParam().layout);

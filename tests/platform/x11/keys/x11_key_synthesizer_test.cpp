@@ -102,11 +102,20 @@ TEST_F(X11KeySynthesizerTest, PastesWithShiftInsertWhereNoKeyTypesV) {
 }
 
 TEST_F(X11KeySynthesizerTest, PastesWithControlShiftVIntoATerminal) {
-    KeyWindow terminal(m_server.display(), "XTerm");
+    KeyWindow terminal(m_server.display(), "Sakura");
     terminal.takeFocusWithAChild();
     EXPECT_TRUE(paste());
     m_window.takeFocus();
     EXPECT_EQ(terminal.typed(), (std::vector<KeyWindow::Key>{{x(KEY_V), control | shift}}));
+    expectNothingHeld();
+}
+
+TEST_F(X11KeySynthesizerTest, PastesWithShiftInsertIntoATerminalThatPastesPrimary) {
+    KeyWindow terminal(m_server.display(), "XTerm");
+    terminal.takeFocusWithAChild();
+    EXPECT_TRUE(paste());
+    m_window.takeFocus();
+    EXPECT_EQ(terminal.typed(), (std::vector<KeyWindow::Key>{{x(KEY_INSERT), shift}}));
     expectNothingHeld();
 }
 

@@ -85,9 +85,13 @@ std::optional<Shortcut> findShortcut(const X11Keymap& keymap, X11Keymap::Layout 
     if (typing) return Shortcut{*typing, keymap.realModifiers(flags)};
     if (!isPaste) return Shortcut{*place, keymap.realModifiers(flags)};
 
-    const ModifierFlags withInsert = inTerminal ? flags : modifier::shift;
-    const auto insert = xKeycodeOf(insertKey);
-    return Shortcut{insert.value_or(*place), keymap.realModifiers(withInsert)};
+    Shortcut withInsert = shiftInsert(keymap);
+    if (inTerminal) withInsert.modifiers = keymap.realModifiers(flags);
+    return withInsert;
+}
+
+Shortcut shiftInsert(const X11Keymap& keymap) {
+    return {xKeycodeOf(insertKey).value_or(0), keymap.realModifiers(modifier::shift)};
 }
 
 std::optional<KeystrokePlan> planKeystroke(const X11Keymap& keymap, const KeyboardState& state,

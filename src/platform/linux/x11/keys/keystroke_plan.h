@@ -24,6 +24,9 @@ struct Shortcut {
                                                    X11Keymap::Layout layout, KeyCode keyCode,
                                                    ModifierFlags flags, bool inTerminal);
 
+/// Shift-Insert, which pastes in programs that know no Command-V.
+[[nodiscard]] Shortcut shiftInsert(const X11Keymap& keymap);
+
 /// How to type a shortcut whatever the user is holding.
 struct KeystrokePlan {
     struct Move {

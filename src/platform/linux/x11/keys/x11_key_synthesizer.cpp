@@ -31,8 +31,11 @@ tl::expected<void, Unavailable> X11KeySynthesizer::tryPost(KeyCode keyCode, Modi
             tr("The keyboard layout could not be read. Choose it once more in the keyboard "
                "settings.")});
     }
+    const bool isPaste = keyCode == key_code::v && flags == modifier::command;
     const auto shortcut =
-        findShortcut(*keymap, state->lockedLayout, keyCode, flags, isTerminal(*window));
+        isPaste && pastesPrimary(*window)
+            ? shiftInsert(*keymap)
+            : findShortcut(*keymap, state->lockedLayout, keyCode, flags, isTerminal(*window));
     const auto plan = shortcut ? planKeystroke(*keymap, *state, *keyboards, *shortcut)
                                : std::optional<KeystrokePlan>();
     if (!plan) {

@@ -123,6 +123,11 @@ std::optional<std::uint32_t> X11PasteboardConnection::focusedClient() {
     return clientOf(*window);
 }
 
+bool X11PasteboardConnection::focusPastesPrimary() {
+    const auto window = focusedWindow(m_connection, m_root);
+    return window && pastesPrimary(*window);
+}
+
 void X11PasteboardConnection::synchronize() {
     const XcbReply<xcb_get_input_focus_reply_t> answered(
         xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));

@@ -62,6 +62,9 @@ public:
     /// The client whose window gets the keys; absent when there is none.
     [[nodiscard]] std::optional<std::uint32_t> focusedClient();
 
+    /// Whether the program that gets the keys pastes the PRIMARY selection.
+    [[nodiscard]] bool focusPastesPrimary();
+
     /// Returns when the server has done all that was asked of it.
     void synchronize();
 

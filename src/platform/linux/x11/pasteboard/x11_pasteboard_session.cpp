@@ -38,7 +38,7 @@ void X11PasteboardSession::watchOwner() {
 }
 
 bool X11PasteboardSession::isBusy() const {
-    return isConnected() && (m_reader || m_owner.isTaking());
+    return isConnected() && (m_reader || m_owner.isTaking() || m_primary.isTaking());
 }
 
 void X11PasteboardSession::snapshot(Answer answer) {
@@ -51,9 +51,16 @@ void X11PasteboardSession::snapshot(Answer answer) {
         m_lastRead = PasteboardSnapshot();
         return answer(m_lastRead);
     }
+    read(m_clipboard, [this, answer = std::move(answer)](std::optional<PasteboardSnapshot> copied) {
+        m_lastRead = std::move(copied);
+        answer(m_lastRead);
+    });
+}
+
+void X11PasteboardSession::read(xcb_atom_t selection, Answer answer) {
     m_answer = std::move(answer);
     m_readerDeadline = Clock::now() + m_limits.snapshot;
-    m_reader.emplace(m_connection, m_requestors, m_clipboard, m_limits.snapshotBytes);
+    m_reader.emplace(m_connection, m_requestors, selection, m_limits.snapshotBytes);
 }
 
 void X11PasteboardSession::setString(const QString& text, OutcomeHandler onSet) {
@@ -62,14 +69,27 @@ void X11PasteboardSession::setString(const QString& text, OutcomeHandler onSet) 
         m_owner.isOwner() ? m_owner.snapshot() : std::exchange(m_lastRead, std::nullopt);
     m_owner.take(text, std::move(covered));
     m_onSet = std::move(onSet);
+    m_needsPrimary = m_connection.focusPastesPrimary();
+    if (m_needsPrimary) takePrimary(text);
+}
+
+void X11PasteboardSession::takePrimary(const QString& text) {
+    if (m_primary.isOwner()) return m_primary.take(text, m_primary.snapshot());
+    if (m_connection.selectionOwner(XCB_ATOM_PRIMARY) == XCB_WINDOW_NONE)
+        return m_primary.take(text, PasteboardSnapshot());
+    read(XCB_ATOM_PRIMARY, [this, text](std::optional<PasteboardSnapshot> selected) {
+        m_primary.take(text, std::move(selected));
+    });
 }
 
 void X11PasteboardSession::restore(PasteboardSnapshot snapshot) {
     m_owner.restore(std::move(snapshot), Clock::now());
+    m_primary.restoreCovered(Clock::now());
 }
 
 void X11PasteboardSession::keepString() {
     m_owner.keep();
+    m_primary.restoreCovered(Clock::now());
 }
 
 void X11PasteboardSession::stopReading() {
@@ -80,6 +100,7 @@ void X11PasteboardSession::stopReading() {
 void X11PasteboardSession::quit() {
     m_quitDeadline = Clock::now() + m_limits.handover;
     m_owner.finish();
+    m_primary.finish();
     if (m_owner.servesRestored()) m_handover.emplace(m_connection, m_owner.window());
 }
 
@@ -98,6 +119,7 @@ std::optional<X11PasteboardSession::Clock::time_point> X11PasteboardSession::pro
         if (time) next = std::min(*time, next.value_or(*time));
     };
     earlier(m_owner.onTime(now));
+    earlier(m_primary.onTime(now));
     if (m_reader) earlier(m_readerDeadline);
     earlier(m_quitDeadline);
     return next;
@@ -117,7 +139,7 @@ bool X11PasteboardSession::processEvents() {
             answerReader();
             isNew = true;
         }
-        if (m_onSet && (!m_owner.isTaking() || !isConnected())) reportOutcome();
+        if (m_onSet && !isBusy()) reportOutcome();
     }
     // The end of the connection is news as well: nobody is busy with the server any more.
     const bool hasBroken = std::exchange(m_wasConnected, isConnected()) && !isConnected();
@@ -132,9 +154,10 @@ void X11PasteboardSession::dispatch(const xcb_generic_event_t& event) {
         return onOwnerChanged(as<xcb_xfixes_selection_notify_event_t>(event).owner);
     switch (type) {
         case XCB_SELECTION_REQUEST:
-            return m_owner.onRequest(as<xcb_selection_request_event_t>(event));
+            return onSelectionRequest(as<xcb_selection_request_event_t>(event));
         case XCB_SELECTION_CLEAR:
-            return m_owner.onClear(as<xcb_selection_clear_event_t>(event));
+            m_owner.onClear(as<xcb_selection_clear_event_t>(event));
+            return m_primary.onClear(as<xcb_selection_clear_event_t>(event));
         case XCB_SELECTION_NOTIFY:
             return onSelectionNotify(as<xcb_selection_notify_event_t>(event));
         case XCB_PROPERTY_NOTIFY:
@@ -148,6 +171,11 @@ void X11PasteboardSession::dispatch(const xcb_generic_event_t& event) {
     }
 }
 
+void X11PasteboardSession::onSelectionRequest(const xcb_selection_request_event_t& request) {
+    auto& owner = request.owner == m_primary.window() ? m_primary : m_owner;
+    owner.onRequest(request);
+}
+
 void X11PasteboardSession::onSelectionNotify(const xcb_selection_notify_event_t& event) {
     if (m_handover) m_handover->onSelectionNotify(event);
     if (m_requestors.settle(event.requestor)) return;
@@ -156,6 +184,7 @@ void X11PasteboardSession::onSelectionNotify(const xcb_selection_notify_event_t&
 
 void X11PasteboardSession::onPropertyNotify(const xcb_property_notify_event_t& event) {
     m_owner.onPropertyNotify(event);
+    m_primary.onPropertyNotify(event);
     m_server.onPropertyNotify(event);
     if (m_reader) m_reader->onPropertyNotify(event);
 }
@@ -168,17 +197,18 @@ void X11PasteboardSession::onError(const xcb_generic_error_t& error) {
 void X11PasteboardSession::onOwnerChanged(xcb_window_t owner) {
     if (owner == m_owner.window()) return;
     m_lastRead.reset();
-    if (m_reader) m_reader->onOwnerChanged(owner);
+    if (m_reader && m_reader->selection() == m_clipboard) m_reader->onOwnerChanged(owner);
 }
 
 void X11PasteboardSession::answerReader() {
-    m_lastRead = isConnected() ? m_reader->result() : std::nullopt;
+    auto result = isConnected() ? m_reader->result() : std::nullopt;
     m_reader.reset();
-    std::exchange(m_answer, nullptr)(m_lastRead);
+    std::exchange(m_answer, nullptr)(std::move(result));
 }
 
 void X11PasteboardSession::reportOutcome() {
-    const auto ofConnected = m_owner.isOwner() ? Outcome::set : Outcome::takenByAnother;
+    const bool isSet = m_owner.isOwner() && (!m_needsPrimary || m_primary.isOwner());
+    const auto ofConnected = isSet ? Outcome::set : Outcome::takenByAnother;
     std::exchange(m_onSet, nullptr)(isConnected() ? ofConnected : Outcome::disconnected);
 }
 

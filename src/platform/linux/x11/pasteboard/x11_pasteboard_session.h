@@ -20,6 +20,9 @@ namespace quietlark {
 
 /// What the pasteboard's thread does: the order of commands, and which part an event is for.
 ///
+/// Where the program that gets the keys pastes the PRIMARY selection instead of the clipboard, that
+/// one has the text as well, from setString() until the clipboard no longer has it.
+///
 /// A command may need several events until it is carried out; begin the next one when isBusy() no
 /// longer holds.
 class X11PasteboardSession {
@@ -64,7 +67,10 @@ public:
 
 private:
     void watchOwner();
+    void read(xcb_atom_t selection, Answer answer);
+    void takePrimary(const QString& text);
     void dispatch(const xcb_generic_event_t& event);
+    void onSelectionRequest(const xcb_selection_request_event_t& request);
     void onSelectionNotify(const xcb_selection_notify_event_t& event);
     void onPropertyNotify(const xcb_property_notify_event_t& event);
     void onError(const xcb_generic_error_t& error);
@@ -78,6 +84,8 @@ private:
     xcb_atom_t m_clipboard = m_connection.atom("CLIPBOARD");
     X11SelectionServer m_server{m_connection, m_limits.piece};
     X11SelectionOwner m_owner{m_connection, m_server, m_clipboard, m_limits.grace};
+    X11SelectionOwner m_primary{m_connection, m_server, XCB_ATOM_PRIMARY, m_limits.grace};
+    bool m_needsPrimary = false;  ///< the text that was set last has to be there, too
     int m_ownerChangedEvent = -1;
     bool m_wasConnected = true;
 

@@ -46,6 +46,10 @@ void X11SelectionOwner::restore(PasteboardSnapshot snapshot, Clock::time_point n
     announce();
 }
 
+void X11SelectionOwner::restoreCovered(Clock::time_point now) {
+    if (awaitsRestore()) restore(m_text->covered.value_or(PasteboardSnapshot()), now);
+}
+
 void X11SelectionOwner::keep() {
     if (!awaitsRestore()) return;
     PasteboardSnapshot kept = m_text->contents.snapshot();

@@ -43,6 +43,9 @@ public:
     /// nothing unless a text awaits it.
     void restore(PasteboardSnapshot snapshot, Clock::time_point now);
 
+    /// restore() of what the text covers, as far as that is known.
+    void restoreCovered(Clock::time_point now);
+
     /// Makes the text, without its hint, contents of the user's own, and forgets what it covers.
     /// Does nothing unless a text awaits restore().
     void keep();

@@ -31,6 +31,7 @@ public:
     /// were cannot be mixed with what they are: reading begins again, or ends.
     void onOwnerChanged(xcb_window_t owner);
 
+    [[nodiscard]] xcb_atom_t selection() const { return m_selection; }
     [[nodiscard]] bool isDone() const { return m_isDone; }
 
     /// What has arrived so far, in the owner's order; absent when it could not be listed.
