@@ -10,4 +10,12 @@ namespace quietlark {
 /// is one. A failure is the system's description. Any thread.
 tl::expected<void, QString> removeOwnFile(const QString& path);
 
+/// Whether the directory, or the one that it would be made in where it is not there yet, belongs to
+/// the user whom this process acts for, be it by way of links. Any thread.
+[[nodiscard]] bool isOwnPlace(const QString& directory);
+
+/// Whether what this process writes there would be among another user's files and not theirs: as
+/// root's, who may write everywhere, in the home directory of the one who has called for it.
+[[nodiscard]] bool wouldWriteAmongOthersFiles(const QString& directory);
+
 }  // namespace quietlark

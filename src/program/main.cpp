@@ -25,8 +25,10 @@
 #include "local_server/model_files.h"
 #include "local_server/model_source.h"
 #include "notifications/notification_center.h"
+#include "platform/base_directories.h"
 #include "platform/curl/curl_http_streams.h"
 #include "platform/linux/processor/linux_processor.h"
+#include "platform/own_file.h"
 #include "platform/qt/qt_http_client.h"
 #include "platform/qt/qt_scheduler.h"
 #include "platform/qt/qt_worker_thread.h"
@@ -85,6 +87,7 @@ public:
 
     int operator()(const ModelArguments& arguments) {
         if (arguments.action == ModelArguments::Action::Download) {
+            if (isHomeOfAnother()) return exitStatus(ExitCode::Failed);
             OwnTraces traces(Config::defaultFileURL());
             noteMissingFolders(traces.defaults, traces.files);
         }
@@ -149,6 +152,7 @@ public:
                                             "within the desktop, or see quietlark --help."));
             return exitStatus(ExitCode::Failed);
         }
+        if (isHomeOfAnother()) return exitStatus(ExitCode::Failed);
         std::optional<Application> application;
         const auto carryOut = [&application](DictationOrder order) {
             return application ? application->carryOut(order) : DictationReport();
@@ -159,6 +163,18 @@ public:
     }
 
 private:
+    /// Says so. Whose it is could not change or remove what root would write there.
+    bool isHomeOfAnother() {
+        for (const QString& directory : {configHome(), dataHome()}) {
+            if (!wouldWriteAmongOthersFiles(directory)) continue;
+            m_console.complain(
+                QCoreApplication::translate(
+                    "Home", "%1 belongs to another user. Run quietlark as that user, without sudo.")
+                    .arg(directory));
+            return true;
+        }
+        return false;
+    }
     int wrongUsage(const QString& sentence) {
         m_console.complain(sentence);
         return exitStatus(ExitCode::WrongUsage);

@@ -45,6 +45,8 @@ protected:
     [[nodiscard]] QProcessEnvironment environment() const {
         auto environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("XDG_DATA_HOME"), m_home.path());
+        environment.insert(QStringLiteral("XDG_CONFIG_HOME"),
+                           m_home.filePath(QStringLiteral("config")));
         environment.insert(QStringLiteral("QUIETLARK_MODEL_URL"), m_url);
         environment.insert(QStringLiteral("QUIETLARK_MODEL_SHA256"), m_sha256);
         return environment;

@@ -1,5 +1,7 @@
 #include <csignal>
 
+#include <unistd.h>
+
 #include "peers/http_server.h"
 #include "program/model_program_fixture.h"
 #include "program/terminal_session.h"
@@ -47,6 +49,21 @@ TEST_F(ModelProgramTest, DownloadPrintsWhereTheModelIs) {
     EXPECT_EQ(outcome.exitCode, 0) << outcome.messages.toStdString();
     EXPECT_EQ(outcome.results, m_files.active().toUtf8() + '\n');
     EXPECT_EQ(read(m_files.active()), m_model);
+}
+
+TEST_F(ModelProgramTest, RootWritesNothingToTheHomeOfAnother) {
+    if (::geteuid() != 0) GTEST_SKIP() << "only root could";
+    serverDoes(answer());
+    ASSERT_EQ(::chown(QFile::encodeName(m_home.path()).constData(), 1234, 1234), 0);
+    const Outcome outcome = run(QStringLiteral("download"));
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.results, "");
+    EXPECT_TRUE(
+        outcome.messages.endsWith("belongs to another user. Run quietlark as that user, "
+                                  "without sudo.\n"))
+        << outcome.messages.toStdString();
+    EXPECT_TRUE(
+        QDir(m_home.path()).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
 }
 
 TEST_F(ModelProgramTest, OffATerminalProgressComesInPlainLines) {

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <system_error>
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <fcntl.h>
@@ -35,6 +36,19 @@ tl::expected<void, QString> removeOwnFile(const QString& path) {
     if (!isOwn(status)) return outcomeOf(EPERM);
     // Refused by the system for a folder.
     return outcomeOf(::unlinkat(parent.number(), name.constData(), 0) == 0 ? 0 : errno);
+}
+
+bool isOwnPlace(const QString& directory) {
+    QString existing = directory;
+    while (!QFileInfo::exists(existing) && existing != QDir::rootPath())
+        existing = QFileInfo(existing).path();
+    struct stat status {};
+    return ::stat(QFile::encodeName(existing).constData(), &status) == 0 && isOwn(status);
+}
+
+bool wouldWriteAmongOthersFiles(const QString& directory) {
+    constexpr uid_t root = 0;
+    return ::geteuid() == root && !isOwnPlace(directory);
 }
 
 }  // namespace quietlark

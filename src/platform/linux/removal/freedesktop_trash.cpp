@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include "platform/linux/removal/own_tree.h"
+#include "platform/own_file.h"
 #include "platform/posix/file_status.h"
 
 namespace quietlark {
@@ -60,15 +61,8 @@ Folder openOwnDirectory(const QString& path) {
     });
 }
 
-QString existingPart(QString directory) {
-    while (!QFileInfo::exists(directory) && directory != QDir::rootPath())
-        directory = QFileInfo(directory).path();
-    return directory;
-}
-
 Folder ensureHomeTrash(const QString& dataHome) {
-    if (const Folder above = openOwnDirectory(existingPart(dataHome)); !above)
-        return tl::unexpected(above.error());
+    if (!isOwnPlace(dataHome)) return tl::unexpected(make_error_code(std::errc::permission_denied));
     QDir().mkpath(dataHome);
     return openOwnDirectory(dataHome).and_then([&](const Descriptor& data) {
         ::mkdirat(data.number(), "Trash", 0700);
