@@ -79,9 +79,11 @@ QNetworkReply* HttpExchange::startUpload() {
     auto* body = new UploadBody(m_request.body, sendSmallSegmentsAtOnce);
     QNetworkReply* reply = m_manager.post(request, body);
     body->setParent(reply);
-    // A connection kept from an earlier request may have died unnoticed while the computer slept:
-    // that upload has reached nobody and is sent again, once. Over a connection of its own it is
-    // not: there, silence means that the server has had it.
+    // A connection kept from an earlier request may have died unnoticed while the computer slept.
+    // So that what was said is not lost, an upload that ends unanswered on one is sent again, once.
+    // Qt does not tell whether any of it arrived: a server that fails over a recording on a kept
+    // connection gets it twice. Over a connection of its own it is sent once: there, silence means
+    // that the server has had it.
     body->allowRestart();
     connect(reply, &QNetworkReply::socketStartedConnecting, body, &UploadBody::forbidRestart);
     return reply;
