@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <tl/expected.hpp>
 
@@ -9,6 +10,10 @@ namespace quietlark {
 /// process acts for. Nothing there is no failure; a folder, or what is another user's, stays, and
 /// is one. A failure is the system's description. Any thread.
 tl::expected<void, QString> removeOwnFile(const QString& path);
+
+/// Removes that link, if it still is one to `target`, as it is written in it, and belongs to the
+/// user whom this process acts for. What else is there by now stays. Any thread.
+void removeOwnLink(const QString& path, const QByteArray& target);
 
 /// Whether the directory, or the one that it would be made in where it is not there yet, belongs to
 /// the user whom this process acts for, be it by way of links. Any thread.

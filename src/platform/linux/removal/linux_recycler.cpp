@@ -51,8 +51,8 @@ tl::expected<void, RecycleError> LinuxRecycler::recycle(const QString& bundlePat
     if (const auto objection = objectionTo(bundle)) return tl::unexpected(RecycleError{*objection});
     // Also where the Trash then refuses: all that is left for the user to remove is the bundle.
     const Registration::Traces traces = m_registration.of(bundlePath);
-    for (const QString& link : traces.links)
-        static_cast<void>(removeOwnFile(link));
+    for (const Registration::Link& link : traces.links)
+        removeOwnLink(link.path, link.target);
     const auto moved = m_trash.move(bundle);
     // Refused by the system where there is something in them.
     for (const QString& made : traces.folders) {

@@ -55,14 +55,22 @@ QStringList pathsLike(const QString& pattern) {
     return paths;
 }
 
-/// Where the link ends, also if nothing is there; empty for what is no link, or one in a circle.
-std::filesystem::path endOf(const QString& link) {
-    const std::filesystem::path path(QFile::encodeName(link).toStdString());
+/// The link of that path; its target is empty for what is none.
+Registration::Link readLink(const QString& path) {
     std::error_code failure;
-    const auto target = std::filesystem::read_symlink(path, failure);
-    if (failure) return {};
-    const auto end = std::filesystem::weakly_canonical(path.parent_path() / target, failure);
-    return failure ? std::filesystem::path() : end;
+    const auto target =
+        std::filesystem::read_symlink(QFile::encodeName(path).toStdString(), failure);
+    return {path, QByteArray::fromStdString(target.native())};
+}
+
+/// Where the link ends, also if nothing is there; empty for what is no link, or one in a circle.
+QString endOf(const Registration::Link& link) {
+    if (link.target.isEmpty()) return {};
+    const std::filesystem::path path(QFile::encodeName(link.path).toStdString());
+    std::error_code failure;
+    const auto end =
+        std::filesystem::weakly_canonical(path.parent_path() / link.target.toStdString(), failure);
+    return failure ? QString() : QFile::decodeName(QByteArray::fromStdString(end.native()));
 }
 
 QSet<QString> foldersOnTheWayTo(const QStringList& paths) {
@@ -132,9 +140,9 @@ Registration::Traces Registration::of(const QString& bundlePath) const {
     std::ranges::copy_if(made.links, std::back_inserter(places), isPlaceOfOurs);
     places.removeDuplicates();
     for (const QString& path : places) {
-        const QString end = QFile::decodeName(QByteArray::fromStdString(endOf(path).native()));
-        if (!end.startsWith(bundle + u'/')) continue;
-        traces.links << path;
+        const Link link = readLink(path);
+        if (!endOf(link).startsWith(bundle + u'/')) continue;
+        traces.links.push_back(link);
         // Which systemd makes for a service of its user's, and removes with the last one.
         const QString folder = QFileInfo(path).path();
         if (folder.endsWith(QStringLiteral(".wants"))) traces.folders << folder;

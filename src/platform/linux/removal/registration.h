@@ -1,5 +1,8 @@
 #pragma once
 
+#include <vector>
+
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 
@@ -9,9 +12,13 @@ namespace quietlark {
 /// the user's commands, menus, icons, services and manual pages, and the folders that they are in.
 class Registration {
 public:
+    struct Link {
+        QString path;
+        QByteArray target;  ///< as it is written in the link
+    };
     /// Of one bundle.
     struct Traces {
-        QStringList links;    ///< those that end in the bundle, be it by way of others
+        std::vector<Link> links;  ///< those that end in the bundle, be it by way of others
         QStringList folders;  ///< on the way to a link or the bundle, and made for it; inner first
     };
 
