@@ -33,15 +33,19 @@ bool writeAll(int file, const std::string& content) {
     return write(file, content.data(), content.size()) == static_cast<ssize_t>(content.size());
 }
 
-/// Why the last system call failed, for a user who wonders about the file at `path`.
-std::string reasonFor(const std::string& path) {
-    const int error = errno;
+/// Whether the folder, such as that of everybody's temporary files, keeps us from replacing what is
+/// at `path`: there is a folder, or somebody else's file.
+int errorReplacing(const std::string& path) {
     struct stat present {};
-    const bool isForeign = lstat(path.c_str(), &present) == 0 && present.st_uid != geteuid();
-    // The folder of all users' temporary files lets nobody replace another's.
-    if (isForeign && (error == EPERM || error == EACCES))
-        return "the file there belongs to another user, who has to remove it";
-    return std::strerror(error);
+    struct stat folder {};
+    const auto slash = path.rfind('/');
+    const std::string folderPath = slash == std::string::npos ? "." : path.substr(0, slash + 1);
+    if (lstat(path.c_str(), &present) != 0 || stat(folderPath.c_str(), &folder) != 0) return 0;
+    if (S_ISDIR(present.st_mode)) return EISDIR;
+    const uid_t user = geteuid();
+    const bool isKept = (folder.st_mode & S_ISVTX) != 0 && user != 0 && present.st_uid != user &&
+                        folder.st_uid != user;
+    return isKept ? EPERM : 0;
 }
 
 struct Address {
@@ -119,6 +123,16 @@ void EndpointFileWriter::removeLeftover() const {
     if (address && isDeserted(*address)) unlink(m_path.c_str());
 }
 
+tl::expected<void, std::string> EndpointFileWriter::check() const {
+    if (const int error = errorReplacing(m_path)) return failure(error);
+    std::string temporaryPath = m_path + ".XXXXXX";
+    const int file = mkostemp(temporaryPath.data(), O_CLOEXEC);
+    if (file < 0) return failure(errno);
+    unlink(temporaryPath.c_str());
+    close(file);
+    return {};
+}
+
 tl::expected<void, std::string> EndpointFileWriter::publish(
     const EndpointDescription& description) {
     // The name is new and unpredictable, so no link can lie in wait there; rename() replaces a link
@@ -133,11 +147,20 @@ tl::expected<void, std::string> EndpointFileWriter::publish(
         m_file = file;
         return {};
     }
-    const std::string reason = reasonFor(m_path);
+    const int error = errno;
     if (file >= 0) {
         unlink(temporaryPath.c_str());
         close(file);
     }
+    return failure(error);
+}
+
+tl::unexpected<std::string> EndpointFileWriter::failure(int error) const {
+    struct stat present {};
+    const bool isForeign = lstat(m_path.c_str(), &present) == 0 && present.st_uid != geteuid();
+    const std::string reason = isForeign && (error == EPERM || error == EACCES)
+                                   ? "the file there belongs to another user, who has to remove it"
+                                   : std::strerror(error);
     return tl::unexpected("Cannot write " + m_path + ": " + reason + ".");
 }
 

@@ -26,6 +26,10 @@ public:
     /// address at which certainly nobody listens.
     void removeLeftover() const;
 
+    /// Whether publish() can be expected to succeed, as far as the folder tells beforehand. The
+    /// error is a sentence for the user.
+    [[nodiscard]] tl::expected<void, std::string> check() const;
+
     /// Puts the file there, in place of what was there before, readable by everyone. Never follows
     /// or writes to what somebody else has put into the folder. The error is a sentence for the
     /// user.
@@ -35,6 +39,8 @@ public:
     void withdraw();
 
 private:
+    [[nodiscard]] tl::unexpected<std::string> failure(int error) const;
+
     const std::string m_path;
     // The published file, kept open so that no other file can have its inode number.
     int m_file = -1;

@@ -6,14 +6,21 @@
 
 #include "server/bench.h"
 #include "server/host_description.h"
+#include "server/listening_check.h"
 #include "server/self_test.h"
 #include "server/serial_engine.h"
+#include "server/text_forms.h"
 
 namespace quietlark {
 namespace {
 
 /// Where those who share are found by people who type an address.
 constexpr int usualSharedPort = 8178;
+
+tl::unexpected<std::string> cannotListen(const std::string& host, int port,
+                                         const std::string& reason) {
+    return tl::unexpected("Cannot listen on " + localAddress(host, port) + ": " + reason + ".");
+}
 
 }  // namespace
 
@@ -28,6 +35,7 @@ ServerProgram::ServerProgram(const ServerOptions& options,
 
 ServerProgram::Outcome ServerProgram::serve(const std::stop_token& stop) {
     m_endpointFile.removeLeftover();
+    if (auto place = checkPlace(); !place) return place;
     auto prepared = prepareEngine(stop);
     if (!prepared || stop.stop_requested()) return prepared;
 
@@ -60,13 +68,21 @@ ServerProgram::Outcome ServerProgram::bench(const std::stop_token& stop) {
     return {};
 }
 
+ServerProgram::Outcome ServerProgram::checkPlace() const {
+    const int port = m_options.port.value_or(0);
+    if (const auto obstacle = listeningObstacle(m_options.host, port))
+        return cannotListen(m_options.host, port, *obstacle);
+    return m_endpointFile.check();
+}
+
 ServerProgram::Outcome ServerProgram::prepareEngine(const std::stop_token& stop) {
-    if (m_choice.prefersWhisper()) {
+    if (m_options.engine != ServerOptions::Engine::PocketSphinx) {
         auto used =
             use(m_choice.whisper([this](bool isReady) { m_presence.setReady(isReady); }), stop);
         if (used || stop.stop_requested()) return {};
         if (m_options.engine == ServerOptions::Engine::Whisper) return used;
-        m_log.write(LogLevel::Error, used.error() + " PocketSphinx takes its place.");
+        m_log.write(m_choice.prefersWhisper() ? LogLevel::Error : LogLevel::Info,
+                    used.error() + " PocketSphinx takes its place.");
         m_measured.reset();
         m_engine.reset();
         m_presence.setReady(true);
@@ -89,6 +105,8 @@ ServerProgram::Outcome ServerProgram::use(EngineChoice::Engine engine,
     if (!speed) return tl::unexpected(speed.error());
     // The measured engine may have counted the first, slow time as well.
     m_presence.setSpeed(*speed);
+    m_log.write(LogLevel::Info, "Transcribing with " + m_engine->modelId() + ", " +
+                                    decimals(*speed) + " times as fast as speech.");
     return {};
 }
 
@@ -98,8 +116,7 @@ ServerProgram::Outcome ServerProgram::listen(SpeechServer& server) {
     const int port = m_options.port.value_or(0);
     const auto bound = server.bind(m_options.host, port);
     if (bound) return {};
-    return tl::unexpected("Cannot listen on " + localAddress(m_options.host, port) + ": " +
-                          bound.error() + ".");
+    return cannotListen(m_options.host, port, bound.error());
 }
 
 ServerProgram::Outcome ServerProgram::appear(int port) {

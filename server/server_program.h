@@ -29,6 +29,8 @@ public:
 private:
     using Outcome = tl::expected<void, std::string>;
 
+    // Whether it can be found once it can transcribe; the engine may take minutes to prepare.
+    [[nodiscard]] Outcome checkPlace() const;
     [[nodiscard]] Outcome prepareEngine(const std::stop_token& stop);
     [[nodiscard]] Outcome use(EngineChoice::Engine engine, const std::stop_token& stop);
     [[nodiscard]] Outcome listen(SpeechServer& server);

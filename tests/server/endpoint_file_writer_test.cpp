@@ -167,6 +167,21 @@ TEST_F(EndpointFileWriterTest, AFolderThatIsNotThereIsNamed) {
               "Cannot write /nowhere/quietlark.endpoint: No such file or directory.");
 }
 
+TEST_F(EndpointFileWriterTest, CheckingLeavesNothingBehind) {
+    EXPECT_TRUE(m_writer->check());
+    EXPECT_EQ(filesInFolder(), 0U);
+    EXPECT_TRUE(m_writer->publish(m_description));
+    EXPECT_TRUE(m_writer->check());
+    EXPECT_EQ(filesInFolder(), 1U);
+}
+
+TEST_F(EndpointFileWriterTest, WhatIsInTheWayIsNamedBeforehandAsAfterwards) {
+    ASSERT_TRUE(QDir(m_folder.path()).mkdir(QStringLiteral("quietlark.endpoint")));
+    EXPECT_EQ(m_writer->check().error(), m_writer->publish(m_description).error());
+    EndpointFileWriter nowhere("/nowhere/endpoint");
+    EXPECT_EQ(nowhere.check().error(), nowhere.publish(m_description).error());
+}
+
 TEST_F(EndpointFileWriterTest, AFailureLeavesNothingBehind) {
     ASSERT_TRUE(QDir(m_folder.path()).mkdir(QStringLiteral("quietlark.endpoint")));
     EXPECT_EQ(m_writer->publish(m_description).error(),
@@ -176,16 +191,17 @@ TEST_F(EndpointFileWriterTest, AFailureLeavesNothingBehind) {
     EXPECT_TRUE(exists());
 }
 
-TEST_F(EndpointFileWriterTest, AFileOfAnotherUserIsNamedAsTheReason) {
+TEST_F(EndpointFileWriterTest, AFileOfAnotherUserIsNamedAsTheReasonBeforehandToo) {
     if (geteuid() != 0) GTEST_SKIP() << "Only root can become another user.";
     ASSERT_TRUE(m_writer->publish(m_description));
     ASSERT_EQ(chmod(m_folder.path().toLocal8Bit().constData(), 01777), 0);
     const auto publishAsNobody = [this] {
         constexpr uid_t nobody = 65534;
         if (setuid(nobody) != 0) _exit(2);
+        const auto checked = EndpointFileWriter(m_path).check();
         const auto published = EndpointFileWriter(m_path).publish(m_description);
         std::cerr << (published ? "published" : published.error());
-        _exit(0);
+        _exit(!checked && !published && checked.error() == published.error() ? 0 : 1);
     };
     EXPECT_EXIT(publishAsNobody(), testing::ExitedWithCode(0), "belongs to another user");
     EXPECT_EQ(read(m_path).substr(0, 6), "local=");

@@ -1,5 +1,8 @@
+#include "server/server_program.h"
+
 #include <csignal>
 #include <memory>
+#include <thread>
 
 #include <QFile>
 #include <QFileInfo>
@@ -8,6 +11,7 @@
 #include <QUrl>
 #include <gtest/gtest.h>
 
+#include "fakes/fake_log.h"
 #include "peers/child_process.h"
 #include "server/speech.h"
 #include "support/wait.h"
@@ -187,6 +191,19 @@ TEST_F(ServerProgramTest, TheFileOfAServerThatTookOverStays) {
     EXPECT_TRUE(hasEndpointFile());
     endServer(SIGTERM);
     EXPECT_FALSE(hasEndpointFile());
+}
+
+TEST_F(ServerProgramTest, TheLogTellsWhichEngineTranscribesAndWhyNotWhisper) {
+    const auto settings = [](const std::string&) { return std::nullopt; };
+    const auto options =
+        ServerOptions::parse({"--endpoint-file", m_endpointPath.toStdString()}, settings).value();
+    FakeLog log;
+    ServerProgram server(options, settings, nullptr, log);
+    std::jthread thread([&](const std::stop_token& stop) { EXPECT_TRUE(server.serve(stop)); });
+    EXPECT_TRUE(waitUntil([&] { return log.contains("Transcribing with pocketsphinx"); },
+                          std::chrono::seconds(60)));
+    EXPECT_TRUE(log.contains("There is no program whisper-server."));
+    EXPECT_TRUE(log.contains("PocketSphinx takes its place."));
 }
 
 TEST_F(ServerProgramTest, WithoutAnEndpointFileItDoesNotServe) {

@@ -63,6 +63,19 @@ TEST(WhisperServerTest, AWhisperThatWasAskedForAndDoesNotWorkIsAFailure) {
     EXPECT_FALSE(server.hasEndpointFile());
 }
 
+TEST(WhisperServerTest, WhatCannotBeServedIsSaidBeforeTheModelIsLoaded) {
+    WhisperServer first("");
+    first.start();
+    WhisperServer second("load 1000000");
+    const auto failsWith = [&](const QString& argument) {
+        return second.start({argument}).empty() &&
+               waitUntil([&] { return !second.process().isRunning(); }) &&
+               second.process().exitCode() == 1;
+    };
+    EXPECT_TRUE(failsWith(QStringLiteral("--port=%1").arg(first.port())));
+    EXPECT_TRUE(failsWith(QStringLiteral("--endpoint-file=/nowhere/endpoint")));
+}
+
 TEST(WhisperServerTest, ItMayBeStoppedWhileTheModelIsLoaded) {
     WhisperServer server("load 100000");
     server.launch();
