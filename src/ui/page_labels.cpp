@@ -13,7 +13,7 @@ namespace {
 
 /// Begins its lines where those of the page begin. A QLabel goes by its text, which in a mirrored
 /// window may be one that reads from left to right.
-class PlainLabel final : public QLabel {
+class PlainLabel : public QLabel {
 public:
     explicit PlainLabel(const QString& text) : QLabel(text) {
         setTextFormat(Qt::PlainText);
@@ -31,6 +31,25 @@ private:
     void align() {
         if (alignment().testFlag(Qt::AlignHCenter)) return;
         setAlignment(QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft) | Qt::AlignVCenter);
+    }
+};
+
+class Caption final : public PlainLabel {
+public:
+    explicit Caption(const QString& text) : PlainLabel(text) { tint(); }
+
+protected:
+    void changeEvent(QEvent* event) override {
+        if (event->type() == QEvent::PaletteChange) tint();
+        PlainLabel::changeEvent(event);
+    }
+
+private:
+    /// The desktop may turn dark at any time.
+    void tint() {
+        QPalette own;
+        own.setColor(QPalette::WindowText, secondaryText(palette()));
+        setPalette(own);
     }
 };
 
@@ -57,11 +76,7 @@ QLabel* makeTitle(const QString& text) {
 }
 
 QLabel* makeCaption(const QString& text) {
-    QLabel* label = makePlainLabel(text);
-    QPalette palette = label->palette();
-    palette.setColor(QPalette::WindowText, secondaryText(palette));
-    label->setPalette(palette);
-    return label;
+    return new Caption(text);
 }
 
 QPushButton* makeButton(const QString& text) {
