@@ -33,30 +33,33 @@ AppWindow::AppWindow(QWidget* content, const WindowStyle& style, int margin)
     m_scroll->setWidget(page);
     m_scroll->viewport()->installEventFilter(this);
     setCentralWidget(m_scroll);
-    fit();
+    setFixedSize(sizeFor(userScreen()));
 }
 
 bool AppWindow::eventFilter(QObject*, QEvent* event) {
     // The content has changed what it needs.
-    if (event->type() == QEvent::LayoutRequest) fit();
+    if (event->type() != QEvent::LayoutRequest) return false;
+    if (isVisible())
+        // A window that breathes distracts.
+        setFixedSize(sizeFor(*screen()).expandedTo(size()));
+    else
+        setFixedSize(sizeFor(userScreen()));
     return false;
 }
 
 void AppWindow::showEvent(QShowEvent* event) {
     if (!event->spontaneous()) {
-        fit();
+        const QScreen& screen = userScreen();
+        setFixedSize(sizeFor(screen));
         QRect place(QPoint(), size());
-        place.moveCenter(userScreen().availableGeometry().center());
+        place.moveCenter(screen.availableGeometry().center());
         move(place.topLeft());
     }
     QMainWindow::showEvent(event);
 }
 
-/// Never smaller than it was while it is shown: a window that breathes distracts.
-void AppWindow::fit() {
-    const QSize room = userScreen().availableGeometry().size() - usualFrame;
-    const QSize least = isVisible() ? size() : QSize();
-    setFixedSize(neededSize().expandedTo(least).boundedTo(room));
+QSize AppWindow::sizeFor(const QScreen& screen) const {
+    return neededSize().boundedTo(screen.availableGeometry().size() - usualFrame);
 }
 
 QSize AppWindow::neededSize() const {

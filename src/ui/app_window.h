@@ -9,7 +9,8 @@ class QScrollArea;
 namespace quietlark {
 
 /// One of the application's windows: framed and sized as its style says, larger only where the
-/// user's font or language needs it. Comes up in the middle of the screen that the user is at.
+/// user's font or language needs it, and while it is shown never smaller than it was. Comes up in
+/// the middle of the screen that the user is at.
 class AppWindow final : public QMainWindow {
     Q_OBJECT
 
@@ -23,7 +24,7 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
-    void fit();
+    [[nodiscard]] QSize sizeFor(const QScreen& screen) const;
     [[nodiscard]] QSize neededSize() const;
     [[nodiscard]] const QScreen& userScreen() const;
 
