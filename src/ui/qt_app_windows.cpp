@@ -39,11 +39,12 @@ void QtAppWindows::showServerTab() {
 void QtAppWindows::close(Kind kind) {
     const auto found = m_windows.find(kind);
     if (found == m_windows.end()) return;
-    const auto window = std::move(found->second);
+    QWidget* const window = found->second.release();
     m_windows.erase(found);
+    window->removeEventFilter(this);
     window->close();
     // Later, since an event of the window's own may be what closes it.
-    window->removeEventFilter(this);
+    window->deleteLater();
 }
 
 bool QtAppWindows::isVisible(Kind kind) const {

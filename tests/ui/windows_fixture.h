@@ -42,7 +42,10 @@ protected:
         return *m_windows;
     }
 
-    void closeAll() { m_windows.reset(); }
+    void closeAll() {
+        m_windows.reset();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
 
     /// The one window on the screen.
     QWidget& shown() {

@@ -1,4 +1,5 @@
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QPushButton>
 
 #include "ui/held_key.h"
@@ -217,6 +218,18 @@ TEST_F(WindowsTest, TheTrialBoxTakesText) {
     press(Qt::Key_Return);
     EXPECT_EQ(box->toPlainText(), text("hello\n"));
     EXPECT_EQ(onboardingsFinished, 0);
+}
+
+TEST_F(WindowsTest, AWindowThatIsClosedByWhatItSaysItselfGoesOnlyAfterwards) {
+    openOnboarding(OnboardingModel::doneStep);
+    const QPointer view = shown().findChild<OnboardingView*>();
+    QObject::connect(view, &OnboardingView::finished, &windows(),
+                     [this] { windows().close(Kind::onboarding); });
+    button("Finish")->click();
+    ASSERT_TRUE(view);
+    EXPECT_FALSE(view->isVisible());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_FALSE(view);
 }
 
 TEST_F(WindowsTest, EverythingThatTakesTheFocusHasAName) {
