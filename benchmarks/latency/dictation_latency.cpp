@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <memory>
 #include <vector>
 
 #include <QCoreApplication>
@@ -109,27 +110,47 @@ struct Figures {
     std::size_t uploadBytes = 0;
 };
 
+/// The program as it runs on a desktop, with a window that has the focus.
+class Desk {
+public:
+    Desk(const XServer& xServer, const PulseServer& audio) : m_xServer(xServer) {
+        m_environment = xServer.environment();
+        m_environment.insert(audio.environment());
+        m_environment.insert(QStringLiteral("DISPLAY"), QString::fromLatin1(xServer.display()));
+        m_environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home.path());
+    }
+
+    [[nodiscard]] bool start(int port) {
+        Config config;
+        config.serverMode = ManualRemote{QStringLiteral("127.0.0.1"), port, QStringLiteral("http")};
+        if (!config.save(m_home.filePath(QStringLiteral("Quietlark/config.json")))) return false;
+        // By a name that is no terminal's, so that the paste shortcut has the key V in it.
+        const QString name = QStringLiteral("typing");
+        m_window = m_xServer.start(QStringLiteral("xterm"),
+                                   {QStringLiteral("-name"), name, QStringLiteral("-class"), name});
+        m_program = std::make_unique<ChildProcess>(QStringLiteral(QUIETLARK_PROGRAM), QStringList(),
+                                                   m_environment);
+        if (!m_program->readLine().startsWith("ready")) return false;
+        m_xServer.run(QStringLiteral("xdotool"),
+                      {QStringLiteral("search"), QStringLiteral("--sync"),
+                       QStringLiteral("--onlyvisible"), QStringLiteral("--class"), name,
+                       QStringLiteral("windowfocus"), QStringLiteral("--sync")});
+        return true;
+    }
+
+private:
+    const XServer& m_xServer;
+    QTemporaryDir m_home;
+    QProcessEnvironment m_environment;
+    std::unique_ptr<ChildProcess> m_window;
+    std::unique_ptr<ChildProcess> m_program;
+};
+
 /// Dictates again and again with the real program.
 bool measureProgram(const XServer& xServer, const PulseServer& audio, Figures& figures) {
     SpeechServer server;
-    QTemporaryDir home;
-    Config config;
-    config.serverMode =
-        ManualRemote{QStringLiteral("127.0.0.1"), server.port(), QStringLiteral("http")};
-    if (!config.save(home.filePath(QStringLiteral("Quietlark/config.json")))) return false;
-
-    auto environment = xServer.environment();
-    environment.insert(audio.environment());
-    environment.insert(QStringLiteral("DISPLAY"), QString::fromLatin1(xServer.display()));
-    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home.path());
-    const auto window = xServer.start(QStringLiteral("xterm"),
-                                      {QStringLiteral("-fa"), QStringLiteral("monospace")});
-    ChildProcess program(QStringLiteral(QUIETLARK_PROGRAM), {}, environment);
-    if (!program.readLine().startsWith("ready")) return false;
-    xServer.run(QStringLiteral("xdotool"),
-                {QStringLiteral("search"), QStringLiteral("--sync"),
-                 QStringLiteral("--onlyvisible"), QStringLiteral("--class"),
-                 QStringLiteral("xterm"), QStringLiteral("windowfocus"), QStringLiteral("--sync")});
+    Desk desk(xServer, audio);
+    if (!desk.start(server.port())) return false;
 
     PasteChord chord;
     const KeyWatcher watcher(xServer.display(), [&chord](auto... event) { chord.onKey(event...); });
