@@ -55,8 +55,8 @@ outcomes() {
         END { report() }'
 }
 
-# Prints the skipped and the failed ones, then the summary as the very last line. False when anything failed, and
-# when no test ran.
+# Prints the skipped and the failed ones, then the summary as the very last line. False when anything
+# failed, and when no test ran.
 print_summary() {
     local line
     [ "$tests" -gt 0 ] || failures+=("finding a test to run")

@@ -16,7 +16,8 @@ start_microphone() {
     wait_until 30 pactl set-default-source microphone ||
         fail "The sound server ($(sound_server)) did not start."
     # A room nobody listens to falls asleep, and takes up to two seconds to wake.
-    start listener parec --latency-msec=20 --device=microphone --format=s16le --rate=16000 --channels=1 /dev/null
+    start listener parec --latency-msec=20 --device=microphone --format=s16le --rate=16000 \
+        --channels=1 /dev/null
     wait_until 30 microphone_is_recorded_by 1 || fail "The virtual microphone does not work."
 }
 

@@ -29,7 +29,8 @@ open_mousepad "$document"
 start clipboard_owner "$bin/end_to_end_clipboard_owner"
 wait_for_line 60 "$started_id" "$logs/clipboard_owner.out" copied || fail 'Nothing was copied.'
 save_clipboard "$desktop/before"
-[ "$(stat -c %s "$desktop/before/image-png")" -gt 8000000 ] || fail "The picture has only $(stat -c %s "$desktop/before/image-png") bytes."
+picture_bytes=$(stat -c %s "$desktop/before/image-png")
+[ "$picture_bytes" -gt 8000000 ] || fail "The picture has only $picture_bytes bytes."
 
 say_holding_hotkey 'one two three four five'
 expect 'the text' 'one two three four five' "$(text_of_editor "$document")"
