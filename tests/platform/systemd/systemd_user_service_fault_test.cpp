@@ -1,5 +1,7 @@
+#include <map>
 #include <optional>
 
+#include <QDBusObjectPath>
 #include <QDBusVirtualObject>
 
 #include "platform/systemd/systemd_fixture.h"
@@ -9,15 +11,24 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// A service manager that answers everything with the same error, or nothing at all.
+/// A service manager that answers everything, or all but what it does, with the same error, or not
+/// at all.
 class OddManager final : public QDBusVirtualObject {
 public:
     std::optional<QString> errorName;
+    std::map<QString, QVariant> answers;  ///< by method
+    QStringList calls;                    ///< of those methods
 
     [[nodiscard]] QString introspect(const QString&) const override { return {}; }
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
         message.setDelayedReply(true);
-        if (errorName) bus.send(message.createErrorReply(*errorName, QStringLiteral("Odd.")));
+        const auto answer = answers.find(message.member());
+        if (answer != answers.end()) {
+            calls << message.member();
+            bus.send(message.createReply(answer->second));
+        } else if (errorName) {
+            bus.send(message.createErrorReply(*errorName, QStringLiteral("Odd.")));
+        }
         return true;
     }
 };
@@ -44,8 +55,20 @@ protected:
     QString complaintOfRegistering() {
         ServiceAnswer answer;
         const auto pending = service->registerService(answer.remember());
+        return complaintIn(answer);
+    }
+    QString complaintOfTakingBack() {
+        ServiceAnswer answer;
+        const auto pending = service->unregisterService(answer.remember());
+        return complaintIn(answer);
+    }
+    static QString complaintIn(ServiceAnswer& answer) {
         const auto result = answer.await();
         return result ? QString() : result.error().localizedDescription;
+    }
+    void managerDisables() {
+        manager.answers[QStringLiteral("DisableUnitFiles")] = QVariantList();
+        manager.answers[QStringLiteral("Reload")] = QVariant(true);
     }
 
     ChildProcess daemon{
@@ -83,6 +106,34 @@ TEST_F(SystemdUserServiceFaultTest, AnOddErrorIsPassedOn) {
     follow();
     EXPECT_EQ(service->status(), ServiceStatus::notFound);
     EXPECT_TRUE(complaintOfRegistering().endsWith(QStringLiteral("Odd.")));
+}
+
+TEST_F(SystemdUserServiceFaultTest, WhatCannotBeStoppedIsDisabledAndTheReasonTold) {
+    manager.errorName = QStringLiteral("com.example.Strange");
+    managerDisables();
+    startManager();
+    follow();
+    EXPECT_TRUE(complaintOfTakingBack().endsWith(QStringLiteral("Odd.")));
+    EXPECT_EQ(manager.calls,
+              (QStringList{QStringLiteral("DisableUnitFiles"), QStringLiteral("Reload")}));
+}
+
+TEST_F(SystemdUserServiceFaultTest, WhatTakesTooLongToStopIsDisabled) {
+    manager.answers[QStringLiteral("GetUnitFileState")] = QStringLiteral("enabled");
+    manager.answers[QStringLiteral("StopUnit")] =
+        QVariant::fromValue(QDBusObjectPath(QStringLiteral("/org/freedesktop/systemd1/job/1")));
+    managerDisables();
+    startManager();
+    follow(2s);
+    EXPECT_TRUE(complaintOfTakingBack().contains(QStringLiteral("takes too long")));
+    EXPECT_TRUE(manager.calls.contains(QStringLiteral("DisableUnitFiles")));
+}
+
+TEST_F(SystemdUserServiceFaultTest, WhatCannotBeDisabledIsReported) {
+    manager.errorName = QStringLiteral("com.example.Strange");
+    startManager();
+    follow();
+    EXPECT_TRUE(complaintOfTakingBack().endsWith(QStringLiteral("Odd.")));
 }
 
 }  // namespace

@@ -104,6 +104,15 @@ TEST_F(SystemdUserServiceTest, UnregisteringStopsAndDisables) {
     EXPECT_FALSE(systemctl("is-active"));
 }
 
+TEST_F(SystemdUserServiceTest, WhatMayNotBeStoppedIsDisabled) {
+    install(QStringLiteral("[Unit]\nRefuseManualStop=yes\n") + sleepingUnit);
+    ASSERT_TRUE(systemctl("enable --now"));
+    follow();
+    EXPECT_FALSE(unregisterIt());
+    EXPECT_EQ(service->status(), ServiceStatus::notRegistered);
+    EXPECT_FALSE(systemctl("is-enabled"));
+}
+
 TEST_F(SystemdUserServiceTest, ALinkedUnitIsNotRegisteredUntilItIsEnabled) {
     installAsLink();
     follow();

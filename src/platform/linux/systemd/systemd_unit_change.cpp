@@ -20,7 +20,7 @@ std::deque<SystemdUnitChange::Step> SystemdUnitChange::stepsFor(Kind kind, const
                 reload,
                 {QStringLiteral("StartUnit"), {unit, mode}, true}};
     }
-    return {{QStringLiteral("StopUnit"), {unit, mode}, true},
+    return {{QStringLiteral("StopUnit"), {unit, mode}, true, true},
             {QStringLiteral("DisableUnitFiles"), {units, untilReboot}},
             reload};
 }
@@ -38,22 +38,21 @@ SystemdUnitChange::SystemdUnitChange(SystemdManager& manager, QString unit, Kind
 }
 
 void SystemdUnitChange::takeNextStep() {
-    if (m_steps.empty()) return finish({});
-    const Step& step = m_steps.front();
+    if (m_steps.empty()) return finish(m_result);
+    m_step = std::move(m_steps.front());
+    m_steps.pop_front();
     m_endedJobs.clear();
-    m_manager.call(step.method, step.arguments, this,
+    m_manager.call(m_step.method, m_step.arguments, this,
                    [this](const QDBusMessage& reply) { onReply(reply); });
 }
 
 void SystemdUnitChange::onReply(const QDBusMessage& reply) {
-    const Step step = std::move(m_steps.front());
-    m_steps.pop_front();
     if (reply.type() == QDBusMessage::ErrorMessage) {
         const bool wasNeverLoaded =
             reply.errorName() == QLatin1String("org.freedesktop.systemd1.NoSuchUnit");
-        const bool isStop = step.method == QLatin1String("StopUnit");
+        const bool isStop = m_step.method == QLatin1String("StopUnit");
         if (!(isStop && wasNeverLoaded)) return fail(sentenceForError(m_unit, reply));
-    } else if (step.queuesJob) {
+    } else if (m_step.queuesJob) {
         return awaitJob(reply.arguments().value(0).value<QDBusObjectPath>().path());
     }
     takeNextStep();
@@ -75,28 +74,34 @@ void SystemdUnitChange::onJobRemoved(const QString& job, const QString& result) 
 }
 
 void SystemdUnitChange::finishJob(const QString& result) {
-    m_jobTimer.stop();
-    m_job.clear();
+    forgetJob();
     if (result != QLatin1String("done")) return fail(sentenceForJobResult(m_unit, result));
     takeNextStep();
 }
 
 // A request that is under way ends by itself, with an error.
 void SystemdUnitChange::onManagerGone() {
-    if (!m_job.isEmpty()) fail(sentenceForLostManager());
+    if (!m_job.isEmpty()) finish(tl::unexpected(ServiceError{sentenceForLostManager()}));
 }
 
 void SystemdUnitChange::onJobUnfinished() {
+    forgetJob();
     fail(sentenceForUnfinishedJob(m_unit));
 }
 
 void SystemdUnitChange::fail(const QString& sentence) {
-    finish(tl::unexpected(ServiceError{sentence}));
+    m_result = tl::unexpected(ServiceError{sentence});
+    if (m_step.mayFail) return takeNextStep();
+    finish(m_result);
+}
+
+void SystemdUnitChange::forgetJob() {
+    m_jobTimer.stop();
+    m_job.clear();
 }
 
 void SystemdUnitChange::finish(const tl::expected<void, ServiceError>& result) {
-    m_jobTimer.stop();
-    m_job.clear();
+    forgetJob();
     m_onFinished(result);
 }
 

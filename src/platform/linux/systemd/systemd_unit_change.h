@@ -21,11 +21,11 @@ class SystemdUnitChange final : public QObject {
 public:
     enum class Kind {
         Register,    ///< enable, start
-        Unregister,  ///< stop, disable
+        Unregister,  ///< stop, disable; also what does not stop
     };
 
     /// `onFinished` runs once, never before begin() returns, and may not destroy the change at
-    /// once. What was done before a failure stays done.
+    /// once. What was done before a failure, or after it, stays done.
     SystemdUnitChange(SystemdManager& manager, QString unit, Kind kind,
                       RegisteredService::Done onFinished);
 
@@ -36,6 +36,7 @@ private:
         QString method;
         QVariantList arguments;
         bool queuesJob = false;  ///< done only when the job that it answers has ended
+        bool mayFail = false;    ///< which is told in the end, when the other steps are done
     };
 
     static std::deque<Step> stepsFor(Kind kind, const QString& unit);
@@ -47,13 +48,16 @@ private:
     void finishJob(const QString& result);
     void onManagerGone();
     void onJobUnfinished();
+    void forgetJob();
     void finish(const tl::expected<void, ServiceError>& result);
     void fail(const QString& sentence);
 
     SystemdManager& m_manager;
     const QString m_unit;
     const RegisteredService::Done m_onFinished;
-    std::deque<Step> m_steps;                ///< that are left, the one under way first
+    std::deque<Step> m_steps;  ///< that are left
+    Step m_step;               ///< the one under way
+    tl::expected<void, ServiceError> m_result;
     QString m_job;                           ///< that is awaited
     std::map<QString, QString> m_endedJobs;  ///< and their results, while ours has no name yet
     QTimer m_jobTimer;
