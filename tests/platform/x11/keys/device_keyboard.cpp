@@ -50,6 +50,17 @@ void DeviceKeyboard::grab() {
                                 nullptr));
 }
 
+void DeviceKeyboard::unplug() {
+    constexpr std::string_view name = "Device Enabled";
+    const XcbReply<xcb_intern_atom_reply_t> enabled(
+        xcb_intern_atom_reply(xcb(), xcb_intern_atom(xcb(), 1, name.size(), name.data()), nullptr));
+    constexpr std::uint8_t no = 0;
+    xcb_input_xi_change_property(xcb(), m_device, XCB_PROP_MODE_REPLACE,
+                                 XCB_INPUT_PROPERTY_FORMAT_8_BITS, enabled->atom, XCB_ATOM_INTEGER,
+                                 1, &no);
+    finish();
+}
+
 void DeviceKeyboard::move(std::uint8_t xKeycode, bool pressed) {
     const int type =
         m_firstEvent + (pressed ? XCB_INPUT_DEVICE_KEY_PRESS : XCB_INPUT_DEVICE_KEY_RELEASE);

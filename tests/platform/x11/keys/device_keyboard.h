@@ -28,6 +28,9 @@ public:
     /// Takes all keys for this program alone, as a menu or a screen locker does.
     void grab();
 
+    /// The server does without the device from now on, as when its plug is pulled.
+    void unplug();
+
     [[nodiscard]] xcb_connection_t* xcb() const { return m_connection.get(); }
 
 private:

@@ -123,6 +123,16 @@ TEST_F(X11KeyEventSourceTest, KnowsTheModifiersThatWereHeldBeforeItBegan) {
                                 {Kind::FlagsChanged, key_code::rightControl, 0}}));
 }
 
+TEST_F(X11KeyEventSourceTest, WhatIsHeldOnAKeyboardThatIsUnpluggedIsLetGoOf) {
+    watch();
+    press(KEY_LEFTCTRL);
+    press(KEY_SPACE);
+    m_keyboard.unplug();
+    EXPECT_TRUE(waitUntil([this] { return m_events.size() >= 4; }));
+    EXPECT_EQ(m_events.size(), 4u);
+    EXPECT_EQ(m_events.back().modifierFlags, 0u);
+}
+
 TEST_F(X11KeyEventSourceTest, TheSameModifierOfTwoKeyboardsIsHeldUntilBothLetGo) {
     watch();
     press(KEY_LEFTCTRL);
