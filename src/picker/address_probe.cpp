@@ -7,9 +7,8 @@
 
 namespace quietlark {
 
-AddressProbe::AddressProbe(ServerResolver& resolver, Scheduler& scheduler,
-                           std::function<void()> onChange)
-    : m_resolver(resolver), m_scheduler(scheduler), m_onChange(std::move(onChange)) {}
+AddressProbe::AddressProbe(ServerResolver& resolver, Scheduler& scheduler, Observer observer)
+    : m_resolver(resolver), m_scheduler(scheduler), m_observer(std::move(observer)) {}
 
 void AddressProbe::check(const QString& baseAddress) {
     cancel();
@@ -20,8 +19,7 @@ void AddressProbe::check(const QString& baseAddress) {
 void AddressProbe::reset() {
     cancel();
     m_address.clear();
-    m_askedAddress.clear();
-    setState({});
+    publish({}, {});
 }
 
 void AddressProbe::cancel() {
@@ -35,24 +33,25 @@ void AddressProbe::waitFor(std::chrono::milliseconds delay) {
 }
 
 void AddressProbe::ask() {
-    m_askedAddress = m_address;
     m_question = m_resolver.resolveServer(
         m_address, ServerResolver::usualTimeout,
         [this](const std::optional<ResolvedServer>& server) { onAnswer(server); });
-    setState({ProbeState::Case::probing});
+    publish({ProbeState::Case::probing}, m_address);
 }
 
 void AddressProbe::onAnswer(const std::optional<ResolvedServer>& server) {
-    if (server) return setState({ProbeState::Case::ok, server->model});
+    if (server) return publish({ProbeState::Case::ok, server->model}, m_askedAddress);
     waitFor(retryDelay);
-    setState({ProbeState::Case::failed});
+    publish({ProbeState::Case::failed}, m_askedAddress);
 }
 
-void AddressProbe::setState(ProbeState state) {
-    if (state == m_state) return;
+void AddressProbe::publish(ProbeState state, const QString& askedAddress) {
+    if (state == m_state && askedAddress == m_askedAddress) return;
+    m_observer.willChange();
     m_state = std::move(state);
+    m_askedAddress = askedAddress;
     // The last thing done here, as the observer may begin another check.
-    m_onChange();
+    m_observer.changed();
 }
 
 }  // namespace quietlark

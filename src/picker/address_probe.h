@@ -38,15 +38,21 @@ public:
     static constexpr std::chrono::milliseconds typingPause{500};
     static constexpr std::chrono::milliseconds retryDelay{3000};
 
-    /// `onChange` is called at every change of state().
-    AddressProbe(ServerResolver& resolver, Scheduler& scheduler, std::function<void()> onChange);
+    /// Who follows state() and isUpToDate().
+    struct Observer {
+        std::function<void()> willChange;  ///< called just before a change
+        std::function<void()> changed;     ///< and just after it
+    };
+
+    AddressProbe(ServerResolver& resolver, Scheduler& scheduler, Observer observer);
 
     [[nodiscard]] const ProbeState& state() const { return m_state; }
 
     /// Whether state() is about the address that is to be checked, and not about one before it.
     [[nodiscard]] bool isUpToDate() const { return m_askedAddress == m_address; }
 
-    /// Checks this address, and no other any more. The state stays until the check begins.
+    /// Checks this address, and no other any more. The state stays until the check begins. That the
+    /// state may not be up to date any more goes without an announcement: it is the caller's news.
     void check(const QString& baseAddress);
 
     /// There is nothing to check.
@@ -59,11 +65,11 @@ private:
     void waitFor(std::chrono::milliseconds delay);
     void ask();
     void onAnswer(const std::optional<ResolvedServer>& server);
-    void setState(ProbeState state);
+    void publish(ProbeState state, const QString& askedAddress);
 
     ServerResolver& m_resolver;
     Scheduler& m_scheduler;
-    const std::function<void()> m_onChange;
+    const Observer m_observer;
     ProbeState m_state;
     QString m_address;
     QString m_askedAddress;

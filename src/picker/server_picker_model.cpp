@@ -15,31 +15,29 @@ ServerPickerModel::ServerPickerModel(AppState& appState, const ServerRanker& ran
     : m_appState(appState),
       m_ranker(ranker),
       m_options(options),
-      m_probe(resolver, scheduler, [this] { Q_EMIT changed(); }) {
-    connect(&appState.discoveredServers(), &DiscoveredServers::remotesChanged, this,
-            &ServerPickerModel::changed);
+      m_probe(resolver, scheduler,
+              {.willChange = [this] { Q_EMIT willChange(); },
+               .changed = [this] { Q_EMIT changed(); }}) {
+    const auto& servers = appState.discoveredServers();
+    connect(&servers, &DiscoveredServers::remotesWillChange, this, &ServerPickerModel::willChange);
+    connect(&servers, &DiscoveredServers::remotesChanged, this, &ServerPickerModel::changed);
 }
 
 void ServerPickerModel::setPhase(Phase phase) {
-    if (phase == m_phase) return;
-    m_phase = phase;
-    Q_EMIT changed();
+    publish(m_phase, phase);
 }
 
 void ServerPickerModel::setCardSelection(CardChoice choice) {
-    if (choice == m_cardSelection) return;
-    m_cardSelection = choice;
-    Q_EMIT changed();
+    publish(m_cardSelection, choice);
 }
 
 void ServerPickerModel::setListSelection(const std::optional<QString>& id) {
-    if (id == m_listSelection) return;
-    m_listSelection = id;
-    Q_EMIT changed();
+    publish(m_listSelection, id);
 }
 
 void ServerPickerModel::setManualHostPort(const QString& text) {
     if (text == m_manualHostPort) return;
+    Q_EMIT willChange();
     m_manualHostPort = text;
     scheduleProbe();
     Q_EMIT changed();
@@ -130,9 +128,17 @@ void ServerPickerModel::leave() {
         case WayOut::finishLater:
             return commitFinishLater();
         case WayOut::cancel:
-            ++m_cancelTick;
+            publish(m_cancelTick, m_cancelTick + 1);
             Q_EMIT cancelTickChanged(m_cancelTick);
     }
+}
+
+template <typename Field>
+void ServerPickerModel::publish(Field& field, const Field& value) {
+    if (value == field) return;
+    Q_EMIT willChange();
+    field = value;
+    Q_EMIT changed();
 }
 
 ServerPickerModel::CardChoice ServerPickerModel::initialCardSelection() const {
@@ -172,7 +178,7 @@ void ServerPickerModel::store(const ServerMode& mode) {
 }
 
 void ServerPickerModel::announceCommit() {
-    ++m_commitTick;
+    publish(m_commitTick, m_commitTick + 1);
     Q_EMIT commitTickChanged(m_commitTick);
 }
 

@@ -83,12 +83,17 @@ public:
     void leave();
 
 Q_SIGNALS:
+    /// Any of the above may answer something else once changed() is emitted, which follows at once.
+    void willChange();
     /// Any of the above may answer something else now.
     void changed();
+    /// After changed(). What follows from them may be the end of the model.
     void commitTickChanged(qint64 tick);
     void cancelTickChanged(qint64 tick);
 
 private:
+    template <typename Field>
+    void publish(Field& field, const Field& value);
     [[nodiscard]] CardChoice initialCardSelection() const;
     [[nodiscard]] std::optional<MDNSBrowser::Entry> selectedRemote() const;
     /// manualHostPort(), where it is an address.

@@ -162,6 +162,18 @@ TEST_F(ManualEntryTest, TheResultBeforeAnEditStaysButDoesNotConnect) {
     EXPECT_TRUE(model().canConnect());
 }
 
+TEST_F(ManualEntryTest, ACheckThatFollowsAnotherDuringItIsAnnounced) {
+    type("other:1");
+    scheduler.advance(500ms);
+    type("box:8001");
+    ASSERT_EQ(probe(), Probe::probing);
+    ASSERT_FALSE(model().manualProbeIsUpToDate());
+    const QSignalSpy announced(&model(), &ServerPickerModel::changed);
+    scheduler.advance(500ms);
+    EXPECT_TRUE(model().manualProbeIsUpToDate());
+    EXPECT_EQ(announced.count(), 1);
+}
+
 TEST_F(ManualEntryTest, TheSameTextAgainIsNoEdit) {
     type("box:8001");
     scheduler.advance(400ms);

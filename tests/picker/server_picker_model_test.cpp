@@ -251,17 +251,5 @@ TEST_F(ServerPickerModelTest, AHostThatAllowsToFinishLaterHearsOfACommit) {
     EXPECT_EQ(storedMode(), ServerMode(Unconfigured{}));
 }
 
-TEST_F(ServerPickerModelTest, EveryChangeIsAnnouncedOnce) {
-    int announced = 0;
-    QObject::connect(&model(), &ServerPickerModel::changed, &model(), [&] { ++announced; });
-    for (int twice = 0; twice < 2; ++twice) {
-        model().setPhase(Phase::manualEntry);
-        model().setCardSelection(Card::network);
-        model().setListSelection(idOf("Box"));
-        type("box");
-    }
-    EXPECT_EQ(announced, 4);
-}
-
 }  // namespace
 }  // namespace quietlark

@@ -229,6 +229,16 @@ TEST_F(ServerPickerViewTest, AnEditTakesTheResultBeforeItAway) {
     EXPECT_EQ(model().commitTick(), 0);
 }
 
+TEST_F(ServerPickerViewTest, AnAddressThatIsEditedDuringItsCheckIsSeenToBeCheckedAgain) {
+    showManualEntry();
+    write("box:1");
+    scheduler.advance(500ms);
+    write("2");
+    EXPECT_FALSE(reads("Checking…"));
+    scheduler.advance(500ms);
+    EXPECT_TRUE(reads("Checking…"));
+}
+
 TEST_F(ServerPickerViewTest, TheConfiguredAddressIsPrefilledAndChecked) {
     saved(manual("box", 443, "https"));
     showManualEntry();
