@@ -32,8 +32,21 @@ public:
 
 using Transcriber::plainLine;
 
+const QString dash = QStringLiteral("-");
+
 QString addressOf(const MDNSBrowser::Entry& server) {
     return QStringLiteral("%1:%2").arg(plainLine(server.host), QString::number(server.port));
+}
+
+/// Its address where nothing of the name would show.
+QString nameOf(const MDNSBrowser::Entry& server) {
+    const QString name = plainLine(server.name);
+    return name.isEmpty() ? addressOf(server) : name;
+}
+
+QString orDash(const std::optional<QString>& text) {
+    const QString line = plainLine(text.value_or(QString()));
+    return line.isEmpty() ? dash : line;
 }
 
 /// A network may claim any speed; one that is out of this world takes no more room than others.
@@ -49,7 +62,7 @@ struct RecommendationSentence {
     }
     QString operator()(const RecommendRemote& recommendation) const {
         const MDNSBrowser::Entry& server = recommendation.remote;
-        return Sentences::recommended(plainLine(server.name) + u'\t' + addressOf(server));
+        return Sentences::recommended(nameOf(server) + u'\t' + addressOf(server));
     }
     QString operator()(const ShowList&) const { return Sentences::noComparison(); }
 };
@@ -93,15 +106,11 @@ bool ServersCommand::printAll() {
 }
 
 QString ServersCommand::line(const MDNSBrowser::Entry& server) const {
-    const QString dash = QStringLiteral("-");
     const QString speed = server.rtf ? speedOf(*server.rtf) : dash;
     const auto hint = m_ranker.speedHint(server);
-    return QStringList{plainLine(server.name),
-                       addressOf(server),
-                       speed,
-                       plainLine(server.model.value_or(dash)),
-                       plainLine(server.cpu.value_or(dash)),
-                       hint ? ServerCopy::hint(*hint) : dash}
+    return QStringList{
+        nameOf(server),       addressOf(server),  speed,
+        orDash(server.model), orDash(server.cpu), hint ? ServerCopy::hint(*hint) : dash}
         .join(u'\t');
 }
 

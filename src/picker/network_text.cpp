@@ -12,4 +12,13 @@ QString shownNetworkText(const QString& text, qsizetype maxLength) {
     return shown + u'…';
 }
 
+QString shownAddress(const QString& host, qint64 port) {
+    return shownNetworkText(host) + u':' + QString::number(port);
+}
+
+QString shownServerName(const QString& name, const QString& host, qint64 port) {
+    const QString shown = shownNetworkText(name);
+    return shown.isEmpty() ? shownAddress(host, port) : shown;
+}
+
 }  // namespace quietlark

@@ -1,5 +1,7 @@
 #include "picker/server_step.h"
 
+#include <QHash>
+
 #include "picker/network_text.h"
 #include "picker/server_picker_model.h"
 #include "platform/scheduler.h"
@@ -51,12 +53,16 @@ QString ServerStep::networkCardCopy() const {
 
 std::vector<ServerRow> ServerStep::rows() const {
     std::vector<ServerRow> rows;
+    QHash<QString, int> rowsOfName;
     for (const MDNSBrowser::Entry& entry : m_appState.discoveredServers().remotes()) {
-        const QString address = entry.host + u':' + QString::number(entry.port);
+        const QString name = shownServerName(entry.name, entry.host, entry.port);
         const auto hint = m_ranker.speedHint(entry);
-        rows.push_back({entry.id(), shownNetworkText(entry.name, maxNameLength),
-                        shownNetworkText(address, maxNameLength),
+        ++rowsOfName[name];
+        rows.push_back({entry.id(), name, shownAddress(entry.host, entry.port),
                         hint ? ServerCopy::hint(*hint) : QString()});
+    }
+    for (ServerRow& row : rows) {
+        if (rowsOfName[row.name] > 1 && row.name != row.address) row.detail = row.address;
     }
     return rows;
 }

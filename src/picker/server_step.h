@@ -20,6 +20,8 @@ struct ServerRow {
     QString name;     ///< one line of plain text
     QString address;  ///< HOST:PORT, one line of plain text
     QString hint;     ///< empty for none
+    /// The address where another row has the same name; else empty.
+    QString detail = {};
 
     bool operator==(const ServerRow&) const = default;
 };
@@ -32,8 +34,6 @@ class ServerStep final : public QObject {
 public:
     /// After this long without a server the search says that there is none.
     static constexpr std::chrono::milliseconds initialScan{3000};
-    /// What a server can put on a line.
-    static constexpr qsizetype maxNameLength = 100;
 
     ServerStep(ServerPickerModel& model, AppState& appState, const ServerRanker& ranker,
                Scheduler& scheduler);
@@ -45,7 +45,8 @@ public:
 
     [[nodiscard]] QString localCardCopy() const;
     [[nodiscard]] QString networkCardCopy() const;
-    /// All servers, in the order of their last answers. The network's search bounds their number.
+    /// All servers, in the order of their last answers. The network's search bounds the number of
+    /// services, and MDNSBrowser how often each is among them.
     [[nodiscard]] std::vector<ServerRow> rows() const;
 
 Q_SIGNALS:

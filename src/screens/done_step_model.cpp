@@ -11,18 +11,12 @@ namespace {
 
 using Case = DoneReadiness::Case;
 
-constexpr qsizetype maxShownLength = 100;
-
 QString startingServer() {
     return DoneStepModel::tr("Starting transcription server…");
 }
 
 QString hostAndPort(const QString& host, std::int64_t port) {
     return QStringLiteral("%1:%2").arg(host, QString::number(port));
-}
-
-QString shown(const QString& address) {
-    return shownNetworkText(address, maxShownLength);
 }
 
 }  // namespace
@@ -104,13 +98,13 @@ void DoneStepModel::probe() {
         return ask(QStringLiteral("http://") + address, remoteTimeout,
                    {Case::failed, tr("%1 isn't responding. It may be offline or on a different "
                                      "network.")
-                                      .arg(shown(address))});
+                                      .arg(shownAddress(remote->host, remote->port))});
     }
     const auto& remote = std::get<ManualRemote>(mode);
     const QString scheme = remote.scheme.isEmpty() ? QStringLiteral("http") : remote.scheme;
     const QString address = hostAndPort(remote.host, remote.port);
     ask(scheme + QStringLiteral("://") + address, remoteTimeout,
-        {Case::failed, tr("%1 isn't responding.").arg(shown(address))});
+        {Case::failed, tr("%1 isn't responding.").arg(shownAddress(remote.host, remote.port))});
 }
 
 void DoneStepModel::probeLocal() {

@@ -42,7 +42,6 @@ std::optional<QString> slowLocalNote(std::optional<double> measuredRTF) {
 std::optional<QString> slowRemoteNote(const QString& instance,
                                       const std::vector<MDNSBrowser::Entry>& remotes,
                                       const HardwareProfile& hardware) {
-    constexpr qsizetype maxShownLength = 100;
     const auto server = std::ranges::find(remotes, instance, &MDNSBrowser::Entry::name);
     if (server == remotes.end() || !server->rtf || !(*server->rtf < slowThreshold))
         return std::nullopt;
@@ -52,7 +51,8 @@ std::optional<QString> slowRemoteNote(const QString& instance,
     return Texts::tr(
                "%1 takes about %2 the audio length to transcribe. You can switch to this Mac "
                "later in Preferences.")
-        .arg(shownNetworkText(server->name, maxShownLength), lengthMultiple(*server->rtf));
+        .arg(shownServerName(server->name, server->host, server->port),
+             lengthMultiple(*server->rtf));
 }
 
 }  // namespace quietlark

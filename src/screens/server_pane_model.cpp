@@ -6,20 +6,7 @@
 
 namespace quietlark {
 
-namespace {
-
-/// As much as fits on a line or two.
-constexpr qsizetype maxShownLength = 100;
-
-QString shown(const QString& text) {
-    return shownNetworkText(text, maxShownLength);
-}
-
-QString addressOf(const QString& host, std::int64_t port) {
-    return shown(QStringLiteral("%1:%2").arg(host, QString::number(port)));
-}
-
-}  // namespace
+namespace {}  // namespace
 
 ServerPaneModel::ServerPaneModel(AppState& appState, ServerResolver& resolver,
                                  EndpointFile endpointFile, Scheduler& scheduler)
@@ -55,9 +42,10 @@ void ServerPaneModel::disappear() {
 
 ServerPaneModel::Hero ServerPaneModel::hero() const {
     if (const auto* remote = std::get_if<DiscoveredRemote>(&m_mode))
-        return remoteHero(shown(remote->instance), addressOf(remote->host, remote->port));
+        return remoteHero(shownServerName(remote->instance, remote->host, remote->port),
+                          shownAddress(remote->host, remote->port));
     if (const auto* remote = std::get_if<ManualRemote>(&m_mode)) {
-        const QString address = addressOf(remote->host, remote->port);
+        const QString address = shownAddress(remote->host, remote->port);
         return remoteHero(address, address);
     }
     if (std::holds_alternative<Unconfigured>(m_mode))

@@ -1,6 +1,7 @@
 #include "transcription/transcriber.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -16,6 +17,28 @@ bool isHarmful(QChar character) {
     const bool isEmbeddingOrOverride = code >= 0x202a && code <= 0x202e;
     const bool isIsolate = code >= 0x2066 && code <= 0x2069;
     return isControl || isEmbeddingOrOverride || isIsolate;
+}
+
+/// Takes no room, and says nothing to the letters beside it.
+bool isWidthless(QChar character) {
+    constexpr std::u16string_view marks = u"\u00ad\u061c\u200b\u200e\u200f\ufeff";
+    const char16_t code = character.unicode();
+    return marks.find(code) != marks.npos || (code >= 0x2060 && code <= 0x2064);
+}
+
+/// Whether the character shows by itself. Some letters and a symbol are empty by design.
+bool isSeen(char32_t character) {
+    constexpr std::u32string_view empty = U"\u115f\u1160\u2800\u3164\uffa0";
+    switch (QChar::category(character)) {
+        case QChar::Mark_NonSpacing:
+        case QChar::Mark_Enclosing:
+        case QChar::Other_Format:
+        case QChar::Other_Surrogate:
+        case QChar::Separator_Space:
+            return false;
+        default:
+            return empty.find(character) == empty.npos;
+    }
 }
 
 }  // namespace
@@ -75,7 +98,10 @@ QString withoutControlCharacters(const QString& text) {
 
 QString plainLine(const QString& text) {
     // Folded first, as a line end is a control character too.
-    return withoutControlCharacters(text.simplified());
+    QString line = withoutControlCharacters(text.simplified());
+    line.removeIf(isWidthless);
+    const auto characters = line.toUcs4();
+    return std::ranges::any_of(characters, isSeen) ? line.simplified() : QString();
 }
 
 }  // namespace quietlark::Transcriber

@@ -42,7 +42,10 @@ using FormFields = std::vector<std::pair<QString, QString>>;
 /// written right-to-left text and reorder nothing but the punctuation next to them.
 [[nodiscard]] QString withoutControlCharacters(const QString& text);
 
-/// The same as one line: what ends a line or a column separates words there, as a blank does.
+/// The same as one line, for names that somebody else chose: what ends a line or a column separates
+/// words there, as a blank does. Marks of no width (U+00AD, U+061C, U+200B, U+200E, U+200F, U+2060
+/// to U+2064, U+FEFF) are left out, as two names could differ in nothing else; the joiners U+200C
+/// and U+200D stay, as they shape the letters beside them. Empty where nothing would show.
 [[nodiscard]] QString plainLine(const QString& text);
 
 }  // namespace Transcriber

@@ -14,7 +14,9 @@ QString toolTip(const ServerRow& row) {
 }
 
 QString spoken(const ServerRow& row) {
-    return row.hint.isEmpty() ? row.name : QStringLiteral("%1, %2").arg(row.name, row.hint);
+    QStringList parts{row.name, row.detail, row.hint};
+    parts.removeAll(QString());
+    return parts.join(QStringLiteral(", "));
 }
 
 }  // namespace
@@ -48,7 +50,10 @@ QVariant ServerListModel::data(const QModelIndex& index, int role) const {
         case Qt::AccessibleTextRole:
             return spoken(row);
         case Qt::AccessibleDescriptionRole:
-            return row.address;
+            // Said once only.
+            return row.detail.isEmpty() ? row.address : QString();
+        case detailRole:
+            return row.detail;
         case hintRole:
             return row.hint;
         case idRole:

@@ -17,6 +17,7 @@ public:
     enum Role {
         hintRole = Qt::UserRole,  ///< how fast, or empty
         idRole,                   ///< which server
+        detailRole,               ///< what tells it from others of its name, or empty
     };
 
     /// Brings the rows to these, no two of which have one id. What is gone is removed, what is new

@@ -5,7 +5,7 @@
 namespace quietlark {
 
 /// Draws a row of ServerListModel: a radio mark, the name, which gives way when there is little
-/// room, and the hint at the far end. Text is drawn as it is, whatever it looks like.
+/// room, its detail, and the hint at the far end. Text is drawn as it is, whatever it looks like.
 class ServerRowDelegate final : public QStyledItemDelegate {
     Q_OBJECT
 

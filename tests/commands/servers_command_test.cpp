@@ -113,6 +113,17 @@ TEST_F(ServersCommandTest, ANameThatSpansLinesKeepsItsWordsApart) {
     EXPECT_TRUE(m_results.str().starts_with("Big Box\t"));
 }
 
+TEST_F(ServersCommandTest, NoColumnIsEmptyWhereNothingOfATextShows) {
+    run();
+    m_network.publish(QStringLiteral("\u200b"),
+                      {QStringLiteral("h.local"), 1,
+                       ResolvedService::TxtRecord{{"model", "\u200e"}, {"rtf", "20"}}});
+    searchEnds();
+    EXPECT_EQ(m_results.str(),
+              "h.local:1\th.local:1\t20.0x\t-\t-\tFaster than this Mac\n"
+              "Recommended: h.local:1\th.local:1\n");
+}
+
 TEST_F(ServersCommandTest, ASpeedBeyondAllReasonTakesNoMoreRoom) {
     run();
     publish(QStringLiteral("Box"), "1e308");

@@ -22,6 +22,20 @@ TEST(NetworkTextTest, ControlCharactersAndOverridesAreLeftOut) {
     EXPECT_EQ(shown(QStringLiteral("a\u001b[31mb\u202ec")), "a[31mbc");
 }
 
+TEST(NetworkTextTest, ALongHostLeavesThePortWhole) {
+    EXPECT_EQ(shownAddress(QStringLiteral("box.local"), 8001), QStringLiteral("box.local:8001"));
+    const QString address = shownAddress(QString(250, u'a'), 65535);
+    EXPECT_TRUE(address.endsWith(QStringLiteral("a…:65535")));
+    EXPECT_EQ(address.size(), maxShownLength + 6);
+}
+
+TEST(NetworkTextTest, AServerWithoutANameThatShowsIsCalledByItsAddress) {
+    const QString host = QStringLiteral("box.local");
+    EXPECT_EQ(shownServerName(QStringLiteral("Box"), host, 1), QStringLiteral("Box"));
+    for (const QString& name : {QString(), QStringLiteral("\x07"), QStringLiteral("\u200b\u200d")})
+        EXPECT_EQ(shownServerName(name, host, 1), QStringLiteral("box.local:1"));
+}
+
 TEST(NetworkTextTest, MarkupStaysText) {
     EXPECT_EQ(shown(QStringLiteral("<b>x</b>")), "<b>x</b>");
 }

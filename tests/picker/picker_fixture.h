@@ -55,6 +55,11 @@ protected:
         hostName.answer(text("this-computer"));
         scheduler.runPosted();
     }
+    /// The server of that name answers from another host as well.
+    void publishAlsoAt(const char* name, const char* host) {
+        browser.reportResolved(text(name), {text(host), 8001, std::nullopt});
+        scheduler.runPosted();
+    }
     void withdraw(const char* name) {
         browser.withdraw(text(name));
         scheduler.runPosted();

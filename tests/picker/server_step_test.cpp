@@ -2,6 +2,7 @@
 
 #include <QSignalSpy>
 
+#include "picker/network_text.h"
 #include "picker/picker_fixture.h"
 
 namespace quietlark {
@@ -21,6 +22,12 @@ protected:
         QStringList all;
         for (const ServerRow& row : step().rows())
             all << row.name;
+        return all;
+    }
+    QStringList details() {
+        QStringList all;
+        for (const ServerRow& row : step().rows())
+            all << row.detail;
         return all;
     }
 
@@ -122,9 +129,30 @@ TEST_F(ServerStepTest, WhatTheNetworkSendsIsShownAsOneBoundedLine) {
     const auto rows = step().rows();
     ASSERT_EQ(rows.size(), 1U);
     EXPECT_TRUE(rows[0].name.startsWith(text("<b>Evil</b> yyy")));
-    EXPECT_EQ(rows[0].name.size(), ServerStep::maxNameLength);
-    EXPECT_EQ(rows[0].address.size(), ServerStep::maxNameLength);
+    EXPECT_EQ(rows[0].name.size(), maxShownLength);
+    EXPECT_TRUE(rows[0].address.endsWith(text("…:8001")));
     EXPECT_TRUE(rows[0].id.startsWith(name));
+}
+
+TEST_F(ServerStepTest, ServersOfOneNameAreToldApartByTheirAddresses) {
+    publish("Box");
+    publish("Attic");
+    EXPECT_EQ(details(), (QStringList{QString(), QString()}));
+    publishAlsoAt("Box", "other.local");
+    publish("Att\u200bic");
+    EXPECT_EQ(names(), (QStringList{text("Box"), text("Attic"), text("Box"), text("Attic")}));
+    EXPECT_EQ(details(), (QStringList{text("box.local:8001"), text("attic.local:8001"),
+                                      text("other.local:8001"), text("attic.local:8001")}));
+    withdraw("Box");
+    withdraw("Att\u200bic");
+    EXPECT_EQ(details(), QStringList{QString()});
+}
+
+TEST_F(ServerStepTest, AServerWithoutANameThatShowsIsCalledByItsAddress) {
+    publish("\u200b");
+    const auto rows = step().rows();
+    EXPECT_EQ(rows[0].name, text(".local:8001"));
+    EXPECT_EQ(rows[0].detail, QString());
 }
 
 TEST_F(ServerStepTest, EveryServerOfACrowdIsInTheList) {

@@ -160,6 +160,22 @@ TEST(TranscriberTest, RightToLeftTextKeepsItsMarks) {
     EXPECT_EQ(harmless(hebrew), hebrew);
 }
 
+TEST(TranscriberTest, ANameLosesItsMarksOfNoWidthAndKeepsItsJoiners) {
+    EXPECT_EQ(Transcriber::plainLine(QStringLiteral("B\u200bo\u2060x\u200e\u200f\ufeff \u061c 2")),
+              QStringLiteral("Box 2"));
+    for (const QString& text : {QStringLiteral("\u0645\u06cc\u200c\u062e\u0648\u0627\u0647\u0645"),
+                                QStringLiteral("👩‍👩‍👧 e\u0301 ❤️")})
+        EXPECT_EQ(Transcriber::plainLine(text), text);
+}
+
+TEST(TranscriberTest, ANameOfWhichNothingShowsIsEmpty) {
+    for (const QString& text : {QString(), QStringLiteral("\x01\x02"), QStringLiteral("\u200b"),
+                                QStringLiteral("\u200e\u200f"), QStringLiteral("\u200d \u200c"),
+                                QStringLiteral("\u061c\u2060\ufeff"), QStringLiteral("\u3164"),
+                                QStringLiteral("\u2800 \ufe0f"), QStringLiteral("\U000e0041")})
+        EXPECT_EQ(Transcriber::plainLine(text), QString()) << text.toUtf8().toHex().constData();
+}
+
 TEST(TranscriberTest, CharactersOfEveryPlaneAreKept) {
     const QString text = QStringLiteral("äß 日本語 👩‍👩‍👧 e\u0301");
     EXPECT_EQ(harmless(text), text);

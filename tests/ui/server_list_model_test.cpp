@@ -26,6 +26,12 @@ protected:
             letters += model.index(i).data(ServerListModel::idRole).toString().toStdString();
         return letters;
     }
+    /// What a screen reader says of a row, and what it adds.
+    QStringList said(const ServerRow& row) {
+        model.setRows({row});
+        return {model.index(0).data(Qt::AccessibleTextRole).toString(),
+                model.index(0).data(Qt::AccessibleDescriptionRole).toString()};
+    }
 
     ServerListModel model;
     QAbstractItemModelTester tester{&model, QAbstractItemModelTester::FailureReportingMode::Fatal};
@@ -76,6 +82,15 @@ TEST_F(ServerListModelTest, AScreenReaderHearsTheHint) {
     model.setRows({row(QStringLiteral("a"), QStringLiteral("Faster than this Mac"))});
     EXPECT_EQ(model.index(0).data(Qt::AccessibleTextRole),
               QStringLiteral("Name of a, Faster than this Mac"));
+}
+
+TEST_F(ServerListModelTest, AScreenReaderHearsWhatTellsServersOfOneNameApart) {
+    ServerRow box = row(QStringLiteral("a"), QStringLiteral("Faster than this Mac"));
+    EXPECT_EQ(said(box),
+              (QStringList{QStringLiteral("Name of a, Faster than this Mac"), box.address}));
+    box.detail = box.address;
+    EXPECT_EQ(said(box), (QStringList{QStringLiteral("Name of a, a.local:1, Faster than this Mac"),
+                                      QString()}));
 }
 
 TEST_F(ServerListModelTest, MarkupInANameIsEscapedInTheToolTip) {

@@ -65,6 +65,20 @@ TEST_P(ServerPickerPicturesTest, TheListFromEmptyToFull) {
     take("list-many");
 }
 
+TEST_P(ServerPickerPicturesTest, TheListWithServersOfOneName) {
+    showList();
+    const char* const longName =
+        "A server with a name that is nearly as long as a window is wide, or even longer";
+    for (const char* name : {"Box", longName}) {
+        publish(name, "20.0");
+        publishAlsoAt(name, "other.local");
+        publishAlsoAt(name, "a-host-that-has-quite-a-long-name-and.a-domain.example.com");
+    }
+    publish("\u200b", "5.0");
+    model().setListSelection(text("Box|other.local:8001"));
+    take("list-same-names");
+}
+
 TEST_P(ServerPickerPicturesTest, TheAddressAndItsCheck) {
     serverAnswersAt("http://box:2");
     showManualEntry();
