@@ -115,6 +115,8 @@ void MDNSBrowser::didResolve(const FoundService& service, const ResolvedService&
     Entry entry = entryOf(service, answer);
     const QString id = entry.id();
     std::erase_if(m_entries, [&](const Entry& older) { return older.id() == id; });
+    if (std::ranges::count(m_entries, entry.name, &Entry::name) >= maxEntriesPerName)
+        m_entries.erase(std::ranges::find(m_entries, entry.name, &Entry::name));
     m_entries.push_back(std::move(entry));
     reportEntries();
 }

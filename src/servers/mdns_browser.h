@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <map>
 #include <optional>
@@ -30,6 +31,10 @@ public:
 
         bool operator==(const Entry&) const = default;
     };
+
+    /// So many hosts and ports of one name are kept; then the oldest answer makes room, so that a
+    /// server that keeps changing fills no list.
+    static constexpr std::ptrdiff_t maxEntriesPerName = 10;
 
     explicit MDNSBrowser(ServiceBrowserBackend& backend);
     MDNSBrowser(const MDNSBrowser&) = delete;

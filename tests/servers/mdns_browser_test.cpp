@@ -187,6 +187,18 @@ TEST_F(MDNSBrowserTest, TheSameNameOnOtherHostsOrPortsStandsSideBySide) {
     EXPECT_EQ(entries().size(), 3U);
 }
 
+TEST_F(MDNSBrowserTest, AServerThatKeepsChangingPushesOutItsOwnOldestAnswersOnly) {
+    start();
+    publish(kitchen, at("pi.local", 8001));
+    publish(office, at("box.local", 1));
+    for (int port = 2; port <= 100; ++port)
+        network.reportResolved(office, at("box.local", port));
+    EXPECT_EQ(entries().size(), 1U + MDNSBrowser::maxEntriesPerName);
+    EXPECT_EQ(entries().front().name, kitchen);
+    EXPECT_EQ(entries()[1].port, 101 - MDNSBrowser::maxEntriesPerName);
+    EXPECT_EQ(entries().back().port, 100);
+}
+
 TEST_F(MDNSBrowserTest, ARemovalTakesAllEntriesOfTheName) {
     start();
     publish(office, at("box.local", 8001));
