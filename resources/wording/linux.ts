@@ -143,9 +143,12 @@
         <source>1 server, slower than this Mac.</source>
         <translation>1 server, slower than this computer.</translation>
     </message>
-    <message>
-        <source>%1 servers, all slower than this Mac.</source>
-        <translation>%1 servers, all slower than this computer.</translation>
+    <message numerus="yes">
+        <source>%n servers, all slower than this Mac.</source>
+        <translation>
+            <numerusform>%n server, slower than this computer.</numerusform>
+            <numerusform>%n servers, all slower than this computer.</numerusform>
+        </translation>
     </message>
     <message>
         <source>Faster than this Mac</source>

@@ -41,10 +41,10 @@ QString ServerCopy::networkCard(const ServerRecommendation& recommendation, std:
         return isLocal(recommendation) ? Sentences::tr("1 server, slower than this Mac.")
                                        : Sentences::tr("1 server found.");
     }
-    const QString several = isLocal(recommendation)
-                                ? Sentences::tr("%1 servers, all slower than this Mac.")
-                                : Sentences::tr("%1 servers found.");
-    return several.arg(remoteCount);
+    const int count = static_cast<int>(remoteCount);
+    return isLocal(recommendation)
+               ? Sentences::tr("%n servers, all slower than this Mac.", nullptr, count)
+               : Sentences::tr("%n servers found.", nullptr, count);
 }
 
 QString ServerCopy::hint(SpeedHint hint) {

@@ -103,5 +103,12 @@ TEST(WordingTest, TheWordsOfThisSystemAreInForce) {
     EXPECT_EQ(QCoreApplication::translate("HotkeyDisplay", "⌘", "joined"), QStringLiteral("Super"));
 }
 
+TEST(WordingTest, ACountOfServersIsWordedWithItsNumber) {
+    useWordingOfThisSystem(*QCoreApplication::instance());
+    EXPECT_EQ(QCoreApplication::translate("ServerCopy", "%n servers, all slower than this Mac.",
+                                          nullptr, 12),
+              QStringLiteral("12 servers, all slower than this computer."));
+}
+
 }  // namespace
 }  // namespace quietlark
