@@ -3,6 +3,7 @@
 #include <QHideEvent>
 #include <QLineEdit>
 #include <QShowEvent>
+#include <QStyle>
 #include <QVBoxLayout>
 
 #include "picker/server_picker_model.h"
@@ -41,6 +42,7 @@ ManualEntryPage::ManualEntryPage(ServerPickerModel& model)
     m_address->setInputMethodHints(Qt::ImhUrlCharactersOnly | Qt::ImhNoPredictiveText |
                                    Qt::ImhNoAutoUppercase);
     setFocusProxy(m_address);
+    alignAddress();
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
     layout->addWidget(makeHeading(heading));
@@ -61,6 +63,13 @@ void ManualEntryPage::refresh() {
     describeAddress();
 }
 
+/// At the side where the page's lines begin. A field goes by its text, which in a mirrored window
+/// still reads from left to right.
+void ManualEntryPage::alignAddress() {
+    m_address->setAlignment(QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft) |
+                            Qt::AlignAbsolute | Qt::AlignVCenter);
+}
+
 /// The user is still in the address field: there a screen reader tells what becomes of the address.
 void ManualEntryPage::describeAddress() {
     const QString news = m_probe->text();
@@ -68,6 +77,11 @@ void ManualEntryPage::describeAddress() {
     // Set to what it is, it would be told again.
     if (m_address->accessibleDescription() != description)
         m_address->setAccessibleDescription(description);
+}
+
+void ManualEntryPage::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::LayoutDirectionChange) alignAddress();
+    QWidget::changeEvent(event);
 }
 
 void ManualEntryPage::showEvent(QShowEvent* event) {

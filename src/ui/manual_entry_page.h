@@ -20,10 +20,12 @@ public:
     void refresh();
 
 protected:
+    void changeEvent(QEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
 
 private:
+    void alignAddress();
     void describeAddress();
 
     ServerPickerModel& m_model;

@@ -85,6 +85,16 @@ TEST_P(ServerPickerLookTest, EveryLineBeginsWhereThePageDoes) {
             const int gap = isMirrored() ? label->rect().right() - ink.right() : ink.left();
             EXPECT_LE(gap, bearing) << label->text().toStdString();
         }
+        for (QLineEdit* field : visible<QLineEdit>()) {
+            for (const char* typed : {"", "box:8001"}) {
+                field->setText(text(typed));
+                const QRect inside = field->rect().adjusted(4, 4, -4, -4);
+                const QRect ink = inkIn(*field, side(inside, inside.width() / 2, true));
+                EXPECT_FALSE(ink.isEmpty()) << typed;
+                const QRect far = side(inside, inside.width() / 4, false);
+                EXPECT_TRUE(*typed != '\0' || inkIn(*field, far).isEmpty());
+            }
+        }
     });
 }
 
