@@ -18,10 +18,11 @@ ServerListPage::ServerListPage(ServerPickerModel& model, ServerStep& step)
     : m_model(model),
       m_step(step),
       m_content(new QStackedWidget),
+      m_empty(makeEmptyState()),
       m_list(new ServerListView),
       m_otherAddress(new QPushButton(tr("Enter another address"))) {
     setUpList();
-    m_content->addWidget(makeEmptyState());
+    m_content->addWidget(m_empty);
     m_content->addWidget(m_list);
     m_otherAddress->setAutoDefault(true);
     giveAir(*m_otherAddress);
@@ -47,8 +48,9 @@ void ServerListPage::refresh() {
     keepInPlace(before);
 
     const bool isEmpty = m_rows.rowCount() == 0;
-    m_content->setCurrentIndex(isEmpty ? 0 : 1);
-    setFocusProxy(isEmpty ? static_cast<QWidget*>(m_otherAddress) : m_list);
+    // Hands the focus on, so that the keyboard is the list's as soon as there is a server.
+    m_content->setCurrentWidget(isEmpty ? m_empty : m_list);
+    setFocusProxy(m_content->currentWidget());
 }
 
 QWidget* ServerListPage::makeEmptyState() {
@@ -56,7 +58,7 @@ QWidget* ServerListPage::makeEmptyState() {
     auto* layout = new QVBoxLayout(empty);
     QLabel* label = makePlainLabel(tr("Looking for servers…"));
     label->setAlignment(Qt::AlignCenter);
-    // It has the focus when the last server goes from under it.
+    // It has the focus while there is no server.
     empty->setAccessibleName(label->text());
     layout->addStretch();
     layout->addWidget(label);

@@ -38,6 +38,7 @@ private:
     ServerStep& m_step;
     ServerListModel m_rows;
     QStackedWidget* m_content;
+    QWidget* m_empty;
     QListView* m_list;
     QPushButton* m_otherAddress;
     bool m_isRefreshing = false;

@@ -125,11 +125,29 @@ TEST_F(ServerListPageTest, WhatIsChosenHasTheFocusWhateverTheNetworkDoes) {
             answerAgain(name);
         }
         if (names().isEmpty()) continue;
-        list().setFocus();
+        ASSERT_TRUE(list().hasFocus()) << "step " << step;
         press(std::array{Qt::Key_Down, Qt::Key_Up, Qt::Key_Space}[next(3)]);
         ASSERT_EQ(currentName(), selectedName()) << "step " << step;
         ASSERT_EQ(model().listSelection(), idOf(selectedName().toUtf8().constData()));
     }
+}
+
+TEST_F(ServerListPageTest, TheListHasTheKeyboardAsSoonAsThereIsAServer) {
+    showList();
+    EXPECT_EQ(QApplication::focusWidget()->accessibleName(), text("Looking for servers…"));
+    publish("A");
+    EXPECT_TRUE(list().hasFocus());
+    press(Qt::Key_Down);
+    EXPECT_EQ(selectedName(), text("A"));
+}
+
+TEST_F(ServerListPageTest, WhereTheUserIsElsewhereTheFirstServerLeavesTheKeyboardThere) {
+    showList();
+    press(Qt::Key_Tab);
+    QWidget* const elsewhere = QApplication::focusWidget();
+    publish("A");
+    EXPECT_EQ(QApplication::focusWidget(), elsewhere);
+    EXPECT_FALSE(list().hasFocus());
 }
 
 TEST_F(ServerListPageTest, TheListHasTheKeyboardAgainWhenServersComeBack) {

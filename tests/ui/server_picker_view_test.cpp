@@ -77,6 +77,7 @@ TEST_F(ServerPickerViewTest, TheKeyboardAloneLeadsToAServer) {
 TEST_F(ServerPickerViewTest, TheKeyboardAloneLeadsToAnAddress) {
     serverAnswersAt("http://box:8001");
     showList();
+    press(Qt::Key_Tab);
     press(Qt::Key_Space);
     ASSERT_EQ(model().phase(), Phase::manualEntry);
     EXPECT_TRUE(address().hasFocus());
