@@ -66,6 +66,11 @@ HttpResponse notToBeRetried(HttpResponse response) {
     return response;
 }
 
+HttpResponse tooLong() {
+    return errorResponse(
+        413, {.message = "The recording is longer than this server takes.", .parameter = "file"});
+}
+
 HttpResponse failure(EngineError error) {
     switch (error) {
         case EngineError::Stopping:
@@ -78,6 +83,8 @@ HttpResponse failure(EngineError error) {
             return unavailableResponse("The speech engine is not running.");
         case EngineError::CannotTranslate:
             return badFieldResponse("translate", "This server's speech engine does not translate.");
+        case EngineError::TooLong:
+            return tooLong();
         case EngineError::TimedOut:
             return notToBeRetried(errorResponse(
                 503, {.message = "The recording took too long to transcribe.", .code = "timeout"}));
@@ -178,9 +185,7 @@ HttpResponse HttpApi::transcribe(const TranscriptionForm& form, std::function<bo
         WavFile::parse({reinterpret_cast<const std::uint8_t*>(form.file.data()), form.file.size()});
     if (!wav) return badFieldResponse("file", wav.error().description);
     const double seconds = static_cast<double>(wav->frames()) / wav->sampleRateHz();
-    if (seconds > static_cast<double>(m_settings.limits.audio.count()))
-        return errorResponse(413, {.message = "The recording is longer than this server takes.",
-                                   .parameter = "file"});
+    if (seconds > static_cast<double>(m_settings.limits.audio.count())) return tooLong();
 
     auto transcript = m_engine.transcribe(
         {.samples = SpeechSamples([&wav] { return wav->convertedTo(SpeechEngine::sampleRateHz); }),

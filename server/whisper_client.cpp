@@ -125,6 +125,8 @@ tl::expected<Transcript, EngineError> WhisperClient::transcribe(const SpeechRequ
     if (!answer && std::chrono::steady_clock::now() >= request.deadline)
         return tl::unexpected(EngineError::TimedOut);
     if (!answer) return tl::unexpected(EngineError::Unavailable);
+    // Some versions take no more than an hour or so.
+    if (answer->status == 413) return tl::unexpected(EngineError::TooLong);
     auto transcript = parseWhisperAnswer(answer->body);
     if (answer->status != 200 || !transcript) return tl::unexpected(EngineError::Failed);
     const auto samples = static_cast<double>(request.samples.get().size());

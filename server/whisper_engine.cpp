@@ -43,9 +43,10 @@ tl::expected<Transcript, EngineError> WhisperEngine::transcribe(const SpeechRequ
         isEnglishOnly(m_modelId) ? "en" : whisperLanguage(request.language).value_or("auto");
     auto transcript = WhisperClient(child->address).transcribe(request, language);
     // It finishes, or drops, what nobody waits for by itself.
-    if (transcript || transcript.error() == EngineError::Failed ||
-        transcript.error() == EngineError::Abandoned)
-        return transcript;
+    const bool isWell = transcript || transcript.error() == EngineError::Failed ||
+                        transcript.error() == EngineError::TooLong ||
+                        transcript.error() == EngineError::Abandoned;
+    if (isWell) return transcript;
     // It hangs or it died, perhaps of this recording, which is therefore not tried again.
     m_supervisor.replace(*child);
     return m_supervisor.isStopping() ? tl::unexpected(EngineError::Stopping) : transcript;

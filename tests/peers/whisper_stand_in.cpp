@@ -6,10 +6,12 @@
 //   answer MILLISECONDS   takes that long for a recording
 //   exit STATUS           ends at once
 //   speed FACTOR          takes as long for a recording as its length divided by this
-//   old 1                 knows no /health, and listens only when it is ready
+//   late 1                listens only when it is ready
+//   old 1                 listens only when it is ready, and knows no /health
 //
 // The first sample of a recording says what happens to it: 101 ends the program, 102 makes it hang,
-// 103 gives a broken answer, 104 an error, 105 text that is no UTF-8, 106 kills the program.
+// 103 gives a broken answer, 104 an error, 105 text that is no UTF-8, 106 kills the program, 107 is
+// too long.
 
 #include <algorithm>
 #include <array>
@@ -31,7 +33,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-enum FirstSample { EndsIt = 101, HangsIt, BrokenAnswer, ErrorAnswer, BrokenText, KillsIt };
+enum FirstSample { EndsIt = 101, HangsIt, BrokenAnswer, ErrorAnswer, BrokenText, KillsIt, TooLong };
 
 std::map<std::string, std::string> optionsFrom(int argc, char** argv) {
     std::map<std::string, std::string> options;
@@ -96,7 +98,7 @@ public:
         });
         const auto ready = std::chrono::steady_clock::now() + time("load");
         const bool isOld = m_behaviour["old"] > 0;
-        if (isOld) std::this_thread::sleep_until(ready);
+        if (isOld || m_behaviour["late"] > 0) std::this_thread::sleep_until(ready);
         if (!isOld) {
             m_server.Get((path + "/health").c_str(), [ready](const auto&, auto& out) {
                 const bool isReady = std::chrono::steady_clock::now() >= ready;
@@ -139,6 +141,10 @@ private:
         if (first == EndsIt) std::quick_exit(3);
         if (first == KillsIt) std::raise(SIGKILL);
         if (first == HangsIt) pause();
+        if (first == TooLong) {
+            out.status = 413;
+            return;
+        }
         if (first == BrokenText) segments.back() += "\xe3\x81";
         if (first == ErrorAnswer) out.status = 500;
         if (first == ErrorAnswer || first == BrokenAnswer)

@@ -23,6 +23,7 @@ constexpr std::int16_t hangsIt = 102;
 constexpr std::int16_t brokenAnswer = 103;
 constexpr std::int16_t errorAnswer = 104;
 constexpr std::int16_t brokenText = 105;
+constexpr std::int16_t tooLong = 107;
 
 /// The engine with the stand-in as its child.
 class WhisperEngineTest : public testing::Test {
@@ -136,6 +137,20 @@ TEST_F(WhisperEngineTest, TheFirstRecordingWaitsForASlowStart) {
 TEST_F(WhisperEngineTest, AnOlderVersionWithoutAHealthQuestionIsReadyWhenItAnswers) {
     start("load 100\nold 1");
     EXPECT_TRUE(textOf(7));
+}
+
+TEST_F(WhisperEngineTest, AVersionThatListensOnlyWhenItHasLoadedIsWaitedFor) {
+    start("load 300\nlate 1");
+    EXPECT_TRUE(textOf(7));
+    EXPECT_FALSE(m_log.contains("does not answer"));
+}
+
+TEST_F(WhisperEngineTest, ARecordingThatIsTooLongForItIsNoFailureOfTheChild) {
+    start("");
+    EXPECT_TRUE(textOf(7));
+    EXPECT_EQ(textOf(tooLong).error(), EngineError::TooLong);
+    EXPECT_EQ(m_lost, 0);
+    EXPECT_TRUE(m_engine->isReady());
 }
 
 TEST_F(WhisperEngineTest, WhoCannotWaitForTheStartIsTold) {
