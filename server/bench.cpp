@@ -14,8 +14,8 @@ namespace {
 
 constexpr std::size_t runs = 3;
 
-std::string line(const std::string& key, double number) {
-    return key + "=" + decimals(number) + "\n";
+std::string line(const std::string& key, double number, int places = 2) {
+    return key + "=" + decimals(number, places) + "\n";
 }
 
 /// Up to `mostBytes` of a file, and one more if there are more.
@@ -54,7 +54,7 @@ tl::expected<std::string, std::string> benchReport(SpeechEngine& engine, const s
     std::ranges::sort(elapsed);
     const double median = elapsed[runs / 2];
     return "model=" + engine.modelId() + "\n" + line("audioSeconds", audioSeconds) +
-           line("elapsedSeconds", median) + line("rtf", audioSeconds / median);
+           line("elapsedSeconds", median, 4) + line("rtf", audioSeconds / median);
 }
 
 }  // namespace quietlark

@@ -32,12 +32,14 @@ bool isAddress(const std::string& name) {
            inet_pton(AF_INET6, name.substr(1, name.size() - 2).c_str(), &address) == 1;
 }
 
-bool isOwnName(const std::string& name, Audience audience) {
+bool isOwnName(const std::string& name, Audience audience,
+               const std::vector<std::string>& ownNames) {
     if (isAddress(name) || name == "localhost") return true;
     if (audience == Audience::ThisComputer) return false;
+    if (std::ranges::find(ownNames, name) != ownNames.end()) return true;
     const bool isSingleWord =
         !name.empty() && std::ranges::all_of(name, [](unsigned char character) {
-            return std::isalnum(character) != 0 || character == '-';
+            return std::isalnum(character) != 0 || character == '-' || character == '_';
         });
     return isSingleWord || std::ranges::any_of(privateDomains, [&](std::string_view domain) {
                return name.ends_with(domain);
@@ -46,11 +48,14 @@ bool isOwnName(const std::string& name, Audience audience) {
 
 }  // namespace
 
-std::optional<HttpResponse> foreignPageRefusal(const HttpHead& head, Audience audience) {
+std::optional<HttpResponse> foreignPageRefusal(const HttpHead& head, Audience audience,
+                                               const std::vector<std::string>& ownNames) {
     // No browser leaves Host out; some scripts do.
-    if (!head.host.empty() && !isOwnName(nameIn(head.host), audience))
+    if (!head.host.empty() && !isOwnName(nameIn(head.host), audience, ownNames))
         return errorResponse(
-            403, {.message = "This server is not known by that name.", .code = "unknown_host"});
+            403,
+            {.message = "This server is not known by that name; its option --known-as adds one.",
+             .code = "unknown_host"});
     const bool isForeign =
         !head.origin.empty() && lowerCase(head.origin) != "http://" + lowerCase(head.host);
     const bool isLink = head.fetchMode == "navigate" && head.method == "GET";

@@ -35,6 +35,9 @@ public:
     /// user.
     [[nodiscard]] tl::expected<void, std::string> publish(const EndpointDescription& description);
 
+    /// Whether there is no file now, not even another server's.
+    [[nodiscard]] bool isMissing() const;
+
     /// Takes the file away again, if it is this one.
     void withdraw();
 

@@ -19,10 +19,13 @@ std::string localAddress(const std::string& host, int port) {
     return (isIpv6 ? "[" + reachable + "]" : reachable) + ":" + std::to_string(port);
 }
 
-std::string computerName() {
+std::string fullComputerName() {
     std::array<char, 256> name{};
-    if (gethostname(name.data(), name.size() - 1) != 0) return "computer";
-    const std::string whole(name.data());
+    return gethostname(name.data(), name.size() - 1) == 0 ? name.data() : "computer";
+}
+
+std::string computerName() {
+    const std::string whole = fullComputerName();
     const std::string first = whole.substr(0, whole.find('.'));
     return first.empty() ? "computer" : first.substr(0, 63);
 }

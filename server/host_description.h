@@ -8,7 +8,10 @@ namespace quietlark {
 /// `host`.
 [[nodiscard]] std::string localAddress(const std::string& host, int port);
 
-/// This computer's name, without a domain.
+/// This computer's name as the system has it, with a domain or without.
+[[nodiscard]] std::string fullComputerName();
+
+/// The same without a domain.
 [[nodiscard]] std::string computerName();
 
 /// What the processor calls itself, such as "AMD Ryzen 7 5800X 8-Core Processor", from a file like

@@ -113,7 +113,8 @@ HttpApi::HttpApi(SpeechEngine& engine, Settings settings)
     : m_engine(engine), m_settings(std::move(settings)) {}
 
 std::optional<HttpResponse> HttpApi::refusal(const HttpHead& head) const {
-    if (auto refusal = foreignPageRefusal(head, m_settings.audience)) return refusal;
+    if (auto refusal = foreignPageRefusal(head, m_settings.audience, m_settings.ownNames))
+        return refusal;
     const Route* route = routeOf(head.path);
     if (!route) return errorResponse(404, {.message = "There is nothing at this address."});
     const std::string_view method = head.method == "HEAD" ? "GET" : std::string_view(head.method);

@@ -18,7 +18,8 @@ public:
     struct Settings {
         ServerLimits limits = {};
         Audience audience = Audience::ThisComputer;
-        std::string language = {};  ///< for requests that name none
+        std::vector<std::string> ownNames = {};  ///< by which the network knows this computer
+        std::string language = {};               ///< for requests that name none
     };
 
     explicit HttpApi(SpeechEngine& engine);

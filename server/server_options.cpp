@@ -4,9 +4,12 @@
 #include <array>
 #include <cctype>
 #include <charconv>
+#include <sstream>
 #include <string_view>
 
 #include <arpa/inet.h>
+
+#include "server/text_forms.h"
 
 namespace quietlark {
 namespace {
@@ -61,6 +64,23 @@ Applied setName(ServerOptions& options, const std::string& value) {
     return {};
 }
 
+/// Names with commas between them, as a client's requests bring them.
+Applied setKnownAs(ServerOptions& options, const std::string& value) {
+    std::istringstream names(lowerCase(value));
+    options.knownAs.clear();
+    for (std::string name; std::getline(names, name, ',');) {
+        const bool isName = !name.empty() && std::ranges::all_of(name, [](unsigned char character) {
+            return std::isalnum(character) != 0 ||
+                   std::string_view("-_.").find(static_cast<char>(character)) !=
+                       std::string_view::npos;
+        });
+        if (!isName)
+            return Error("A name by which this computer is known is like desk.example.com.");
+        options.knownAs.push_back(name);
+    }
+    return {};
+}
+
 Applied setBodyLimit(ServerOptions& options, const std::string& value) {
     std::uint64_t mebibytes = 0;
     auto applied = setNumber(mebibytes, value, 1, 1024, "The largest upload in MiB");
@@ -81,7 +101,7 @@ Applied setText(ServerOptions& options, const std::string& value) {
 }
 
 /// All that take a value; --share, as an argument, may go without.
-constexpr std::array<Option, 13> knownOptions = {{
+constexpr std::array<Option, 14> knownOptions = {{
     {"--engine", &setEngine},
     {"--model", &setText<&ServerOptions::modelFile>},
     {"--whisper-server", &setText<&ServerOptions::whisperServer>},
@@ -95,6 +115,7 @@ constexpr std::array<Option, 13> knownOptions = {{
      }},
     {"--share", &setShare},
     {"--name", &setName},
+    {"--known-as", &setKnownAs},
     {"--language", &setText<&ServerOptions::language>},
     {"--endpoint-file", &setText<&ServerOptions::endpointFile>},
     {"--max-upload", &setBodyLimit},
@@ -187,6 +208,9 @@ Applied applyArgument(ServerOptions& options, const std::vector<std::string>& wo
     if (name == "--share") return setShare(options, "yes");
     if (name.starts_with("--share=")) return setShare(options, name.substr(name.find('=') + 1));
     const Option* const option = optionOf(name);
+    const bool followsShare = position > 0 && words[position - 1] == "--share";
+    if (followsShare && (name == "yes" || name == "no"))
+        return Error("Write --share=" + name + ".");
     if (!option) return Error("There is no option " + name + ".");
     if (position + 1 == words.size() || words[position + 1].empty())
         return Error("The option " + name + " needs a value.");
@@ -240,6 +264,9 @@ others. With bench, says how fast it transcribes a recording and ends.
   --share                 serves other computers too, and tells the local network about it;
                           --share=no does not, whatever the environment says
   --name NAME             the name that the network sees (the computer's)
+  --known-as NAMES        with --share, names that clients may use for this computer beside its
+                          own, addresses, single words and names under .local, .lan and the like:
+                          such as desk.fritz.box,desk.example.com
   --host HOST             the address to listen on (127.0.0.1; :: with --share)
   --port PORT             the port to listen on; 0 takes a free one (0; 8178 with --share)
   --language LANGUAGE     what is spoken when a request does not say, such as de or german
@@ -250,7 +277,7 @@ others. With bench, says how fast it transcribes a recording and ends.
   --max-waiting NUMBER    how many uploads may wait for their turn (64)
   --endpoint-file PATH    the file that tells Quietlark where this server is
                           ($QUIETLARK_ENDPOINT_FILE, or /tmp/quietlark.endpoint)
-  --help                  shows this text
+  -h, --help              shows this text
   --version               shows the version
 
 Each may also be set in the environment, as QUIETLARK_SERVER_MAX_AUDIO=60 for --max-audio 60 or

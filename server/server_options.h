@@ -28,6 +28,7 @@ struct ServerOptions {
     std::string host;                              ///< never empty after parse()
     std::optional<int> port;                       ///< 0 takes a free one; absent leaves the choice
     Audience audience = Audience::ThisComputer;
+    std::vector<std::string> knownAs;  ///< further names of this computer, in lower case
     std::string name;      ///< under which the network sees this server; empty for the computer's
     std::string language;  ///< for requests that name none
     std::string endpointFile;

@@ -54,6 +54,12 @@ void ServerPresence::setSpeed(double rtf) {
     if (differs(m_rtf, m_announcedRtf, worthAnnouncing)) announce();
 }
 
+void ServerPresence::refresh() {
+    const std::lock_guard lock(m_mutex);
+    if (m_stage != Stage::Present || !m_isReady || !m_endpointFile.isMissing()) return;
+    if (publish()) m_log.write(LogLevel::Info, "The endpoint file was gone, and is there again.");
+}
+
 void ServerPresence::disappear() {
     const std::lock_guard lock(m_mutex);
     if (m_stage == Stage::Present) hide();

@@ -35,6 +35,9 @@ public:
     /// network hears of those by more than a tenth.
     void setSpeed(double rtf);
 
+    /// Puts the file back that somebody has deleted, as cleaners of temporary files do.
+    void refresh();
+
     /// For good.
     void disappear();
 

@@ -1,7 +1,8 @@
 #include "server/server_program.h"
 
-#include <cstdio>
+#include <condition_variable>
 #include <iostream>
+#include <mutex>
 #include <utility>
 
 #include "server/bench.h"
@@ -16,6 +17,7 @@ namespace {
 
 /// Where those who share are found by people who type an address.
 constexpr int usualSharedPort = 8178;
+constexpr std::chrono::seconds betweenLooks{10};
 
 tl::unexpected<std::string> cannotListen(const std::string& host, int port,
                                          const std::string& reason) {
@@ -42,6 +44,7 @@ ServerProgram::Outcome ServerProgram::serve(const std::stop_token& stop) {
     SerialEngine engine(*m_measured);
     HttpApi api(engine, {.limits = m_options.limits,
                          .audience = m_options.audience,
+                         .ownNames = ownNames(),
                          .language = m_options.language});
     SpeechServer server(api, m_log);
     if (auto listening = listen(server); !listening) return listening;
@@ -51,6 +54,7 @@ ServerProgram::Outcome ServerProgram::serve(const std::stop_token& stop) {
         engine.stop();
         server.stop();
     });
+    const auto keeper = keepPresent();
     const bool wasStopped = server.run();
     m_presence.disappear();
     if (!wasStopped) return tl::unexpected(std::string("The network connection was lost."));
@@ -110,6 +114,12 @@ ServerProgram::Outcome ServerProgram::use(EngineChoice::Engine engine,
     return {};
 }
 
+std::vector<std::string> ServerProgram::ownNames() const {
+    auto names = m_options.knownAs;
+    names.push_back(lowerCase(fullComputerName()));
+    return names;
+}
+
 ServerProgram::Outcome ServerProgram::listen(SpeechServer& server) {
     const bool isShared = m_options.audience == Audience::Network;
     if (!m_options.port && isShared && server.bind(m_options.host, usualSharedPort)) return {};
@@ -132,6 +142,18 @@ ServerProgram::Outcome ServerProgram::appear(int port) {
                            .cpu = processorName()});
     if (appeared) std::cout << "listening on http://" << address << std::endl;
     return appeared;
+}
+
+std::jthread ServerProgram::keepPresent() {
+    return std::jthread([this](const std::stop_token& end) {
+        std::mutex mutex;
+        std::condition_variable_any ended;
+        std::unique_lock lock(mutex);
+        while (!end.stop_requested()) {
+            ended.wait_for(lock, end, betweenLooks, [] { return false; });
+            m_presence.refresh();
+        }
+    });
 }
 
 }  // namespace quietlark

@@ -3,6 +3,8 @@
 #include <memory>
 #include <stop_token>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "server/endpoint_file_writer.h"
 #include "server/engine_choice.h"
@@ -33,8 +35,11 @@ private:
     [[nodiscard]] Outcome checkPlace() const;
     [[nodiscard]] Outcome prepareEngine(const std::stop_token& stop);
     [[nodiscard]] Outcome use(EngineChoice::Engine engine, const std::stop_token& stop);
+    [[nodiscard]] std::vector<std::string> ownNames() const;
     [[nodiscard]] Outcome listen(SpeechServer& server);
     [[nodiscard]] Outcome appear(int port);
+    // Looks after the presence now and then, until it ends.
+    [[nodiscard]] std::jthread keepPresent();
 
     const ServerOptions& m_options;
     const EngineChoice m_choice;

@@ -43,11 +43,22 @@ TEST(BrowserGuardTest, NamesThatAnybodyCanHaveAreNot) {
 }
 
 TEST(BrowserGuardTest, NamesWithinTheNetworkAreForServersThatShare) {
-    for (const char* host :
-         {"desk", "desk:8178", "desk.local", "Desk.Local.:8178", "desk.lan", "desk.home.arpa"}) {
+    for (const char* host : {"desk", "desk_1", "desk:8178", "desk.local", "Desk.Local.:8178",
+                             "desk.lan", "desk.home.arpa"}) {
         EXPECT_FALSE(isRefused(asked(host), Audience::Network)) << host;
         EXPECT_TRUE(isRefused(asked(host), Audience::ThisComputer)) << host;
     }
+}
+
+TEST(BrowserGuardTest, TheComputersOwnNamesAreForServersThatShare) {
+    const std::vector<std::string> names{"desk.fritz.box", "desk.example.com"};
+    for (const char* host : {"desk.fritz.box", "Desk.Fritz.Box.:8178", "desk.example.com:8178"}) {
+        EXPECT_FALSE(foreignPageRefusal(asked(host), Audience::Network, names)) << host;
+        EXPECT_TRUE(foreignPageRefusal(asked(host), Audience::ThisComputer, names)) << host;
+    }
+    EXPECT_TRUE(foreignPageRefusal(asked("other.fritz.box"), Audience::Network, names));
+    EXPECT_TRUE(foreignPageRefusal(asked("desk.fritz.box", "http://example.com"), Audience::Network,
+                                   names));
 }
 
 TEST(BrowserGuardTest, WhatAPageFetchesWithoutSayingSoIsRefused) {

@@ -54,6 +54,19 @@ TEST(ServerOptionsTest, ArgumentsBeatSettings) {
     EXPECT_EQ(parsed({"--port", "82"}, settings).port, 82);
 }
 
+TEST(ServerOptionsTest, NamesOfThisComputerHaveCommasBetweenThem) {
+    using Names = std::vector<std::string>;
+    EXPECT_EQ(parsed({"--known-as", "Desk.Fritz.Box,desk_1.example.com"}).knownAs,
+              (Names{"desk.fritz.box", "desk_1.example.com"}));
+    EXPECT_EQ(parsed({}, {{"QUIETLARK_SERVER_KNOWN_AS", "a.b"}}).knownAs, Names{"a.b"});
+    EXPECT_EQ(parsed({"--known-as=c.d"}, {{"QUIETLARK_SERVER_KNOWN_AS", "a.b"}}).knownAs,
+              Names{"c.d"});
+    for (const char* value : {"http://desk.example.com", "desk:8178", "a,,b", "a, b"})
+        EXPECT_EQ(refused({"--known-as", value}),
+                  "A name by which this computer is known is like desk.example.com.")
+            << value;
+}
+
 TEST(ServerOptionsTest, EveryOptionIsASettingToo) {
     const auto options = parsed({}, {{"QUIETLARK_SERVER_ENGINE", "whisper"},
                                      {"QUIETLARK_SERVER_MODEL", "/m.bin"},
@@ -99,7 +112,8 @@ TEST(ServerOptionsTest, SharingMayBeTakenBackOnTheCommandLine) {
     EXPECT_EQ(parsed({"--share=no"}, shared).audience, Audience::ThisComputer);
     EXPECT_EQ(parsed({"--share=yes"}).audience, Audience::Network);
     EXPECT_EQ(refused({"--share=maybe"}), "Sharing must be yes or no.");
-    EXPECT_EQ(refused({"--share", "no"}), "There is no option no.");
+    EXPECT_EQ(refused({"--share", "no"}), "Write --share=no.");
+    EXPECT_EQ(refused({"no"}), "There is no option no.");
 }
 
 TEST(ServerOptionsTest, SharingListensOnEveryAddress) {
@@ -132,8 +146,8 @@ TEST(ServerOptionsTest, HelpAndVersionAreActions) {
 
 TEST(ServerOptionsTest, HelpNamesEveryOption) {
     for (const char* option : {"--engine", "--model", "--whisper-server", "--share", "--name",
-                               "--host", "--port", "--language", "--max-upload", "--max-audio",
-                               "--max-time", "--max-waiting", "--endpoint-file"})
+                               "--known-as", "--host", "--port", "--language", "--max-upload",
+                               "--max-audio", "--max-time", "--max-waiting", "--endpoint-file"})
         EXPECT_NE(ServerOptions::help().find(std::string("  ") + option + " "), std::string::npos)
             << option;
 }

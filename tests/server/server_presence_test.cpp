@@ -132,4 +132,30 @@ TEST_F(ServerPresenceTest, AFileThatCannotBeWrittenIsAnError) {
     EXPECT_FALSE(m_announcer.current);
 }
 
+TEST_F(ServerPresenceTest, AFileThatSomebodyDeletedIsPutBack) {
+    m_presence.refresh();
+    EXPECT_FALSE(hasFile());
+    appear();
+    const std::string content = file();
+    unlink(m_path.c_str());
+    m_presence.refresh();
+    EXPECT_EQ(file(), content);
+    EXPECT_TRUE(m_log.contains("is there again"));
+    m_presence.disappear();
+    m_presence.refresh();
+    EXPECT_FALSE(hasFile());
+}
+
+TEST_F(ServerPresenceTest, AFileThatIsAnothersOrNotToBeThereIsLetBe) {
+    appear();
+    unlink(m_path.c_str());
+    std::ofstream(m_path) << "another's";
+    m_presence.refresh();
+    EXPECT_EQ(file(), "another's");
+    unlink(m_path.c_str());
+    m_presence.setReady(false);
+    m_presence.refresh();
+    EXPECT_FALSE(hasFile());
+}
+
 }  // namespace quietlark

@@ -97,6 +97,13 @@ TEST(WhisperServerTest, TheEndpointFileIsThereOnlyWhileItCanTranscribe) {
     EXPECT_NE(server.engineId(), engine);
 }
 
+TEST(WhisperServerTest, AnEndpointFileThatIsDeletedComesBack) {
+    WhisperServer server("");
+    server.start();
+    ASSERT_TRUE(QFile::remove(server.endpointFile()));
+    EXPECT_TRUE(waitUntil([&] { return server.hasEndpointFile(); }, std::chrono::minutes(1)));
+}
+
 TEST(WhisperServerTest, TheEngineEndsWithTheServerHoweverThatEnds) {
     for (const int signal : {SIGTERM, SIGKILL}) {
         WhisperServer server("");
