@@ -207,6 +207,29 @@ TEST_F(SpeechServerQueueTest, ARecordingWhoseClientHasLeftIsNotTranscribed) {
         EXPECT_EQ(line.level, LogLevel::Info) << line.text;
 }
 
+TEST_F(UsualServerTest, AnUploadInChunksIsReadToItsEnd) {
+    RawHttpClient client(m_server.port());
+    client.send(chunkedHead);
+    const std::string form = formOf(wavOf(16000));
+    for (std::size_t begin = 0; begin < form.size(); begin += 5000)
+        client.send(chunk(form.substr(begin, 5000)));
+    const auto answer = client.ask("0\r\n\r\n");
+    EXPECT_EQ(answer.body, R"({"text":"hello world"})");
+    EXPECT_NE(answer.head.find("Connection: close"), std::string::npos);
+    EXPECT_EQ(m_engine.sampleCount(), 16000U);
+}
+
+TEST_F(UsualServerTest, ChunksMayEndAnywhereInAForm) {
+    const std::string form = formOf(wavOf(10));
+    for (const std::size_t size : {1, 2, 3, 7}) {
+        RawHttpClient client(m_server.port());
+        client.send(chunkedHead);
+        for (std::size_t begin = 0; begin < form.size(); begin += size)
+            client.send(chunk(form.substr(begin, size)));
+        EXPECT_EQ(client.ask("0\r\n\r\n").status, 200) << size;
+    }
+}
+
 TEST_F(CrowdedServerTest, ChunksWithoutEndAreCutOff) {
     RawHttpClient client(m_server.port());
     client.send(chunkedHead + chunk("--B\r\nContent-Disposition: form-data; name=\"a\"\r\n\r\n"));

@@ -145,29 +145,6 @@ TEST_F(SpeechServerTest, AnUploadOfUnknownOrImpossibleLengthIsRefused) {
     EXPECT_EQ(ask(head + "Content-Length: -1\r\n\r\n").status, 413);
 }
 
-TEST_F(SpeechServerTest, AnUploadInChunksIsReadToItsEnd) {
-    RawHttpClient client(m_server.port());
-    client.send(chunkedHead);
-    const std::string form = formOf(wavOf(16000));
-    for (std::size_t begin = 0; begin < form.size(); begin += 5000)
-        client.send(chunk(form.substr(begin, 5000)));
-    const auto answer = client.ask("0\r\n\r\n");
-    EXPECT_EQ(answer.body, R"({"text":"hello world"})");
-    EXPECT_NE(answer.head.find("Connection: close"), std::string::npos);
-    EXPECT_EQ(m_engine.sampleCount(), 16000U);
-}
-
-TEST_F(SpeechServerTest, ChunksMayEndAnywhereInAForm) {
-    const std::string form = formOf(wavOf(10));
-    for (const std::size_t size : {1, 2, 3, 7}) {
-        RawHttpClient client(m_server.port());
-        client.send(chunkedHead);
-        for (std::size_t begin = 0; begin < form.size(); begin += size)
-            client.send(chunk(form.substr(begin, size)));
-        EXPECT_EQ(client.ask("0\r\n\r\n").status, 200) << size;
-    }
-}
-
 TEST_F(SpeechServerTest, ChunksThatMakeNoSenseAreRefused) {
     EXPECT_EQ(ask(std::string(chunkedHead) + "5\r\nhello\r\n0\r\n\r\n").status, 400);
     EXPECT_EQ(ask(std::string(chunkedHead) + "no number\r\n\r\n").status, 400);
