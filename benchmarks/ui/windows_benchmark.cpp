@@ -1,6 +1,7 @@
 // How long the windows keep the main thread from its other work: for each thing that a user does to
-// them, the time until all of it is done and drawn, and the longest event of all. Everything is
-// drawn into memory, with this system's wording.
+// them, the time until all of it is done and drawn, and the longest step of all: an event, or what
+// an event of the user's or a timer would do. Everything is drawn into memory, with this system's
+// wording.
 
 #include <algorithm>
 #include <chrono>
@@ -25,7 +26,7 @@ double milliseconds(const QElapsedTimer& timer) {
     return static_cast<double>(timer.nsecsElapsed()) / 1e6;
 }
 
-/// Notes how long the longest event took.
+/// Notes how long the longest step took.
 class TimedApplication final : public QApplication {
 public:
     using QApplication::QApplication;
@@ -34,11 +35,13 @@ public:
         QElapsedTimer timer;
         timer.start();
         const bool handled = QApplication::notify(receiver, event);
-        longestEvent = std::max(longestEvent, milliseconds(timer));
+        note(milliseconds(timer));
         return handled;
     }
 
-    double longestEvent = 0;
+    static void note(double milliseconds) { longestStep = std::max(longestStep, milliseconds); }
+
+    static inline double longestStep = 0;
 };
 
 /// One user at one computer, from the first window to the last.
@@ -70,6 +73,7 @@ private:
         QElapsedTimer timer;
         timer.start();
         act();
+        TimedApplication::note(milliseconds(timer));
         QCoreApplication::sendPostedEvents();
         QCoreApplication::processEvents();
         for (QWidget* window : QApplication::topLevelWidgets()) {
@@ -151,6 +155,6 @@ int main(int argc, char** argv) {
     quietlark::TimedApplication application(argc, argv);
     quietlark::useWordingOfThisSystem(application);
     const int status = quietlark::run();
-    std::printf("%-34s %17.2f\n", "the longest event of all", application.longestEvent);
+    std::printf("%-34s %17.2f\n", "the longest step of all", application.longestStep);
     return status;
 }

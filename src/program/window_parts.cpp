@@ -29,7 +29,8 @@ QWidget* WindowParts::makeOnboarding() {
         {std::make_unique<OnboardingModel>(m_state, m_desktop.permissions, m_desktop.scheduler),
          std::make_unique<DoneStepModel>(m_state, m_resolver, m_endpointFile, m_hardware,
                                          m_desktop.scheduler),
-         makePicker({.allowFinishLater = true}), makeHotkeyRows(m_state, m_captureCoordinator),
+         [this] { return makePicker({.allowFinishLater = true}); },
+         [this] { return makeHotkeyRows(m_state, m_captureCoordinator); },
          m_state.modelDownloader()});
     connect(view, &OnboardingView::finished, this, &WindowParts::onboardingFinished);
     return view;

@@ -59,15 +59,12 @@ QWidget* makePage(const QString& title, const QString& line, QWidget* content) {
 }  // namespace
 
 OnboardingView::OnboardingView(Parts parts)
-    : m_model(std::move(parts.model)),
-      m_done(std::move(parts.done)),
+    : m_parts(std::move(parts)),
       m_banner(new StepBanner(OnboardingModel::totalSteps)),
       m_pages(new QStackedWidget),
-      m_permissionRows(new PermissionRowsView(PermissionRowsView::Mark::none)),
       m_footer(nullptr),
       m_back(new QPushButton(tr("Back"))),
       m_next(new QPushButton) {
-    addPages(parts.picker, parts.hotkeyRows, parts.downloader);
     m_footer = makeFooter();
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
@@ -77,38 +74,55 @@ OnboardingView::OnboardingView(Parts parts)
     layout->addWidget(m_footer);
     m_returnKey = std::make_unique<ReturnKey>(*this, *m_next);
 
-    parts.picker->offerWayBack();
-    connect(parts.picker, &ServerPickerPane::wentBack, m_model.get(), &OnboardingModel::back);
-    connect(parts.picker, &ServerPickerPane::committed, m_model.get(),
-            &OnboardingModel::onServerCommitted);
-    connect(m_done.get(), &DoneStepModel::readinessChanged, this,
-            [this] { m_model->setDoneReadiness(m_done->readiness()); });
-    connect(m_model.get(), &OnboardingModel::stepChanged, this, &OnboardingView::showStep);
-    connect(m_model.get(), &OnboardingModel::changed, this, &OnboardingView::refresh);
-    connect(m_model.get(), &OnboardingModel::finished, this, &OnboardingView::finished);
+    connect(m_parts.done.get(), &DoneStepModel::readinessChanged, this,
+            [this] { m_parts.model->setDoneReadiness(m_parts.done->readiness()); });
+    connect(m_parts.model.get(), &OnboardingModel::stepChanged, this, &OnboardingView::showStep);
+    connect(m_parts.model.get(), &OnboardingModel::changed, this, &OnboardingView::refresh);
+    connect(m_parts.model.get(), &OnboardingModel::finished, this, &OnboardingView::finished);
     refresh();
-    showStep(m_model->step());
+    showStep(m_parts.model->step());
 }
 
 OnboardingView::~OnboardingView() {
-    m_model->disappear();
+    m_parts.model->disappear();
     // The pages look at the models until they are gone.
     delete m_pages;
 }
 
-void OnboardingView::addPages(ServerPickerPane* picker, QWidget* hotkeyRows,
-                              ModelDownloader& downloader) {
-    m_pages->addWidget(makeWelcomePage());
-    m_pages->addWidget(picker);
-    m_pages->addWidget(makePage(tr("Grant permissions"),
-                                tr("Quietlark needs all three permissions to dictate. You can't "
-                                   "continue until they're granted."),
-                                m_permissionRows));
-    m_pages->addWidget(makePage(tr("Pick your hotkeys"),
-                                tr("Click a field and press the combination you want. You can "
-                                   "change these later in Preferences."),
-                                hotkeyRows));
-    m_pages->addWidget(new DoneStepView(*m_done, downloader));
+QWidget* OnboardingView::makeStep(int step) {
+    switch (step) {
+        case OnboardingModel::serverStep:
+            return makeServerStep();
+        case OnboardingModel::permissionsStep:
+            return makePermissionsStep();
+        case OnboardingModel::hotkeyStep:
+            return makePage(tr("Pick your hotkeys"),
+                            tr("Click a field and press the combination you want. You can "
+                               "change these later in Preferences."),
+                            m_parts.makeHotkeyRows());
+        case OnboardingModel::doneStep:
+            return new DoneStepView(*m_parts.done, m_parts.downloader);
+        default:
+            return makeWelcomePage();
+    }
+}
+
+QWidget* OnboardingView::makeServerStep() {
+    ServerPickerPane* picker = m_parts.makePicker();
+    picker->offerWayBack();
+    OnboardingModel* model = m_parts.model.get();
+    connect(picker, &ServerPickerPane::wentBack, model, &OnboardingModel::back);
+    connect(picker, &ServerPickerPane::committed, model, &OnboardingModel::onServerCommitted);
+    return picker;
+}
+
+QWidget* OnboardingView::makePermissionsStep() {
+    m_permissionRows = new PermissionRowsView(PermissionRowsView::Mark::none);
+    m_permissionRows->setRows(m_parts.model->permissionRows());
+    return makePage(tr("Grant permissions"),
+                    tr("Quietlark needs all three permissions to dictate. You can't continue "
+                       "until they're granted."),
+                    m_permissionRows);
 }
 
 QWidget* OnboardingView::makeFooter() {
@@ -121,51 +135,61 @@ QWidget* OnboardingView::makeFooter() {
     // Return is the button's own while it has the focus.
     m_back->setAutoDefault(true);
     giveAir(*m_back);
-    connect(m_back, &QPushButton::clicked, m_model.get(), &OnboardingModel::back);
+    connect(m_back, &QPushButton::clicked, m_parts.model.get(), &OnboardingModel::back);
     connect(m_next, &QPushButton::clicked, this, &OnboardingView::advance);
     return footer;
 }
 
 void OnboardingView::showEvent(QShowEvent* event) {
     if (!event->spontaneous()) {
-        m_model->appear();
+        m_parts.model->appear();
         focusStep();
     }
     QWidget::showEvent(event);
 }
 
 void OnboardingView::hideEvent(QHideEvent* event) {
-    if (!event->spontaneous()) m_model->disappear();
+    if (!event->spontaneous()) m_parts.model->disappear();
     QWidget::hideEvent(event);
 }
 
 void OnboardingView::advance() {
-    if (m_model->canAdvance()) m_model->next();
+    if (m_parts.model->canAdvance()) m_parts.model->next();
 }
 
 void OnboardingView::refresh() {
-    const QWidget* focused = window()->focusWidget();
-    const bool isGranting = focused && m_permissionRows->isAncestorOf(focused);
-    m_permissionRows->setRows(m_model->permissionRows());
-    m_footer->setVisible(m_model->showsFooter());
-    m_back->setVisible(m_model->canGoBack());
-    m_next->setText(m_model->nextTitle());
+    const bool hasGranted = refreshPermissions();
+    m_footer->setVisible(m_parts.model->showsFooter());
+    m_back->setVisible(m_parts.model->canGoBack());
+    m_next->setText(m_parts.model->nextTitle());
     giveAir(*m_next);
     const bool hasFocus = m_next->hasFocus() || QWidget::hasFocus();
-    m_next->setEnabled(m_model->canAdvance());
-    // With the last button to grant something with, its focus goes on, too.
-    const bool hasGranted = isGranting && !m_permissionRows->isAncestorOf(window()->focusWidget());
+    m_next->setEnabled(m_parts.model->canAdvance());
     if (hasFocus || hasGranted) focusNext();
+}
+
+/// Whether the last button to grant something with is gone, and had the focus.
+bool OnboardingView::refreshPermissions() {
+    if (!m_permissionRows) return false;
+    const QWidget* focused = window()->focusWidget();
+    const bool isGranting = focused && m_permissionRows->isAncestorOf(focused);
+    m_permissionRows->setRows(m_parts.model->permissionRows());
+    return isGranting && !m_permissionRows->isAncestorOf(window()->focusWidget());
 }
 
 void OnboardingView::showStep(int step) {
     m_banner->setStep(step);
-    m_pages->setCurrentIndex(step);
+    QWidget*& page = m_steps[static_cast<std::size_t>(step)];
+    if (!page) {
+        page = makeStep(step);
+        m_pages->addWidget(page);
+    }
+    m_pages->setCurrentWidget(page);
     focusStep();
 }
 
 void OnboardingView::focusStep() {
-    if (m_model->showsFooter())
+    if (m_parts.model->showsFooter())
         focusNext();
     else
         m_pages->currentWidget()->setFocus();

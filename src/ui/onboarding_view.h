@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <functional>
 #include <memory>
 
 #include <QWidget>
@@ -22,12 +24,13 @@ class OnboardingView final : public QWidget {
     Q_OBJECT
 
 public:
-    /// What the steps are made of; the widgets become the view's.
+    /// What the steps are made of. Each is made when it is first shown, since the wizard is opened
+    /// with the program; the widgets become the view's.
     struct Parts {
         std::unique_ptr<OnboardingModel> model;
         std::unique_ptr<DoneStepModel> done;
-        ServerPickerPane* picker;
-        QWidget* hotkeyRows;
+        std::function<ServerPickerPane*()> makePicker;
+        std::function<QWidget*()> makeHotkeyRows;
         ModelDownloader& downloader;  ///< must outlive the view
     };
 
@@ -42,19 +45,22 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
-    void addPages(ServerPickerPane* picker, QWidget* hotkeyRows, ModelDownloader& downloader);
+    [[nodiscard]] QWidget* makeStep(int step);
+    [[nodiscard]] QWidget* makeServerStep();
+    [[nodiscard]] QWidget* makePermissionsStep();
     [[nodiscard]] QWidget* makeFooter();
     void advance();
     void refresh();
+    [[nodiscard]] bool refreshPermissions();
     void focusStep();
     void focusNext();
     void showStep(int step);
 
-    const std::unique_ptr<OnboardingModel> m_model;
-    const std::unique_ptr<DoneStepModel> m_done;
+    const Parts m_parts;
     StepBanner* m_banner;
     QStackedWidget* m_pages;
-    PermissionRowsView* m_permissionRows;
+    std::array<QWidget*, OnboardingModel::totalSteps> m_steps{};  ///< those that have been shown
+    PermissionRowsView* m_permissionRows = nullptr;               ///< with its step
     QWidget* m_footer;
     QPushButton* m_back;
     QPushButton* m_next;

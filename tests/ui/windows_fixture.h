@@ -107,12 +107,12 @@ private:
     }
 
     QWidget* makeOnboarding() {
-        auto* view =
-            new OnboardingView({std::make_unique<OnboardingModel>(state(), permissions, scheduler),
-                                std::make_unique<DoneStepModel>(state(), resolver, files.endpoint,
-                                                                hardware, scheduler),
-                                makePicker({.allowFinishLater = true, .offersCancel = false}),
-                                makeHotkeyRows(state(), m_coordinator), state().modelDownloader()});
+        auto* view = new OnboardingView(
+            {std::make_unique<OnboardingModel>(state(), permissions, scheduler),
+             std::make_unique<DoneStepModel>(state(), resolver, files.endpoint, hardware,
+                                             scheduler),
+             [this] { return makePicker({.allowFinishLater = true}); },
+             [this] { return makeHotkeyRows(state(), m_coordinator); }, state().modelDownloader()});
         QObject::connect(view, &OnboardingView::finished, [this] { ++onboardingsFinished; });
         return view;
     }
