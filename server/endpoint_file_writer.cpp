@@ -1,5 +1,6 @@
 #include "server/endpoint_file_writer.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <charconv>
@@ -7,6 +8,7 @@
 #include <optional>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include <fcntl.h>
 #include <netdb.h>
@@ -70,11 +72,11 @@ std::optional<Address> addressIn(std::string_view content) {
     return Address{std::string(host), std::string(port)};
 }
 
-/// Whether this computer says that nobody listens there; no answer says nothing.
-bool refusesConnections(const addrinfo& address) {
+/// What comes of connecting there: 0, the system's error, or EINPROGRESS where nobody answers.
+int outcomeOfConnecting(const addrinfo& address) {
     const int probe =
         socket(address.ai_family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, IPPROTO_TCP);
-    if (probe < 0) return false;
+    if (probe < 0) return errno;
     int error = connect(probe, address.ai_addr, address.ai_addrlen) == 0 ? 0 : errno;
     pollfd descriptor{probe, POLLOUT, 0};
     if (error == EINPROGRESS && poll(&descriptor, 1, longestProbeMilliseconds) > 0) {
@@ -82,22 +84,51 @@ bool refusesConnections(const addrinfo& address) {
         getsockopt(probe, SOL_SOCKET, SO_ERROR, &error, &length);
     }
     close(probe);
-    return error == ECONNREFUSED;
+    return error;
 }
 
-/// Whether certainly nobody listens at an address.
-bool isDeserted(const Address& address) {
+/// The same for all that the address stands for; empty where that is not known.
+std::vector<int> outcomesOfConnecting(const Address& address) {
     addrinfo wanted{};
     wanted.ai_socktype = SOCK_STREAM;
     // Other names would have to be looked up in the network.
     wanted.ai_flags = AI_NUMERICSERV | (address.host == "localhost" ? 0 : AI_NUMERICHOST);
     addrinfo* found = nullptr;
-    if (getaddrinfo(address.host.c_str(), address.port.c_str(), &wanted, &found) != 0) return false;
-    bool isDeserted = found != nullptr;
+    std::vector<int> outcomes;
+    if (getaddrinfo(address.host.c_str(), address.port.c_str(), &wanted, &found) != 0)
+        return outcomes;
     for (const addrinfo* each = found; each; each = each->ai_next)
-        isDeserted = isDeserted && refusesConnections(*each);
+        outcomes.push_back(outcomeOfConnecting(*each));
     freeaddrinfo(found);
-    return isDeserted;
+    return outcomes;
+}
+
+/// Whether certainly nobody listens at an address: this computer says so.
+bool isDeserted(const Address& address) {
+    const auto outcomes = outcomesOfConnecting(address);
+    return !outcomes.empty() &&
+           std::ranges::all_of(outcomes, [](int outcome) { return outcome == ECONNREFUSED; });
+}
+
+/// Whether certainly somebody does.
+bool isAlive(const Address& address) {
+    const auto outcomes = outcomesOfConnecting(address);
+    return std::ranges::find(outcomes, 0) != outcomes.end();
+}
+
+/// The address in the file of a server that this user has run.
+std::optional<Address> addressInFile(const std::string& path) {
+    // A pipe in its place must not hold us up.
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+    if (file < 0) return std::nullopt;
+    struct stat status {};
+    std::array<char, 512> bytes{};
+    const bool isOurs =
+        fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == geteuid();
+    const ssize_t count = isOurs ? read(file, bytes.data(), bytes.size()) : 0;
+    close(file);
+    if (count <= 0) return std::nullopt;
+    return addressIn({bytes.data(), static_cast<std::size_t>(count)});
 }
 
 }  // namespace
@@ -109,17 +140,7 @@ EndpointFileWriter::~EndpointFileWriter() {
 }
 
 void EndpointFileWriter::removeLeftover() const {
-    // A pipe in its place must not hold us up.
-    const int file = open(m_path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
-    if (file < 0) return;
-    struct stat status {};
-    std::array<char, 512> bytes{};
-    const bool isOurs =
-        fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == geteuid();
-    const ssize_t count = isOurs ? read(file, bytes.data(), bytes.size()) : 0;
-    close(file);
-    if (count <= 0) return;
-    const auto address = addressIn({bytes.data(), static_cast<std::size_t>(count)});
+    const auto address = addressInFile(m_path);
     if (address && isDeserted(*address)) unlink(m_path.c_str());
 }
 
@@ -135,6 +156,7 @@ tl::expected<void, std::string> EndpointFileWriter::check() const {
 
 tl::expected<void, std::string> EndpointFileWriter::publish(
     const EndpointDescription& description) {
+    if (isAnothers(description.local)) return {};
     // The name is new and unpredictable, so no link can lie in wait there; rename() replaces a link
     // at the path itself.
     std::string temporaryPath = m_path + ".XXXXXX";
@@ -171,12 +193,24 @@ bool EndpointFileWriter::isMissing() const {
 
 void EndpointFileWriter::withdraw() {
     if (m_file < 0) return;
+    if (isPublished()) unlink(m_path.c_str());
+    close(std::exchange(m_file, -1));
+}
+
+bool EndpointFileWriter::isPublished() const {
     struct stat mine {};
     struct stat present {};
-    if (fstat(m_file, &mine) == 0 && lstat(m_path.c_str(), &present) == 0 &&
-        mine.st_ino == present.st_ino && mine.st_dev == present.st_dev)
-        unlink(m_path.c_str());
-    close(std::exchange(m_file, -1));
+    return m_file >= 0 && fstat(m_file, &mine) == 0 && lstat(m_path.c_str(), &present) == 0 &&
+           mine.st_ino == present.st_ino && mine.st_dev == present.st_dev;
+}
+
+bool EndpointFileWriter::isAnothers(const std::string& ownAddress) const {
+    if (isPublished()) return false;
+    const auto address = addressInFile(m_path);
+    // What crashed may have listened where we do now.
+    const auto own = addressIn("local=" + ownAddress);
+    const bool isOwn = address && own && address->host == own->host && address->port == own->port;
+    return address && !isOwn && isAlive(*address);
 }
 
 }  // namespace quietlark

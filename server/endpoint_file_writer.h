@@ -30,18 +30,22 @@ public:
     /// error is a sentence for the user.
     [[nodiscard]] tl::expected<void, std::string> check() const;
 
-    /// Puts the file there, in place of what was there before, readable by everyone. Never follows
-    /// or writes to what somebody else has put into the folder. The error is a sentence for the
-    /// user.
+    /// Puts the file there, in place of what was there before, readable by everyone; but not in
+    /// place of another server's of this user that still listens. Never follows or writes to what
+    /// somebody else has put into the folder. The error is a sentence for the user.
     [[nodiscard]] tl::expected<void, std::string> publish(const EndpointDescription& description);
 
     /// Whether there is no file now, not even another server's.
     [[nodiscard]] bool isMissing() const;
 
+    /// Whether the file that is there is this server's.
+    [[nodiscard]] bool isPublished() const;
+
     /// Takes the file away again, if it is this one.
     void withdraw();
 
 private:
+    [[nodiscard]] bool isAnothers(const std::string& ownAddress) const;
     [[nodiscard]] tl::unexpected<std::string> failure(int error) const;
 
     const std::string m_path;

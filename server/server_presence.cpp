@@ -68,8 +68,14 @@ void ServerPresence::disappear() {
 
 tl::expected<void, std::string> ServerPresence::publish() {
     m_publishedRtf = m_rtf;
-    return m_endpointFile.publish(
+    auto published = m_endpointFile.publish(
         {.local = m_identity.local, .display = m_identity.display, .rtf = m_rtf});
+    const bool isLeftOut = published && !m_endpointFile.isPublished();
+    if (isLeftOut && !m_isLeftOut)
+        m_log.write(LogLevel::Info,
+                    "Another server runs already; Quietlark on this computer keeps to that.");
+    m_isLeftOut = isLeftOut;
+    return published;
 }
 
 void ServerPresence::announce() {

@@ -55,6 +55,7 @@ private:
     Stage m_stage = Stage::Coming;
     Identity m_identity;
     bool m_isReady = true;
+    bool m_isLeftOut = false;  ///< of the file, in favour of another server
     double m_rtf = 0;
     double m_publishedRtf = 0;
     double m_announcedRtf = 0;

@@ -141,6 +141,30 @@ TEST_F(EndpointFileWriterTest, AnotherServersFileStays) {
     EXPECT_FALSE(exists());
 }
 
+TEST_F(EndpointFileWriterTest, ALivingServersFileIsReplacedOnlyWhenItIsGone) {
+    QTcpServer server;
+    ASSERT_TRUE(server.listen(QHostAddress::LocalHost));
+    const std::string living = localAddress("127.0.0.1", server.serverPort());
+    write(m_path, ("local=" + living + "\n").c_str());
+    EXPECT_TRUE(m_writer->publish(m_description));
+    EXPECT_FALSE(m_writer->isPublished());
+    m_writer->withdraw();
+    EXPECT_EQ(read(m_path), "local=" + living + "\n");
+    server.close();
+    EXPECT_TRUE(m_writer->publish(m_description));
+    EXPECT_TRUE(m_writer->isPublished());
+}
+
+TEST_F(EndpointFileWriterTest, WhatListensAtItsOwnAddressIsItself) {
+    QTcpServer server;
+    ASSERT_TRUE(server.listen(QHostAddress::LocalHost));
+    auto own = m_description;
+    own.local = localAddress("127.0.0.1", server.serverPort());
+    write(m_path, ("local=" + own.local + "\nrtf=1.00\n").c_str());
+    EXPECT_TRUE(m_writer->publish(own));
+    EXPECT_TRUE(m_writer->isPublished());
+}
+
 TEST_F(EndpointFileWriterTest, AFileWithTheSameContentInItsPlaceStays) {
     EXPECT_TRUE(m_writer->publish(m_description));
     const std::string content = read(m_path);

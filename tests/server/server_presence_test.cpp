@@ -4,6 +4,7 @@
 #include <optional>
 #include <sstream>
 
+#include <QTcpServer>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -123,6 +124,21 @@ TEST_F(ServerPresenceTest, TheNetworkNeedNotKnow) {
     EXPECT_TRUE(hasFile());
     secret.disappear();
     EXPECT_FALSE(hasFile());
+}
+
+TEST_F(ServerPresenceTest, AnotherServerOfThisComputerIsLeftAloneUntilItIsGone) {
+    QTcpServer other;
+    ASSERT_TRUE(other.listen(QHostAddress::LocalHost));
+    const std::string content = "local=127.0.0.1:" + std::to_string(other.serverPort()) + "\n";
+    std::ofstream(m_path) << content;
+    appear();
+    m_presence.setSpeed(8);
+    EXPECT_EQ(file(), content);
+    EXPECT_TRUE(m_announcer.current);
+    other.close();
+    unlink(m_path.c_str());
+    m_presence.refresh();
+    EXPECT_NE(file().find("desk.local"), std::string::npos);
 }
 
 TEST_F(ServerPresenceTest, AFileThatCannotBeWrittenIsAnError) {

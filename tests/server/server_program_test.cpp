@@ -183,13 +183,19 @@ TEST_F(ServerProgramTest, ATerminalThatIsClosedEndsItTheSameWay) {
     EXPECT_FALSE(hasEndpointFile());
 }
 
-TEST_F(ServerProgramTest, TheFileOfAServerThatTookOverStays) {
+TEST_F(ServerProgramTest, TheFileOfAServerThatWasThereFirstStays) {
     startServer();
+    const auto address = [this] {
+        QFile file(m_endpointPath);
+        return file.open(QIODevice::ReadOnly) ? file.readLine() : QByteArray();
+    };
+    const QByteArray before = address();
     const auto first = std::move(m_server);
     startServer();
-    first->end();
-    EXPECT_TRUE(hasEndpointFile());
     endServer(SIGTERM);
+    EXPECT_EQ(address(), before);
+    EXPECT_TRUE(hasEndpointFile());
+    first->end();
     EXPECT_FALSE(hasEndpointFile());
 }
 
