@@ -113,6 +113,35 @@ preferences_are_open() {
     xdotool search --onlyvisible --name '^Quietlark( Preferences)?$'
 }
 
+# processes_of PROGRAM: their ids.
+processes_of() {
+    local process
+    for process in /proc/[0-9]*; do
+        [ "$(readlink "$process/exe")" != "$1" ] || printf '%s\n' "${process#/proc/}"
+    done
+}
+
+# What the programs have loaded by now, plugins included, comes with the package, on a computer where
+# nothing is installed that is only recommended.
+check_dependencies() {
+    local process files missing qt_does_without='libxcursor1|libxrender1'
+    files=$(for process in $(processes_of /usr/bin/quietlark) $(processes_of /usr/bin/quietlark-server); do
+        # The names of computers are looked up as this computer's administrator wants it.
+        awk '$6 ~ /\.so/ && $6 !~ /libnss_/ { print $6; sub("^/usr", "", $6); print $6 }' "/proc/$process/maps"
+    done | sort -u)
+    # Of the names of a file, as there are links between /lib and /usr/lib, one is known.
+    # shellcheck disable=SC2086
+    missing=$({ dpkg-query --search $files 2>/dev/null || true; } | sed 's/[:,].*//' | sort -u |
+        grep -vxF -f <(required_packages) | grep -vxE "$qt_does_without" || true)
+    expect 'what it uses of other packages' '' "$missing"
+}
+
+required_packages() {
+    apt-cache -o Dir::Cache::pkgcache= -o Dir::Cache::srcpkgcache= depends --recurse --installed \
+        --no-recommends --no-suggests --no-conflicts --no-breaks --no-replaces --no-enhances \
+        quietlark | grep -oE '^[a-z0-9][^ :]*' | sort -u
+}
+
 if [ "$kind" = package ]; then
     package=$(echo "$root/dist/quietlark_$("$bin/quietlark" --version | cut -d ' ' -f 2)"_*.deb)
     # Nobody looks anything up in here, and the index of manual pages takes its time.
@@ -158,6 +187,7 @@ for size in scalable 48x48; do
     [ -n "$file" ] || fail "There is no icon $icon of the size $size."
 done
 
+[ "$remover" != package ] || check_dependencies
 if [ "$remover" = itself ]; then
     remove_by_itself
 else
