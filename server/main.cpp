@@ -5,6 +5,7 @@
 #include <memory>
 #include <thread>
 
+#include <malloc.h>
 #include <pthread.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -31,6 +32,16 @@ void allowManyConnections() {
     if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur >= wanted) return;
     limit.rlim_cur = std::min(wanted, limit.rlim_max);
     setrlimit(RLIMIT_NOFILE, &limit);
+}
+
+/// Recordings are large and come one after the other. What one leaves is kept for the next: to get
+/// it from the system anew, page by page, takes longer than anything else that is done with a
+/// recording but to convert it. Two arenas, so that no more than twice as much is kept.
+void keepMemoryForTheNextRecording() {
+    constexpr int mebibyte = 1 << 20;
+    mallopt(M_ARENA_MAX, 2);
+    mallopt(M_MMAP_THRESHOLD, 4 * mebibyte);
+    mallopt(M_TRIM_THRESHOLD, 16 * mebibyte);
 }
 
 bool isIgnored(int signal) {
@@ -84,6 +95,7 @@ private:
 };
 
 ExitCode run(const ServerOptions& options) {
+    keepMemoryForTheNextRecording();
     allowManyConnections();
     const SignalThread signals;
     JournalLog log("net.quietlark.server", "requests");

@@ -38,16 +38,16 @@ std::string fileOf(std::span<const std::int16_t> samples) {
 
 httplib::MultipartFormDataItems formOf(const SpeechRequest& request, const std::string& language) {
     httplib::MultipartFormDataItems form{
-        field("response_format", "verbose_json"),
-        field("language", language),
+        field("response_format", "verbose_json"), field("language", language),
         // It cuts long segments in two; this keeps it from doing so within a word.
         field("split_on_word", "true"),
         // Otherwise it looks at the recording once more, for how likely each language is.
-        field("no_language_probabilities", "true"),
-        {.name = "file",
-         .content = fileOf(request.samples.get()),
-         .filename = "audio.wav",
-         .content_type = "audio/wav"}};
+        field("no_language_probabilities", "true")};
+    // Not in the list above, which would be copied.
+    form.push_back({.name = "file",
+                    .content = fileOf(request.samples.get()),
+                    .filename = "audio.wav",
+                    .content_type = "audio/wav"});
     if (request.translates) form.push_back(field("translate", "true"));
     if (!request.prompt.empty()) form.push_back(field("prompt", std::string(request.prompt)));
     if (request.temperature) form.push_back(field("temperature", decimals(*request.temperature)));
