@@ -1,5 +1,6 @@
 #include "ui/manual_entry_page.h"
 
+#include <QAbstractButton>
 #include <QHideEvent>
 #include <QLineEdit>
 #include <QShowEvent>
@@ -39,6 +40,9 @@ ManualEntryPage::ManualEntryPage(ServerPickerModel& model)
     m_address->setAccessibleName(heading);
     m_address->setMaxLength(maxAddressLength);
     m_address->setClearButtonEnabled(true);
+    // The toolkit does not name it.
+    for (auto* clear : m_address->findChildren<QAbstractButton*>())
+        clear->setAccessibleName(tr("Clear"));
     m_address->setInputMethodHints(Qt::ImhUrlCharactersOnly | Qt::ImhNoPredictiveText |
                                    Qt::ImhNoAutoUppercase);
     setFocusProxy(m_address);

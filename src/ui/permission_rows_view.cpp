@@ -66,7 +66,6 @@ void PermissionRowsView::focusButton(const QString& name, int row) {
 QWidget* PermissionRowsView::makeRow(const PermissionRow& row) const {
     const int edge = fontMetrics().height() * 3 / 2;
     auto* widget = new QWidget;
-    widget->setAccessibleName(row.label);
     auto* layout = new QHBoxLayout(widget);
     layout->setContentsMargins({});
     layout->setSpacing(fontMetrics().height() * 2 / 3);
@@ -77,7 +76,7 @@ QWidget* PermissionRowsView::makeRow(const PermissionRow& row) const {
     layout->addLayout(makeTexts(row), 1);
     if (row.isGranted) {
         auto* check = new SymbolLabel(QStringLiteral("checkmark.circle.fill"), edge, Tone::success);
-        check->setAccessibleName(tr("Granted"));
+        check->setAccessibleName(tr("Granted: %1").arg(row.label));
         layout->addWidget(check);
         return widget;
     }

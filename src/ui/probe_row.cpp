@@ -1,18 +1,16 @@
 #include "ui/probe_row.h"
 
-#include <algorithm>
-
-#include <QEvent>
 #include <QHBoxLayout>
 
 #include "ui/page_labels.h"
-#include "ui/symbol_pixmap.h"
+#include "ui/symbol_label.h"
 
 namespace quietlark {
 
 namespace {
 
 using Case = ProbeState::Case;
+using Tone = SymbolLabel::Tone;
 
 QString sentence(Case kind) {
     switch (kind) {
@@ -32,7 +30,7 @@ QString sentence(Case kind) {
 
 ProbeRow::ProbeRow()
     : m_busy(makeBusyBar(sentence(Case::probing))),
-      m_symbol(new QLabel),
+      m_symbol(new SymbolLabel({}, fontMetrics().height(), Tone::success)),
       m_text(makePlainLabel({})) {
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins({});
@@ -42,35 +40,23 @@ ProbeRow::ProbeRow()
     setMinimumHeight(m_text->fontMetrics().height());
     m_busy->hide();
     m_symbol->hide();
+    m_text->hide();
 }
 
 void ProbeRow::setKind(Case kind) {
     if (kind == m_kind) return;
     m_kind = kind;
     m_text->setText(sentence(kind));
+    m_text->setVisible(!m_text->text().isEmpty());
     m_busy->setVisible(kind == Case::probing);
-    drawSymbol();
+    m_symbol->setVisible(kind == Case::ok || kind == Case::failed);
+    m_symbol->setName(kind == Case::ok ? QStringLiteral("checkmark.circle.fill")
+                                       : QStringLiteral("xmark.circle.fill"));
+    m_symbol->setTone(kind == Case::ok ? Tone::success : Tone::failure);
 }
 
 QString ProbeRow::text() const {
     return m_text->text();
-}
-
-void ProbeRow::changeEvent(QEvent* event) {
-    if (event->type() == QEvent::PaletteChange) drawSymbol();
-    QWidget::changeEvent(event);
-}
-
-void ProbeRow::drawSymbol() {
-    const bool isOk = m_kind == Case::ok;
-    m_symbol->setVisible(isOk || m_kind == Case::failed);
-    const bool isDark = palette().color(QPalette::Window).lightness() < 128;
-    const QColor green = isDark ? QColor(0x57, 0xc7, 0x7a) : QColor(0x1c, 0x80, 0x3c);
-    const QColor red = isDark ? QColor(0xff, 0x7b, 0x72) : QColor(0xc0, 0x22, 0x1c);
-    const QString name =
-        isOk ? QStringLiteral("checkmark.circle.fill") : QStringLiteral("xmark.circle.fill");
-    m_symbol->setPixmap(symbolPixmap(name, isOk ? green : red, m_text->fontMetrics().height(),
-                                     devicePixelRatioF()));
 }
 
 }  // namespace quietlark

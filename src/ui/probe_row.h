@@ -8,6 +8,8 @@ class QLabel;
 
 namespace quietlark {
 
+class SymbolLabel;
+
 /// Says how the check of an address stands. Always as high, so that nothing moves when it speaks.
 class ProbeRow final : public QWidget {
     Q_OBJECT
@@ -20,15 +22,10 @@ public:
     /// What it says; empty while there is nothing to say.
     [[nodiscard]] QString text() const;
 
-protected:
-    void changeEvent(QEvent* event) override;
-
 private:
-    void drawSymbol();
-
     ProbeState::Case m_kind = ProbeState::Case::idle;
     QWidget* m_busy;
-    QLabel* m_symbol;
+    SymbolLabel* m_symbol;
     QLabel* m_text;
 };
 

@@ -54,11 +54,11 @@ void ServerListPage::refresh() {
 }
 
 QWidget* ServerListPage::makeEmptyState() {
-    auto* empty = new QWidget;
+    auto* empty = new QLabel;
     auto* layout = new QVBoxLayout(empty);
     QLabel* label = makePlainLabel(tr("Looking for servers…"));
     label->setAlignment(Qt::AlignCenter);
-    // It has the focus while there is no server.
+    // It has the focus while there is no server, and so is a label that can be read out.
     empty->setAccessibleName(label->text());
     layout->addStretch();
     layout->addWidget(label);

@@ -1,11 +1,12 @@
 #pragma once
 
-#include <QWidget>
+#include <QLabel>
 
 namespace quietlark {
 
-/// How far a wizard has come: a capsule for each step, the present one in the accent colour.
-class StepBanner final : public QWidget {
+/// How far a wizard has come: a capsule for each step, the present one in the accent colour. A
+/// label to those who have it read out.
+class StepBanner final : public QLabel {
     Q_OBJECT
 
 public:

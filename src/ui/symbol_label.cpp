@@ -2,14 +2,35 @@
 
 #include <utility>
 
+#include <QAccessibleWidget>
 #include <QEvent>
 
 #include "ui/symbol_pixmap.h"
 
 namespace quietlark {
 
+namespace {
+
+class ToldSymbol final : public QAccessibleWidget {
+public:
+    explicit ToldSymbol(QWidget* symbol) : QAccessibleWidget(symbol) {}
+
+    QAccessible::Role role() const override {
+        return widget()->accessibleName().isEmpty() ? QAccessible::Client : QAccessible::Graphic;
+    }
+};
+
+QAccessibleInterface* tell(const QString&, QObject* object) {
+    auto* symbol = qobject_cast<SymbolLabel*>(object);
+    return symbol ? new ToldSymbol(symbol) : nullptr;
+}
+
+}  // namespace
+
 SymbolLabel::SymbolLabel(QString name, int edge, Tone tone)
     : m_name(std::move(name)), m_edge(edge), m_tone(tone) {
+    // Once is enough; the toolkit passes over the rest.
+    QAccessible::installFactory(tell);
     setFixedSize(edge, edge);
     draw();
 }
@@ -50,6 +71,8 @@ QColor SymbolLabel::color() const {
             return isDark ? QColor(0xff, 0xb3, 0x40) : QColor(0xb3, 0x5c, 0x00);
         case Tone::success:
             return isDark ? QColor(0x4c, 0xd1, 0x6e) : QColor(0x1a, 0x7f, 0x37);
+        case Tone::failure:
+            return isDark ? QColor(0xff, 0x7b, 0x72) : QColor(0xc0, 0x22, 0x1c);
     }
     return {};
 }

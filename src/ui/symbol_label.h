@@ -4,12 +4,13 @@
 
 namespace quietlark {
 
-/// A symbol in a colour of the desktop's palette, following it from light to dark.
+/// A symbol in a colour of the desktop's palette, following it from light to dark. A screen reader
+/// passes over one without an accessible name: it only decorates what stands beside it.
 class SymbolLabel final : public QLabel {
     Q_OBJECT
 
 public:
-    enum class Tone { text, accent, warning, success };
+    enum class Tone { text, accent, warning, success, failure };
 
     /// `edge` in points.
     SymbolLabel(QString name, int edge, Tone tone);

@@ -10,6 +10,7 @@ address=$(sed -n 's|^listening on http://||p' "$logs/server.out")
 open_wizard
 
 sees label 'Welcome to Quietlark'
+sees label 'Step 1 of 5'
 waits_for_keyboard 'push button' Next
 key Return
 

@@ -5,7 +5,7 @@ usage: screen_reader.py find ROLE NAME     the middle of what is shown and calle
        screen_reader.py text ROLE NAME     the text in it
        screen_reader.py focused            ROLE: NAME of what has the keyboard
        screen_reader.py shown              ROLE: NAME of everything that is shown, a line each
-       screen_reader.py faults             what takes the keyboard without a name or a role
+       screen_reader.py faults             what has a role but no name, a name or the keyboard but no role
 
 A name matches what begins with it. Ends with 1 when there is no such thing.
 """
@@ -63,11 +63,25 @@ def has_keyboard(node):
     return states.contains(State.FOCUSED) and states.contains(State.FOCUSABLE)
 
 
+# What only holds others together, which a screen reader passes over.
+PASSED_OVER = (Atspi.Role.UNKNOWN, Atspi.Role.INVALID, Atspi.Role.FILLER)
+# Of these it says what is in them.
+CONTAINERS = (
+    Atspi.Role.APPLICATION,
+    Atspi.Role.FRAME,
+    Atspi.Role.DIALOG,
+    Atspi.Role.WINDOW,
+    Atspi.Role.LAYERED_PANE,
+    Atspi.Role.SCROLL_BAR,
+)
+
+
 def is_faulty(node):
     takes_keyboard = node.get_state_set().contains(State.FOCUSABLE)
-    is_window = node.get_role() in (Atspi.Role.FRAME, Atspi.Role.DIALOG, Atspi.Role.WINDOW)
-    has_role = node.get_role() not in (Atspi.Role.UNKNOWN, Atspi.Role.INVALID, Atspi.Role.FILLER)
-    return takes_keyboard and not is_window and not (has_role and node.get_name())
+    role, name = node.get_role(), node.get_name()
+    if role in PASSED_OVER:
+        return takes_keyboard or bool(name)
+    return role not in CONTAINERS and not name
 
 
 def main(what, *rest):

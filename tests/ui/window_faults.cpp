@@ -1,6 +1,7 @@
 #include "ui/window_faults.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include <QAbstractButton>
@@ -194,16 +195,26 @@ QStringList faultsOfFocus(QWidget& window, const QList<QWidget*>& seen) {
     return faults;
 }
 
+bool isContainer(QAccessible::Role role) {
+    constexpr std::array roles{QAccessible::Window, QAccessible::LayeredPane,
+                               QAccessible::PageTabList, QAccessible::ScrollBar, QAccessible::Pane};
+    return std::ranges::find(roles, role) != roles.end();
+}
+
 QStringList faultsForScreenReaders(const QList<QWidget*>& seen) {
     QStringList faults;
     for (QWidget* widget : seen) {
-        const bool isTold = widget->focusPolicy() != Qt::NoFocus ||
-                            qobject_cast<const QProgressBar*>(widget) != nullptr;
-        if (!isTold || widget->focusProxy()) continue;
-        QAccessibleInterface* const told = QAccessible::queryAccessibleInterface(widget);
-        if (!told || told->role() == QAccessible::NoRole || told->role() == QAccessible::Client)
+        // The toolkit's own parts of a message box.
+        if (widget->objectName().startsWith(QLatin1String("qt_"))) continue;
+        const QAccessibleInterface* const told = QAccessible::queryAccessibleInterface(widget);
+        const QAccessible::Role role = told ? told->role() : QAccessible::NoRole;
+        // What only holds others together is passed over.
+        const bool isPassedOver = role == QAccessible::NoRole || role == QAccessible::Client;
+        const bool takesFocus = widget->focusPolicy() != Qt::NoFocus && !widget->focusProxy();
+        const bool isNamed = told && !told->text(QAccessible::Name).isEmpty();
+        if (isPassedOver && (takesFocus || !widget->accessibleName().isEmpty()))
             faults << nameOf(*widget) + QStringLiteral(" has no role");
-        else if (told->text(QAccessible::Name).isEmpty())
+        else if (!isPassedOver && !isNamed && !isContainer(role))
             faults << nameOf(*widget) + QStringLiteral(" has no name");
     }
     return faults;
