@@ -186,11 +186,6 @@ tl::unexpected<std::string> EndpointFileWriter::failure(int error) const {
     return tl::unexpected("Cannot write " + m_path + ": " + reason + ".");
 }
 
-bool EndpointFileWriter::isMissing() const {
-    struct stat present {};
-    return lstat(m_path.c_str(), &present) != 0 && errno == ENOENT;
-}
-
 void EndpointFileWriter::withdraw() {
     if (m_file < 0) return;
     if (isPublished()) unlink(m_path.c_str());

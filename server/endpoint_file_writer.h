@@ -35,9 +35,6 @@ public:
     /// somebody else has put into the folder. The error is a sentence for the user.
     [[nodiscard]] tl::expected<void, std::string> publish(const EndpointDescription& description);
 
-    /// Whether there is no file now, not even another server's.
-    [[nodiscard]] bool isMissing() const;
-
     /// Whether the file that is there is this server's.
     [[nodiscard]] bool isPublished() const;
 

@@ -56,8 +56,9 @@ void ServerPresence::setSpeed(double rtf) {
 
 void ServerPresence::refresh() {
     const std::lock_guard lock(m_mutex);
-    if (m_stage != Stage::Present || !m_isReady || !m_endpointFile.isMissing()) return;
-    if (publish()) m_log.write(LogLevel::Info, "The endpoint file was gone, and is there again.");
+    if (m_stage != Stage::Present || !m_isReady || m_endpointFile.isPublished()) return;
+    if (publish() && m_endpointFile.isPublished())
+        m_log.write(LogLevel::Info, "The endpoint file was gone, and is there again.");
 }
 
 void ServerPresence::disappear() {

@@ -35,7 +35,8 @@ public:
     /// network hears of those by more than a tenth.
     void setSpeed(double rtf);
 
-    /// Puts the file back that somebody has deleted, as cleaners of temporary files do.
+    /// Puts the file back when somebody has deleted it, as cleaners of temporary files do, or when
+    /// the server that was there first is gone. To be asked now and then.
     void refresh();
 
     /// For good.
