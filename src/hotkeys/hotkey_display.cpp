@@ -115,7 +115,10 @@ QString display(const QString& spec) {
     for (const Modifier& each : modifiers) {
         if (hotkey->modifiers & each.flag) result += shown(each.compact);
     }
-    if (hotkey->keyCode) result += renderKeyLabel(*hotkey->keyCode);
+    if (hotkey->keyCode)
+        result += renderKeyLabel(*hotkey->keyCode);
+    else if (result.endsWith(u'+'))  // words in the place of signs, joined to what follows
+        result.chop(1);
     return result;
 }
 

@@ -16,6 +16,11 @@ struct Texts {
     Q_DECLARE_TR_FUNCTIONS(DoneStepTexts)
 };
 
+/// What is not above nothing has not been measured.
+bool isSlow(std::optional<double> rtf) {
+    return rtf && *rtf > 0 && *rtf < slowThreshold;
+}
+
 /// How long transcribing takes, such as "2.0x" as long as the recording.
 QString lengthMultiple(double rtf) {
     return QString::number(1 / rtf, 'f', 1) + u'x';
@@ -32,7 +37,7 @@ QString invocationHint(const Config& config) {
 }
 
 std::optional<QString> slowLocalNote(std::optional<double> measuredRTF) {
-    if (!measuredRTF || !(*measuredRTF < slowThreshold)) return std::nullopt;
+    if (!isSlow(measuredRTF)) return std::nullopt;
     return Texts::tr(
                "Your machine takes about %1 the audio length to transcribe. You can switch "
                "to a faster server later in Preferences.")
@@ -43,8 +48,7 @@ std::optional<QString> slowRemoteNote(const QString& instance,
                                       const std::vector<MDNSBrowser::Entry>& remotes,
                                       const HardwareProfile& hardware) {
     const auto server = std::ranges::find(remotes, instance, &MDNSBrowser::Entry::name);
-    if (server == remotes.end() || !server->rtf || !(*server->rtf < slowThreshold))
-        return std::nullopt;
+    if (server == remotes.end() || !isSlow(server->rtf)) return std::nullopt;
     const auto& variant = hardware.appleSiliconVariant();
     const auto own = variant ? variant->estimatedRTF() : std::nullopt;
     if (!own || !(*own > ServerRanker::fasterFrom * *server->rtf)) return std::nullopt;

@@ -18,13 +18,14 @@ DownloadText DownloadText::of(const ModelDownloader::State& state, std::optional
     using Case = ModelDownloader::State::Case;
     switch (state.kind) {
         case Case::idle:
-            return {Texts::tr("Starting download…"), std::nullopt};
+            return {.text = Texts::tr("Starting download…")};
         case Case::downloading:
-            return {{}, percentOf(progress.value_or(0))};
+            if (!progress) return {.showsBar = true};
+            return {.showsBar = true, .percent = percentOf(*progress)};
         case Case::paused:
-            return {Texts::tr("Paused"), std::nullopt, true};
+            return {.text = Texts::tr("Paused"), .offersRetry = true};
         case Case::failed:
-            return {Texts::tr("Download failed: ") + state.message, std::nullopt, true};
+            return {.text = Texts::tr("Download failed: ") + state.message, .offersRetry = true};
         case Case::ready:
             break;
     }

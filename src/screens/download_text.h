@@ -10,9 +10,10 @@ namespace quietlark {
 
 /// How the model's download goes, for the user.
 struct DownloadText {
-    QString text;                ///< empty while there is a percentage to show, and at the end
-    std::optional<int> percent;  ///< of a download under way
-    bool offersRetry = false;    ///< it goes on only when the user says so
+    QString text{};                ///< empty while there is a bar to show, and at the end
+    bool showsBar = false;         ///< it is under way
+    std::optional<int> percent{};  ///< how far the bar has come; absent while nobody knows
+    bool offersRetry = false;      ///< it goes on only when the user says so
 
     /// `progress` is from 0 to 1.
     [[nodiscard]] static DownloadText of(const ModelDownloader::State& state,

@@ -16,19 +16,21 @@ ServerPaneModel::ServerPaneModel(AppState& appState, ServerResolver& resolver,
       m_scheduler(scheduler),
       m_serverEndpoint(m_endpointFile),
       m_mode(appState.config().serverMode),
+      m_stand(stand()),
       m_isEditing(mustChoose()) {
     connect(&m_appState, &AppState::configChanged, this, &ServerPaneModel::onConfig);
     connect(&m_appState.modelDownloader(), &ModelDownloader::stateChanged, this,
-            &ServerPaneModel::changed);
+            &ServerPaneModel::look);
     connect(&m_appState.modelDownloader(), &ModelDownloader::progressChanged, this,
-            &ServerPaneModel::changed);
+            &ServerPaneModel::look);
 }
 
 ServerPaneModel::~ServerPaneModel() = default;
 
 void ServerPaneModel::appear() {
     m_screen = std::make_unique<QObject>();
-    m_pollTimer = m_scheduler.every(pollInterval, [this] { Q_EMIT changed(); });
+    m_pollTimer = m_scheduler.every(pollInterval, [this] { look(); });
+    look();
     probe();
 }
 
@@ -51,16 +53,15 @@ ServerPaneModel::Hero ServerPaneModel::hero() const {
     if (std::holds_alternative<Unconfigured>(m_mode))
         return {QStringLiteral("network"), tr("No server chosen"),
                 tr("Choose where Quietlark should transcribe.")};
-    const LocalServerStand now = stand();
-    return {QStringLiteral("desktopcomputer"), localTitle(now), localDetails(now)};
+    return {QStringLiteral("desktopcomputer"), localTitle(m_stand), localDetails(m_stand)};
 }
 
 bool ServerPaneModel::showsFixUp() const {
-    return std::holds_alternative<Local>(m_mode) && needsApproval(stand());
+    return std::holds_alternative<Local>(m_mode) && needsApproval(m_stand);
 }
 
 bool ServerPaneModel::showsDownload() const {
-    return std::holds_alternative<Local>(m_mode) && needsDownload(stand());
+    return std::holds_alternative<Local>(m_mode) && needsDownload(m_stand);
 }
 
 void ServerPaneModel::approve() {
@@ -75,7 +76,7 @@ void ServerPaneModel::onConfig(const Config& config) {
     if (std::exchange(m_mode, config.serverMode) == config.serverMode) return;
     m_remoteReachable.reset();
     if (m_screen) probe();
-    Q_EMIT changed();
+    look();
     // A choice that goes on does so from its beginning: the one before stood for another server.
     setEditing(false);
     setEditing(mustChoose());
@@ -98,6 +99,11 @@ void ServerPaneModel::probe() {
     m_probeTask = m_resolver.resolveServer(
         *address, ServerResolver::usualTimeout,
         [finish](const std::optional<ResolvedServer>& server) { finish(server.has_value()); });
+}
+
+void ServerPaneModel::look() {
+    m_stand = stand();
+    Q_EMIT changed();
 }
 
 LocalServerStand ServerPaneModel::stand() const {

@@ -66,6 +66,7 @@ private:
     void onConfig(const Config& config);
     [[nodiscard]] bool mustChoose() const;
     void probe();
+    void look();
     [[nodiscard]] LocalServerStand stand() const;
     [[nodiscard]] Hero remoteHero(const QString& name, const QString& address) const;
 
@@ -75,6 +76,7 @@ private:
     Scheduler& m_scheduler;
     const ServerEndpoint m_serverEndpoint;
     ServerMode m_mode;
+    LocalServerStand m_stand;  ///< as of the last look
     bool m_isEditing;
     std::optional<bool> m_remoteReachable;  ///< absent until the first answer
     std::unique_ptr<QObject> m_screen;      ///< while it is shown

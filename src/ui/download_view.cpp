@@ -30,7 +30,9 @@ DownloadView::DownloadView(ModelDownloader& downloader, Qt::AlignmentFlag side)
 
 void DownloadView::refresh() {
     const auto shown = DownloadText::of(m_downloader.state(), m_downloader.progress());
-    m_bar->setVisible(shown.percent.has_value());
+    m_bar->setVisible(shown.showsBar);
+    // Without an end it only says that something is going on.
+    m_bar->setMaximum(shown.percent ? 100 : 0);
     m_bar->setValue(shown.percent.value_or(0));
     m_text->setVisible(!shown.text.isEmpty());
     m_text->setText(shown.text);

@@ -40,6 +40,12 @@ QSize HotkeyCaptureView::sizeHint() const {
             m_chips->sizeHint().height() + margin * 3 / 4};
 }
 
+/// Of what is no hotkey, and may be of any length, as much as there is room for.
+QString HotkeyCaptureView::shortened(const QString& text) const {
+    return fontMetrics().elidedText(text, Qt::ElideMiddle,
+                                    fontMetrics().horizontalAdvance(hotkeyCaptureHint()));
+}
+
 void HotkeyCaptureView::focusOutEvent(QFocusEvent* event) {
     m_capture.cancel();
     QPushButton::focusOutEvent(event);
@@ -51,11 +57,11 @@ void HotkeyCaptureView::hideEvent(QHideEvent* event) {
 }
 
 void HotkeyCaptureView::refresh() {
-    const QString& spec = m_capture.spec();
+    const QString spec = m_capture.spec().trimmed();
     const bool showsChips = !m_capture.isCapturing() && m_chips->setSpec(spec);
     m_text->setText(m_capture.isCapturing() ? hotkeyCaptureHint()
                     : spec.isEmpty()        ? hotkeyPlaceholder()
-                                            : HotkeyDisplay::display(spec));
+                                            : shortened(HotkeyDisplay::display(spec)));
     m_layout->setCurrentWidget(showsChips ? static_cast<QWidget*>(m_chips) : m_text);
     const QString value = spec.isEmpty() ? hotkeyPlaceholder() : HotkeyDisplay::displayJoined(spec);
     setAccessibleName(QStringLiteral("%1: %2").arg(

@@ -32,6 +32,7 @@ protected:
 
 private:
     void refresh();
+    [[nodiscard]] QString shortened(const QString& text) const;
 
     const QString m_name;
     HotkeyCapture m_capture;

@@ -42,6 +42,11 @@ TEST(SlowMachineNoteTest, ASlowMachineIsToldByHowMuch) {
     EXPECT_TRUE(slowLocalNote(0.5)->contains(text("about 2.0x the audio")));
 }
 
+TEST(SlowMachineNoteTest, WhatNoMachineTakesIsNotTold) {
+    EXPECT_EQ(slowLocalNote(0.0), std::nullopt);
+    EXPECT_EQ(slowLocalNote(-0.5), std::nullopt);
+}
+
 class SlowRemoteNoteTest : public ::testing::Test {
 protected:
     static std::optional<QString> noteFor(std::optional<double> rtf, const char* processor) {
@@ -61,6 +66,7 @@ TEST_F(SlowRemoteNoteTest, ASlowServerIsComparedWithAFasterComputer) {
 TEST_F(SlowRemoteNoteTest, ThereIsNoneForAServerFastEnoughOrOfUnknownSpeed) {
     EXPECT_EQ(noteFor(1.5, "Apple M1 Pro"), std::nullopt);
     EXPECT_EQ(noteFor(std::nullopt, "Apple M1 Pro"), std::nullopt);
+    EXPECT_EQ(noteFor(0.0, "Apple M1 Pro"), std::nullopt);
 }
 
 TEST_F(SlowRemoteNoteTest, ThereIsNoneOnAComputerOfUnknownSpeed) {
@@ -75,6 +81,8 @@ TEST_F(SlowRemoteNoteTest, ThereIsNoneForAServerThatIsNotFound) {
 TEST(DownloadTextTest, EachStateHasItsText) {
     EXPECT_EQ(DownloadText::of({Download::idle}, {}).text, text("Starting download…"));
     EXPECT_EQ(DownloadText::of({Download::downloading}, 0.426).percent, 43);
+    EXPECT_TRUE(DownloadText::of({Download::downloading}, {}).showsBar);
+    EXPECT_EQ(DownloadText::of({Download::downloading}, {}).percent, std::nullopt);
     EXPECT_EQ(DownloadText::of({Download::paused}, {}).text, text("Paused"));
     EXPECT_EQ(DownloadText::of({Download::failed, text("No disk.")}, {}).text,
               text("Download failed: No disk."));

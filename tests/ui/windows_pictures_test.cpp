@@ -88,6 +88,7 @@ TEST_P(WindowsPicturesTest, OnboardingDoneWithTheLocalServer) {
     take("onboarding-done-download-starting");
     state().modelDownloader().start();
     scheduler.runPosted();
+    take("onboarding-done-downloading-from-the-beginning");
     fetcher.report(420, 1000);
     scheduler.runPosted();
     take("onboarding-done-downloading");
@@ -142,6 +143,15 @@ TEST_P(WindowsPicturesTest, PreferencesHotkey) {
     take("preferences-hotkey");
     field().click();
     take("preferences-hotkey-capturing");
+}
+
+TEST_P(WindowsPicturesTest, PreferencesHotkeyThatIsNone) {
+    Config config = manualRemote();
+    config.hotkey = text(" ");
+    config.toggleHotkey = QString(80, u'x');
+    saved(config);
+    open(Kind::preferences).findChild<PrefsView*>()->select(PrefsTab::hotkey);
+    take("preferences-hotkey-none");
 }
 
 TEST_P(WindowsPicturesTest, PreferencesServerRemote) {
