@@ -33,14 +33,16 @@ UNIT
     export DBUS_SESSION_BUS_ADDRESS="unix:path=$manager/run/bus"
 }
 
-# The place that the model comes from: as large as it takes to see it coming.
+# The place that the model comes from, which keeps it to itself until it may go on.
 start_model_host() {
     head -c 5000000 /dev/urandom >"$desktop/model.bin"
     start model_host sh -c 'sleep infinity | exec "$0" "$1"' "$bin/file_server" "$desktop/model.bin"
-    wait_for_line 60 "$started_id" "$logs/model_host.out" '^http' || fail 'There is no model to fetch.'
+    model_host_id=$started_id
+    wait_for_line 60 "$model_host_id" "$logs/model_host.out" '^http' || fail 'There is no model to fetch.'
     QUIETLARK_MODEL_URL=$(cat "$logs/model_host.out")
     QUIETLARK_MODEL_SHA256=$(sha256sum "$desktop/model.bin" | cut -d ' ' -f 1)
     export QUIETLARK_MODEL_URL QUIETLARK_MODEL_SHA256
+    kill -STOP -- "-$model_host_id"
 }
 
 start_service_manager
@@ -71,6 +73,9 @@ is_at 3
 clicks 'push button' Next
 
 is_at 4
+sees label 'Downloading the transcription model. This only happens once.'
+sees 'progress bar' 'Model download'
+kill -CONT -- "-$model_host_id"
 sees label "You're all set!" 120
 clicks text 'Try it out'
 tries_out 'hello world'
