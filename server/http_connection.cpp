@@ -64,6 +64,11 @@ void HttpConnection::expectBody(std::uint64_t bytes) {
     allow(m_patience.transfer);
 }
 
+void HttpConnection::beginAnswer() {
+    m_isAnswering = true;
+    allow(m_patience.transfer);
+}
+
 bool HttpConnection::isRequestComplete() const {
     return m_progress == Progress::Body && m_readable == 0;
 }
@@ -96,11 +101,6 @@ ssize_t HttpConnection::read(char* bytes, std::size_t size) {
 }
 
 ssize_t HttpConnection::write(const char* bytes, std::size_t size) {
-    // The time that the engine took is not the client's. An answer that asks for the body is none.
-    if (!m_isAnswering && m_readable == 0) {
-        m_isAnswering = true;
-        allow(m_patience.transfer);
-    }
     if (!is_writable()) return -1;
     const ssize_t count = send(m_socket, bytes, size, MSG_NOSIGNAL | MSG_DONTWAIT);
     if (m_isAnswering && count > 0) allowMore(static_cast<std::size_t>(count));

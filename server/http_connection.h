@@ -35,6 +35,10 @@ public:
     /// Lets `bytes` more of this request be read: what its head said.
     void expectBody(std::uint64_t bytes);
 
+    /// Gives the answer its own time: what the engine took is not the client's. What is written
+    /// before asks for the body.
+    void beginAnswer();
+
     /// Whether the request has been read to its end, so that another can follow it.
     [[nodiscard]] bool isRequestComplete() const;
 

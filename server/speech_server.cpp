@@ -25,7 +25,7 @@ constexpr std::size_t longestLoggedPath = 128;
 
 /// What is known of the request that a thread answers beside what the library passes on.
 struct Visit {
-    const HttpConnection* connection = nullptr;
+    HttpConnection* connection = nullptr;
     std::string contentType = {};
     std::uint64_t announcedBytes = 0;
     std::optional<HttpResponse> refusal = {};
@@ -33,6 +33,12 @@ struct Visit {
     std::uint64_t receivedBytes = 0;  ///< of the upload
 };
 thread_local Visit visit;
+
+/// Begins the answer.
+void reply(httplib::Response& out, const HttpResponse& response) {
+    visit.connection->beginAnswer();
+    fill(out, response);
+}
 
 HttpResponse noRoom() {
     return unavailableResponse("Too many recordings are waiting already.");
@@ -57,7 +63,7 @@ public:
 private:
     bool process_and_close_socket(socket_t socket) override;
     void serveRequests(HttpConnection& connection);
-    void prepare(HttpConnection& connection, httplib::Request& request);
+    void prepare(httplib::Request& request);
     void finish();
     bool refuse(const httplib::Request& request, httplib::Response& out) const;
     void answerUpload(const httplib::Request& request, httplib::Response& out,
@@ -137,22 +143,23 @@ bool SpeechServer::Listener::process_and_close_socket(socket_t socket) {
 void SpeechServer::Listener::serveRequests(HttpConnection& connection) {
     for (auto left = requestsPerConnection; left > 0 && connection.waitForRequest(); --left) {
         bool isClosed = false;
+        visit.connection = &connection;
         const bool hasAnswered =
             process_request(connection, left == 1 || m_isStopping, isClosed,
-                            [&](httplib::Request& request) { prepare(connection, request); });
+                            [this](httplib::Request& request) { prepare(request); });
         finish();
         if (!hasAnswered || isClosed || m_isStopping || !connection.isRequestComplete()) break;
     }
 }
 
-void SpeechServer::Listener::prepare(HttpConnection& connection, httplib::Request& request) {
+void SpeechServer::Listener::prepare(httplib::Request& request) {
     const HttpHead head = headOf(request);
     const bool isChunked = !head.transferEncoding.empty();
     // A chunked body ends where it says. The library would follow it to wherever that is.
     const std::uint64_t bodyBytes =
         isChunked ? m_api.limits().bodyBytes : head.contentLength.value_or(0);
-    connection.expectBody(bodyBytes);
-    visit = {.connection = &connection,
+    visit.connection->expectBody(bodyBytes);
+    visit = {.connection = visit.connection,
              .contentType = head.contentType,
              .announcedBytes = head.contentLength.value_or(0),
              .refusal = m_api.refusal(head)};
@@ -178,7 +185,7 @@ void SpeechServer::Listener::finish() {
 
 bool SpeechServer::Listener::refuse(const httplib::Request& request, httplib::Response& out) const {
     if (!visit.refusal) return false;
-    fill(out, *visit.refusal);
+    reply(out, *visit.refusal);
     logRequest(request, out, "");
     return true;
 }
@@ -213,7 +220,7 @@ void SpeechServer::Listener::answer(const httplib::Request& request, httplib::Re
          .form = std::move(form),
          .isAbandoned = [connection = visit.connection] { return connection->hasClientLeft(); }});
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
-    fill(out, response);
+    reply(out, response);
     logRequest(request, out,
                " audio=" + decimals(response.audioSeconds) +
                    "s elapsed=" + decimals(elapsed.count()) + "s");
@@ -224,7 +231,7 @@ void SpeechServer::Listener::describeError(const httplib::Request& request,
     if (!out.body.empty()) return;
     // What is left of such a request is not read, so that no other can follow it.
     out.set_header("Connection", "close");
-    fill(out, errorResponse(out.status, {.message = messageFor(out.status)}));
+    reply(out, errorResponse(out.status, {.message = messageFor(out.status)}));
     logRequest(request, out, "");
 }
 

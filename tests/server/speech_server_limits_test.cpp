@@ -66,6 +66,14 @@ class UsualServerTest : public LimitedServerTest<FakeSpeechEngine> {};
 
 class SpeechServerQueueTest : public LimitedServerTest<HeldEngine> {};
 
+constexpr std::chrono::milliseconds transferTime{1000};
+
+/// A server whose engine takes longer than a client may.
+class SlowEngineTest : public LimitedServerTest<HeldEngine> {
+protected:
+    SlowEngineTest() : LimitedServerTest({}, {.transfer = transferTime}) {}
+};
+
 /// A server that lets no upload wait while another is there.
 class CrowdedServerTest : public LimitedServerTest<FakeSpeechEngine> {
 protected:
@@ -205,6 +213,19 @@ TEST_F(SpeechServerQueueTest, ARecordingWhoseClientHasLeftIsNotTranscribed) {
     EXPECT_EQ(m_engine.order(), (std::vector<std::size_t>{1000, 3000}));
     for (const auto& line : m_log.lines())
         EXPECT_EQ(line.level, LogLevel::Info) << line.text;
+}
+
+TEST_F(SlowEngineTest, AnAnswerHasItsOwnTimeHoweverTheUploadCame) {
+    const auto whole = connected();
+    whole->send(m_upload);
+    const auto chunked = connected();
+    chunked->send(chunkedHead + chunk(m_form) + "0\r\n\r\n");
+    ASSERT_TRUE(waitUntil([&] { return m_engine.order().size() + m_queue.waiting() == 2; }));
+    const auto end = std::chrono::steady_clock::now() + transferTime;
+    ASSERT_TRUE(waitUntil([&] { return std::chrono::steady_clock::now() > end; }));
+    m_engine.release();
+    EXPECT_EQ(whole->receive().status, 200);
+    EXPECT_EQ(chunked->receive().status, 200);
 }
 
 TEST_F(UsualServerTest, AnUploadInChunksIsReadToItsEnd) {
