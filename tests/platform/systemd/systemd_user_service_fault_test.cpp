@@ -108,6 +108,28 @@ TEST_F(SystemdUserServiceFaultTest, AnOddErrorIsPassedOn) {
     EXPECT_TRUE(complaintOfRegistering().endsWith(QStringLiteral("Odd.")));
 }
 
+TEST_F(SystemdUserServiceFaultTest, FailuresAreForgottenBeforeTheServiceIsStarted) {
+    manager.errorName = QStringLiteral("com.example.Strange");
+    const QStringList answered{QStringLiteral("EnableUnitFiles"), QStringLiteral("Reload"),
+                               QStringLiteral("ResetFailedUnit")};
+    for (const QString& method : answered)
+        manager.answers[method] = QVariant(true);
+    startManager();
+    follow();
+    EXPECT_TRUE(complaintOfRegistering().endsWith(QStringLiteral("Odd.")));
+    EXPECT_EQ(manager.calls, answered);
+}
+
+TEST_F(SystemdUserServiceFaultTest, AServiceIsStartedEvenIfItsFailuresCannotBeForgotten) {
+    manager.errorName = QStringLiteral("com.example.Strange");
+    for (const char* method : {"EnableUnitFiles", "Reload", "StartUnit"})
+        manager.answers[QLatin1String(method)] = QVariant(true);
+    startManager();
+    follow(200ms);
+    EXPECT_FALSE(complaintOfRegistering().isEmpty());
+    EXPECT_TRUE(manager.calls.contains(QStringLiteral("StartUnit")));
+}
+
 TEST_F(SystemdUserServiceFaultTest, WhatCannotBeStoppedIsDisabledAndTheReasonTold) {
     manager.errorName = QStringLiteral("com.example.Strange");
     managerDisables();

@@ -215,6 +215,19 @@ TEST_F(SystemdUserServiceTest, AProgramThatDoesNotStartFailsTheRegistrationAndSt
     EXPECT_EQ(service->status(), ServiceStatus::enabled);
 }
 
+TEST_F(SystemdUserServiceTest, WhatWasGivenUpAfterManyFailuresStartsWhenItsCauseIsGone) {
+    const QString limit = QStringLiteral("[Unit]\nStartLimitIntervalSec=300\nStartLimitBurst=2\n");
+    install(limit + unitRunning(QStringLiteral("%h/program infinity")));
+    ASSERT_TRUE(systemctl("enable"));
+    for (int i = 0; i < 2; ++i)
+        ASSERT_FALSE(systemctl("start"));
+    ASSERT_TRUE(systemd.run(QStringLiteral("ln -s /bin/sleep $HOME/program")));
+    ASSERT_FALSE(systemctl("start")) << "the limit holds";
+    follow();
+    EXPECT_TRUE(registerIt());
+    EXPECT_TRUE(systemctl("is-active"));
+}
+
 TEST_F(SystemdUserServiceTest, AManagerThatGoesAwayAndComesBackIsFollowedAgain) {
     install();
     ASSERT_TRUE(systemctl("enable"));

@@ -16,11 +16,20 @@ std::deque<SystemdUnitChange::Step> SystemdUnitChange::stepsFor(Kind kind, const
     // The manager knows what another unit wants only after it has read the links anew.
     const Step reload{QStringLiteral("Reload"), {}};
     if (kind == Kind::Register) {
-        return {{QStringLiteral("EnableUnitFiles"), {units, untilReboot, replacingOtherLinks}},
-                reload,
-                {QStringLiteral("StartUnit"), {unit, mode}, true}};
+        return {
+            {QStringLiteral("EnableUnitFiles"), {units, untilReboot, replacingOtherLinks}},
+            reload,
+            // What failed too often would be refused for a while, although its cause may be gone;
+            // managers before systemd 255 have forgotten that with the reload.
+            {.method = QStringLiteral("ResetFailedUnit"),
+             .arguments = {unit},
+             .onFailure = OnFailure::Ignore},
+            {.method = QStringLiteral("StartUnit"), .arguments = {unit, mode}, .queuesJob = true}};
     }
-    return {{QStringLiteral("StopUnit"), {unit, mode}, true, true},
+    return {{.method = QStringLiteral("StopUnit"),
+             .arguments = {unit, mode},
+             .queuesJob = true,
+             .onFailure = OnFailure::TellInTheEnd},
             {QStringLiteral("DisableUnitFiles"), {units, untilReboot}},
             reload};
 }
@@ -90,8 +99,9 @@ void SystemdUnitChange::onJobUnfinished() {
 }
 
 void SystemdUnitChange::fail(const QString& sentence) {
+    if (m_step.onFailure == OnFailure::Ignore) return takeNextStep();
     m_result = tl::unexpected(ServiceError{sentence});
-    if (m_step.mayFail) return takeNextStep();
+    if (m_step.onFailure == OnFailure::TellInTheEnd) return takeNextStep();
     finish(m_result);
 }
 

@@ -20,7 +20,7 @@ class SystemdUnitChange final : public QObject {
 
 public:
     enum class Kind {
-        Register,    ///< enable, start
+        Register,    ///< enable, start; also what was given up after many failures
         Unregister,  ///< stop, disable; also what does not stop
     };
 
@@ -32,11 +32,16 @@ public:
     void begin() { takeNextStep(); }
 
 private:
+    enum class OnFailure {
+        Stop,
+        TellInTheEnd,  ///< when the other steps are done
+        Ignore
+    };
     struct Step {
         QString method;
-        QVariantList arguments;
+        QVariantList arguments = {};
         bool queuesJob = false;  ///< done only when the job that it answers has ended
-        bool mayFail = false;    ///< which is told in the end, when the other steps are done
+        OnFailure onFailure = OnFailure::Stop;
     };
 
     static std::deque<Step> stepsFor(Kind kind, const QString& unit);
