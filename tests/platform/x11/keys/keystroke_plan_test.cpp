@@ -21,9 +21,9 @@ XKeycode x(int evdev) {
     return static_cast<XKeycode>(evdev + 8);
 }
 
-std::optional<Shortcut> paste(const X11Keymap& keymap, bool inTerminal = false,
+std::optional<Shortcut> paste(const X11Keymap& keymap, WindowKind window = WindowKind::ordinary,
                               X11Keymap::Layout layout = 0) {
-    return findShortcut(keymap, layout, key_code::v, modifier::command, inTerminal);
+    return findShortcut(keymap, layout, key_code::v, modifier::command, window);
 }
 
 void expectShortcut(const std::optional<Shortcut>& shortcut, int evdev, RealModifiers modifiers) {
@@ -80,38 +80,50 @@ TEST(FindShortcut, PasteIsControlWithTheKeyThatTypesV) {
 }
 
 TEST(FindShortcut, PasteIsControlShiftVInATerminal) {
-    expectShortcut(paste(namedKeymap("us"), true), KEY_V, control | shift);
+    expectShortcut(paste(namedKeymap("us"), WindowKind::terminal), KEY_V, control | shift);
 }
 
 TEST(FindShortcut, ALayoutWithoutVBorrowsTheKeyOfAnotherLayoutOfTheKeymap) {
     expectShortcut(paste(namedKeymap("ru,us")), KEY_V, control);
     expectShortcut(paste(namedKeymap("ru,us(dvorak)")), KEY_DOT, control);
-    expectShortcut(paste(namedKeymap("us(dvorak),ru"), false, 1), KEY_DOT, control);
+    expectShortcut(paste(namedKeymap("us(dvorak),ru"), WindowKind::ordinary, 1), KEY_DOT, control);
 }
 
 TEST(FindShortcut, PasteIsShiftInsertWhereNoLayoutHasV) {
     expectShortcut(paste(namedKeymap("ru")), KEY_INSERT, shift);
-    expectShortcut(paste(namedKeymap("ru"), true), KEY_INSERT, control | shift);
+    expectShortcut(paste(namedKeymap("ru"), WindowKind::terminal), KEY_INSERT, control | shift);
+}
+
+TEST(FindShortcut, PasteIsShiftInsertInATerminalWhosePrimaryHasTheText) {
+    for (const char* layout : {"us", "ru"})
+        expectShortcut(paste(namedKeymap(layout), WindowKind::primaryTerminal), KEY_INSERT, shift);
+}
+
+TEST(FindShortcut, NoInsertIsTypedIntoATerminalWhosePrimaryHasSomethingElse) {
+    for (const char* layout : {"us", "ru"})
+        expectShortcut(paste(namedKeymap(layout), WindowKind::otherPrimaryTerminal), KEY_V,
+                       control | shift);
 }
 
 TEST(FindShortcut, AnotherLetterThatNoLayoutHasIsTypedByItsPlace) {
-    const auto copy = findShortcut(namedKeymap("ru"), 0, 8, modifier::command, false);
+    const auto copy =
+        findShortcut(namedKeymap("ru"), 0, 8, modifier::command, WindowKind::ordinary);
     expectShortcut(copy, KEY_C, control);
 }
 
 TEST(FindShortcut, KeysThatAreNotLettersAreTypedByTheirPlace) {
-    const auto undo = findShortcut(namedKeymap("de"), 0, 36, modifier::shift, false);
+    const auto undo = findShortcut(namedKeymap("de"), 0, 36, modifier::shift, WindowKind::ordinary);
     expectShortcut(undo, KEY_ENTER, shift);
 }
 
 TEST(FindShortcut, OptionIsAltAndControlStaysControl) {
-    const auto both =
-        findShortcut(namedKeymap("us"), 0, 49, modifier::option | modifier::control, false);
+    const auto both = findShortcut(namedKeymap("us"), 0, 49, modifier::option | modifier::control,
+                                   WindowKind::ordinary);
     expectShortcut(both, KEY_SPACE, control | XCB_MOD_MASK_1);
 }
 
 TEST(FindShortcut, AKeyThatNoKeyboardHasIsAbsent) {
-    EXPECT_FALSE(findShortcut(namedKeymap("us"), 0, 1000, 0, false));
+    EXPECT_FALSE(findShortcut(namedKeymap("us"), 0, 1000, 0, WindowKind::ordinary));
 }
 
 TEST(PlanKeystroke, WithNothingHeldOnlyTheModifierMoves) {

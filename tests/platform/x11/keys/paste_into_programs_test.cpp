@@ -8,6 +8,8 @@
 
 #include "peers/x_server.h"
 #include "platform/linux/x11/keys/x11_key_synthesizer.h"
+#include "platform/linux/x11/pasteboard/x11_pasteboard.h"
+#include "platform/qt/qt_scheduler.h"
 #include "platform/x11/keys/device_keyboard.h"
 #include "platform/x11/keys/paste_target.h"
 #include "support/wait.h"
@@ -45,7 +47,6 @@ struct Case {
     std::unique_ptr<PasteTarget> (*make)();
     const char* layout;
     std::vector<int> heldKeys = {};
-    const char* selection = "clipboard";
 };
 
 void PrintTo(const Case& one, std::ostream* stream) {
@@ -70,9 +71,9 @@ const Case cases[] = {
     {"VteTerminalRussian", makeSakura, "ru"},
     {"VteTerminalRussianBesideDvorak", makeSakura, "ru,us(dvorak)"},
     {"VteTerminalWithSuperHeld", makeSakura, "us", {KEY_LEFTMETA}},
-    {"XtermAmerican", makeXterm, "us", {}, "primary"},
-    {"XtermDvorak", makeXterm, "us(dvorak)", {}, "primary"},
-    {"XtermRussianWithShiftHeld", makeXterm, "ru", {KEY_LEFTSHIFT}, "primary"},
+    {"XtermAmerican", makeXterm, "us"},
+    {"XtermDvorak", makeXterm, "us(dvorak)"},
+    {"XtermRussianWithShiftHeld", makeXterm, "ru", {KEY_LEFTSHIFT}},
     {"XtermOfTheClipboard", makeXtermOfTheClipboard, "us"},
 };
 
@@ -92,6 +93,14 @@ protected:
         m_server.run(QStringLiteral("setxkbmap"), {QString::fromLatin1(layout)});
     }
 
+    /// Puts a text where the program that has the focus looks for it.
+    void set(const QByteArray& text) {
+        bool isSet = false;
+        const auto question = m_pasteboard.setString(
+            QString::fromUtf8(text), [&](const auto& outcome) { isSet = outcome.has_value(); });
+        EXPECT_TRUE(waitUntil([&] { return isSet; }));
+    }
+
     /// Another program owns the selection.
     void copy(const QByteArray& text, const char* selection = "clipboard") {
         m_server.run(QStringLiteral("sh"),
@@ -104,6 +113,8 @@ protected:
     DeviceKeyboard m_keyboard{m_server.display()};
     X11KeyConnection m_connection{m_server.display()};
     X11KeySynthesizer m_synthesizer{m_connection};
+    QtScheduler m_scheduler;
+    X11Pasteboard m_pasteboard{m_scheduler, m_server.display()};
 };
 
 class PasteInto : public PasteTest, public ::testing::WithParamInterface<Case> {};
@@ -134,12 +145,12 @@ INSTANTIATE_TEST_SUITE_P(A, PasteInto, ::testing::ValuesIn(cases),
 
 }  // namespace
 
-TEST_P(PasteInto, TheTextOfTheClipboardArrives) {
+TEST_P(PasteInto, TheTextOfThePasteboardArrives) {
     const QByteArray text = "Gr\u00fc\u00dfe, \u043c\u0438\u0440";
     const auto target = GetParam().make();
     setLayout("us");
-    copy(text, GetParam().selection);
     ASSERT_TRUE(target->open(m_server, m_synthesizer));
+    set(text);
 
     setLayout(GetParam().layout);
     pasteHolding(GetParam().heldKeys);
@@ -149,6 +160,19 @@ TEST_P(PasteInto, TheTextOfTheClipboardArrives) {
     while (arrived.startsWith('x') || arrived.startsWith('\n'))
         arrived.remove(0, 1);
     EXPECT_EQ(arrived.toStdString(), text.toStdString());
+}
+
+TEST_F(PasteTest, WhatWasSelectedIsNotPastedIntoATerminalThatGetsTheFocusAfterTheTextWasSet) {
+    const auto terminal = makeXterm();
+    setLayout("us");
+    copy("selected\n", "primary");
+    set("text");
+    ASSERT_TRUE(terminal->open(m_server, m_synthesizer));
+    pasteHolding({});
+    const QByteArray controlV = "\x16";
+    const QByteArray arrived = terminal->contentsEndingWith(controlV);
+    EXPECT_TRUE(arrived.endsWith(controlV));
+    EXPECT_FALSE(arrived.contains("selected"));
 }
 
 // One launch of the program serves all combinations.

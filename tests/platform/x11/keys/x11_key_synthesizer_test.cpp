@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "peers/x_peer.h"
 #include "peers/x_proxy.h"
 #include "platform/linux/x11/keys/x11_key_event_source.h"
 #include "platform/x11/keys/x11_key_synthesizer_fixture.h"
@@ -49,10 +50,31 @@ TEST_F(X11KeySynthesizerTest, PastesWithControlShiftVIntoATerminal) {
 
 TEST_F(X11KeySynthesizerTest, PastesWithShiftInsertIntoATerminalThatPastesPrimary) {
     KeyWindow terminal(m_server.display(), "XTerm");
+    XPeer copying(m_server.display().constData());
+    copying.own("PRIMARY");
+    copying.own("CLIPBOARD");
     terminal.takeFocusWithAChild();
     EXPECT_TRUE(paste());
     m_window.takeFocus();
     EXPECT_EQ(terminal.typed(), (std::vector<KeyWindow::Key>{{x(KEY_INSERT), shift}}));
+    expectNothingHeld();
+}
+
+TEST_F(X11KeySynthesizerTest, PastesNoSelectionOfAnotherProgramsIntoSuchATerminal) {
+    KeyWindow terminal(m_server.display(), "XTerm");
+    XPeer copying(m_server.display().constData());
+    XPeer selecting(m_server.display().constData());
+    const std::vector<KeyWindow::Key> controlShiftV{{x(KEY_V), control | shift}};
+    terminal.takeFocusWithAChild();
+    EXPECT_TRUE(paste());
+    EXPECT_EQ(terminal.typed(), controlShiftV);
+    copying.own("CLIPBOARD");
+    EXPECT_TRUE(paste());
+    EXPECT_EQ(terminal.typed(), controlShiftV);
+    selecting.own("PRIMARY");
+    EXPECT_TRUE(paste());
+    m_window.takeFocus();
+    EXPECT_EQ(terminal.typed(), controlShiftV);
     expectNothingHeld();
 }
 

@@ -64,6 +64,16 @@ TEST_F(X11PasteboardPrimaryTest, ForOtherProgramsTheSelectionIsLeftAlone) {
     EXPECT_EQ(copied(), "dictated");
 }
 
+TEST_F(X11PasteboardPrimaryTest, ASelectionThatWasBroughtBackIsNotPastedInPlaceOfTheText) {
+    select("selected");
+    dictateInto(terminal);
+    restoreAll();
+    dictateInto(editor);
+    EXPECT_EQ(selected(), "dictated");
+    restoreAll();
+    EXPECT_EQ(selected(), "selected");
+}
+
 TEST_F(X11PasteboardPrimaryTest, WhatIsSelectedMeanwhileStays) {
     select("selected");
     dictateInto(terminal);

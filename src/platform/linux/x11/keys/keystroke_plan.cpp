@@ -2,11 +2,14 @@
 
 #include <algorithm>
 
+#include <linux/input-event-codes.h>
+
 namespace quietlark {
 
 namespace {
 
-constexpr KeyCode insertKey = 114;
+// X numbers a key like the kernel, plus 8.
+constexpr XKeycode insertKey = KEY_INSERT + 8;
 
 std::optional<XKeycode> keyTypingInAnyLayout(const X11Keymap& keymap, X11Keymap::Layout layout,
                                              char character, XKeycode preferred) {
@@ -72,10 +75,13 @@ void add(std::vector<KeystrokePlan::Move>& moves, const std::vector<DeviceKey>& 
 }  // namespace
 
 std::optional<Shortcut> findShortcut(const X11Keymap& keymap, X11Keymap::Layout layout,
-                                     KeyCode keyCode, ModifierFlags flags, bool inTerminal) {
+                                     KeyCode keyCode, ModifierFlags flags, WindowKind window) {
     const auto place = xKeycodeOf(keyCode);
     if (!place) return std::nullopt;
     const bool isPaste = keyCode == key_code::v && flags == modifier::command;
+    const bool inTerminal = window != WindowKind::ordinary;
+    const Shortcut shiftInsert{insertKey, keymap.realModifiers(modifier::shift)};
+    if (isPaste && window == WindowKind::primaryTerminal) return shiftInsert;
     if (flags & modifier::command) {
         flags = (flags & ~modifier::command) | modifier::control;
         if (inTerminal) flags |= modifier::shift;
@@ -83,15 +89,9 @@ std::optional<Shortcut> findShortcut(const X11Keymap& keymap, X11Keymap::Layout 
     const char letter = ansiLetterOf(keyCode);
     const auto typing = letter == 0 ? place : keyTypingInAnyLayout(keymap, layout, letter, *place);
     if (typing) return Shortcut{*typing, keymap.realModifiers(flags)};
-    if (!isPaste) return Shortcut{*place, keymap.realModifiers(flags)};
-
-    Shortcut withInsert = shiftInsert(keymap);
-    if (inTerminal) withInsert.modifiers = keymap.realModifiers(flags);
-    return withInsert;
-}
-
-Shortcut shiftInsert(const X11Keymap& keymap) {
-    return {xKeycodeOf(insertKey).value_or(0), keymap.realModifiers(modifier::shift)};
+    const bool canInsert = isPaste && window != WindowKind::otherPrimaryTerminal;
+    if (!canInsert) return Shortcut{*place, keymap.realModifiers(flags)};
+    return inTerminal ? Shortcut{insertKey, keymap.realModifiers(flags)} : shiftInsert;
 }
 
 std::optional<KeystrokePlan> planKeystroke(const X11Keymap& keymap, const KeyboardState& state,

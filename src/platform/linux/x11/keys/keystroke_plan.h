@@ -8,6 +8,14 @@
 
 namespace quietlark {
 
+/// The kinds of windows that paste by different keys.
+enum class WindowKind {
+    ordinary,
+    terminal,
+    primaryTerminal,       ///< its Shift-Insert pastes PRIMARY, which has what is to be pasted
+    otherPrimaryTerminal,  ///< its Shift-Insert pastes PRIMARY, which has something else
+};
+
 /// A key with the modifiers that an application is to see with it.
 struct Shortcut {
     XKeycode key = 0;
@@ -19,13 +27,11 @@ struct Shortcut {
 /// Command becomes Control. A letter's key is the one that types it in `layout`, or else in another
 /// layout of the keymap, where GTK, Qt and VTE look as well; or else the letter's place. Where
 /// nothing types V, Command-V becomes Shift-Insert, because these toolkits then know no Control-V.
-/// In a terminal Command becomes Control and Shift.
+/// In a terminal Command becomes Control and Shift. In one that pastes PRIMARY, Command-V is
+/// Shift-Insert where that has what is to be pasted, and no key with Insert where it does not.
 [[nodiscard]] std::optional<Shortcut> findShortcut(const X11Keymap& keymap,
                                                    X11Keymap::Layout layout, KeyCode keyCode,
-                                                   ModifierFlags flags, bool inTerminal);
-
-/// Shift-Insert, which pastes in programs that know no Command-V.
-[[nodiscard]] Shortcut shiftInsert(const X11Keymap& keymap);
+                                                   ModifierFlags flags, WindowKind window);
 
 /// How to type a shortcut whatever the user is holding.
 struct KeystrokePlan {

@@ -1,8 +1,22 @@
 #include "platform/linux/x11/keys/x11_key_synthesizer.h"
 
 #include "platform/linux/x11/focused_window.h"
+#include "platform/linux/x11/selections.h"
 
 namespace quietlark {
+
+namespace {
+
+WindowKind kindOf(const WindowClass& window, xcb_connection_t* connection) {
+    if (!isTerminal(window)) return WindowKind::ordinary;
+    if (!pastesPrimary(window)) return WindowKind::terminal;
+    // The focus may have moved here after the text was put where another window looks for it.
+    // What was selected last, ends of lines and all, must not go to a shell.
+    return primaryIsOwnedWithClipboard(connection) ? WindowKind::primaryTerminal
+                                                   : WindowKind::otherPrimaryTerminal;
+}
+
+}  // namespace
 
 tl::expected<void, Unavailable> X11KeySynthesizer::post(KeyCode keyCode, ModifierFlags flags) {
     if (auto reason = m_connection.cannotSynthesize()) return tl::unexpected(*std::move(reason));
@@ -31,11 +45,8 @@ tl::expected<void, Unavailable> X11KeySynthesizer::tryPost(KeyCode keyCode, Modi
             tr("The keyboard layout could not be read. Choose it once more in the keyboard "
                "settings.")});
     }
-    const bool isPaste = keyCode == key_code::v && flags == modifier::command;
     const auto shortcut =
-        isPaste && pastesPrimary(*window)
-            ? shiftInsert(*keymap)
-            : findShortcut(*keymap, state->lockedLayout, keyCode, flags, isTerminal(*window));
+        findShortcut(*keymap, state->lockedLayout, keyCode, flags, kindOf(*window, xcb));
     const auto plan = shortcut ? planKeystroke(*keymap, *state, *keyboards, *shortcut)
                                : std::optional<KeystrokePlan>();
     if (!plan) {

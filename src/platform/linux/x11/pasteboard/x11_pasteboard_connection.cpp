@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/linux/x11/focused_window.h"
+#include "platform/linux/x11/selections.h"
 #include "platform/linux/x11/xcb_reply.h"
 
 namespace quietlark {
@@ -106,11 +107,7 @@ std::optional<X11Property> X11PasteboardConnection::takeProperty(xcb_window_t wi
 }
 
 xcb_window_t X11PasteboardConnection::selectionOwner(xcb_atom_t selection) {
-    const auto cookie = xcb_get_selection_owner(m_connection, selection);
-    const XcbReply<xcb_get_selection_owner_reply_t> reply(
-        xcb_get_selection_owner_reply(m_connection, cookie, nullptr));
-    if (!reply) return XCB_WINDOW_NONE;
-    return reply->owner;
+    return quietlark::selectionOwner(m_connection, selection);
 }
 
 std::uint32_t X11PasteboardConnection::clientOf(xcb_window_t window) const {

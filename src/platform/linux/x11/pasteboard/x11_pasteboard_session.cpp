@@ -70,7 +70,8 @@ void X11PasteboardSession::setString(const QString& text, OutcomeHandler onSet) 
     m_owner.take(text, std::move(covered));
     m_onSet = std::move(onSet);
     m_needsPrimary = m_connection.focusPastesPrimary();
-    if (m_needsPrimary) takePrimary(text);
+    // Once it is ours it has the text as well: the focus may move to where it is pasted.
+    if (m_needsPrimary || m_primary.isOwner()) takePrimary(text);
 }
 
 void X11PasteboardSession::takePrimary(const QString& text) {

@@ -21,7 +21,8 @@ namespace quietlark {
 /// What the pasteboard's thread does: the order of commands, and which part an event is for.
 ///
 /// Where the program that gets the keys pastes the PRIMARY selection instead of the clipboard, that
-/// one has the text as well, from setString() until the clipboard no longer has it.
+/// one has the text as well, from setString() until the clipboard no longer has it. So it has while
+/// the selection is ours for having been restored: it must not be pasted in place of the text.
 ///
 /// A command may need several events until it is carried out; begin the next one when isBusy() no
 /// longer holds.
