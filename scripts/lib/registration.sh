@@ -141,6 +141,8 @@ register() {
     note_missing "$config_home/systemd/user" | remember
     note_missing "$config_home/autostart" | remember
     tell_desktop
+    # The speech server that runs is the one before.
+    systemctl --user try-restart net.quietlark.server.service 2>/dev/null || true
 }
 
 # Adds the lines of standard input to the list, but none twice.

@@ -39,7 +39,8 @@ void DaemonRegistrar::refreshIfBundleChanged() {
     if (m_bundle.isRegisteredExecutable()) return;
     callOff();
     m_request = m_daemon.unregisterService([this](const auto& result) {
-        if (!result) return;
+        // What is still registered goes on as it is.
+        if (!result && m_daemon.status() == ServiceStatus::enabled) return;
         afterPause(replacementPause, [this] { registerReplacement(); });
     });
 }

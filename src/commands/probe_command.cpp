@@ -44,7 +44,7 @@ void ProbeCommand::onResolved(const QString& address, const std::optional<Resolv
 
 bool ProbeCommand::print(const ResolvedServer& server) {
     // The name is the server's; it must not begin a line of its own or drive the terminal.
-    const QString model = Transcriber::withoutControlCharacters(server.model.value_or(QString()));
+    const QString model = Transcriber::plainLine(server.model.value_or(QString()));
     return m_console.print(QStringLiteral("flavor=") + rawValue(server.flavor)) &&
            m_console.print(QStringLiteral("url=") + server.url.toString(QUrl::FullyEncoded)) &&
            m_console.print(QStringLiteral("model=") + model);

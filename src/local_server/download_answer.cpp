@@ -76,12 +76,12 @@ QByteArray validator(const HttpHead& head) {
     return isText(date) ? date : QByteArray();
 }
 
-/// Also of a server that answers ranges without looking at If-Range. One that does not say is
-/// believed where the digest will tell.
+/// Also of a server that answers ranges without looking at If-Range. A tag must be said again (RFC
+/// 9110, 15.3.7), unless the digest will tell; a date need not be.
 bool isSameEntity(const HttpHead& head, const ModelSource& source, const RangeAsked& asked) {
-    const char* name = asked.validator.startsWith('"') ? "ETag" : "Last-Modified";
-    const auto said = head.header(name);
-    return said ? *said == asked.validator : source.sha256.has_value();
+    const bool isTag = asked.validator.startsWith('"');
+    const auto said = head.header(isTag ? "ETag" : "Last-Modified");
+    return said ? *said == asked.validator : !isTag || source.sha256;
 }
 
 DownloadAnswer readRest(const HttpHead& head, const ModelSource& source, const RangeAsked& asked) {

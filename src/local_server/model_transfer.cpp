@@ -140,8 +140,8 @@ void ModelTransfer::onAnswer(const WholeModel& answer) {
 }
 
 void ModelTransfer::onAnswer(const RestOfModel& answer) {
-    begin(answer.totalBytes, [&] { return m_received->beginRest(answer.totalBytes); });
-    if (m_received) reportProgress();
+    if (begin(answer.totalBytes, [&] { return m_received->beginRest(answer.totalBytes); }))
+        reportProgress();
 }
 
 void ModelTransfer::onAnswer(const OtherModel&) {
@@ -153,12 +153,16 @@ void ModelTransfer::onAnswer(const RefusedModel& answer) {
     failInstall(answer.reason);
 }
 
-void ModelTransfer::begin(std::optional<qint64> totalBytes,
+bool ModelTransfer::begin(std::optional<qint64> totalBytes,
                           const std::function<FileOutcome()>& open) {
     // What is here counts, also where it is about to make room.
-    if (const auto reason = lackOfSpace(totalBytes)) return finish(tl::unexpected(*reason));
+    if (const auto reason = lackOfSpace(totalBytes)) {
+        finish(tl::unexpected(*reason));
+        return false;
+    }
     const FileOutcome begun = open();
     if (!begun) failInstall(begun.error());
+    return begun.has_value();
 }
 
 std::optional<qint64> ModelTransfer::expectedBytes() const {

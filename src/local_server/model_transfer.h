@@ -47,7 +47,8 @@ private:
     void onAnswer(const RestOfModel& answer);
     void onAnswer(const OtherModel& answer);
     void onAnswer(const RefusedModel& answer);
-    void begin(std::optional<qint64> totalBytes, const std::function<FileOutcome()>& open);
+    /// False when it has ended with that.
+    bool begin(std::optional<qint64> totalBytes, const std::function<FileOutcome()>& open);
     [[nodiscard]] std::optional<qint64> expectedBytes() const;
     void onBytes(QByteArrayView bytes);
     void reportProgress();

@@ -8,6 +8,12 @@ namespace quietlark {
 
 namespace {
 
+/// Of the unit that systemd knows the local server by.
+QString serviceName() {
+    const QString set = qEnvironmentVariable("QUIETLARK_SERVICE");
+    return set.isEmpty() ? QStringLiteral("net.quietlark.server.service") : set;
+}
+
 QString helpPage() {
     return QCoreApplication::applicationDirPath() + QStringLiteral("/../share/quietlark/help.html");
 }
@@ -16,9 +22,7 @@ QString helpPage() {
 
 DesktopAdapters::DesktopAdapters(std::function<bool()> hasFocus)
     : keyboard(keyConnection, std::move(hasFocus)),
-      serverUnit(
-          qEnvironmentVariable("QUIETLARK_SERVICE", QStringLiteral("net.quietlark.server.service")),
-          sessionBus),
+      serverUnit(serviceName(), sessionBus),
       settings(qEnvironmentVariable("XDG_CURRENT_DESKTOP"), helpPage()),
       privacy(sessionKindOf(qgetenv("XDG_SESSION_TYPE"), qgetenv("WAYLAND_DISPLAY")), microphone,
               keyboard, keys),

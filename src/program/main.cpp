@@ -175,6 +175,7 @@ private:
         }
         return false;
     }
+
     int wrongUsage(const QString& sentence) {
         m_console.complain(sentence);
         return exitStatus(ExitCode::WrongUsage);

@@ -6,8 +6,6 @@
 
 namespace quietlark {
 
-namespace {}  // namespace
-
 ServerPaneModel::ServerPaneModel(AppState& appState, ServerResolver& resolver,
                                  EndpointFile endpointFile, Scheduler& scheduler)
     : m_appState(appState),

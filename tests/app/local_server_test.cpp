@@ -236,6 +236,19 @@ TEST_F(LocalServerTest, WhenTakingItBackFailsTheServerIsNotRegisteredAfresh) {
     EXPECT_TRUE(shell.alerts().empty());
 }
 
+TEST_F(LocalServerTest, AServerThatIsTakenBackButDoesNotStopIsRegisteredAfresh) {
+    service.failure = ServiceError{QStringLiteral("It does not stop.")};
+    service.current = ServiceStatus::enabled;
+    installModel();
+    saved(local());
+    delegate().applicationDidFinishLaunching();
+    service.current = ServiceStatus::notRegistered;
+    settle();
+    wait(DaemonRegistrar::replacementPause);
+    EXPECT_EQ(service.requests(), (QStringList{unregistering, registering}));
+    EXPECT_TRUE(shell.alerts().empty());
+}
+
 TEST_F(LocalServerTest, WhenRegisteringItAfreshFailsNothingIsShownOrRemembered) {
     launchLocal(ServiceStatus::enabled);
     service.failure = ServiceError{QStringLiteral("Out of luck.")};

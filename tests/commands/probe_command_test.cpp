@@ -49,7 +49,7 @@ TEST_F(ProbeCommandTest, NameOfAModelCannotForgeALine) {
     serverHas("http://h:1/v1/models", R"({"data": [{"id": "whisper\nurl=x\u001b[0m"}]})");
     run();
     EXPECT_EQ(m_results.str(),
-              "flavor=openai\nurl=http://h:1/v1/audio/transcriptions\nmodel=whisperurl=x[0m\n");
+              "flavor=openai\nurl=http://h:1/v1/audio/transcriptions\nmodel=whisper url=x[0m\n");
 }
 
 TEST_F(ProbeCommandTest, NoServerIsASentence) {

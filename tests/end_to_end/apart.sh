@@ -28,7 +28,7 @@ enter() {
     mount --bind "$root" /mnt/source
     mkdir -p "/mnt/root$root"
     mount -t overlay -o lowerdir=/mnt/source,upperdir=/mnt/source_upper,workdir=/mnt/source_work \
-        overlay "/mnt/root$root"
+        overlay "/mnt/root$root" || cannot "there is no overlay of the source"
     part=$root
     until [ "$part" = / ]; do
         chmod a+rx "/mnt/root$part"

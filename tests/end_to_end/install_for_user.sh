@@ -74,8 +74,10 @@ install_script || fail "It could not be installed: $(cat "$scratch/err")"
 desktop=$scratch logs=$scratch
 start_screen
 mkdir "$scratch/elsewhere"
-start quietlark env HOME="$scratch/elsewhere" XDG_RUNTIME_DIR=/nonexistent \
-    DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent "$bundle/bin/quietlark"
+start quietlark env -u WAYLAND_DISPLAY HOME="$scratch/elsewhere" XDG_RUNTIME_DIR=/nonexistent \
+    DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent PULSE_SERVER=unix:/nonexistent \
+    QT_QPA_PLATFORM=xcb QUIETLARK_ENDPOINT_FILE="$scratch/endpoint" \
+    QUIETLARK_MODEL_URL=http://127.0.0.1:9/ "$bundle/bin/quietlark"
 quietlark_id=$started_id
 running_from_bundle() {
     [ "$(readlink "/proc/$quietlark_id/exe")" = "$bundle/bin/quietlark" ]

@@ -130,9 +130,14 @@ TEST_F(DownloadAnswerTest, AnotherTagOrDateIsAnotherModel) {
                                {"Last-Modified", "yesterday"}})));
 }
 
-TEST_F(DownloadAnswerTest, ARangeOfNobodyKnowsWhatIsTakenOnlyWhereADigestTells) {
+TEST_F(DownloadAnswerTest, WithoutItsTagARangeIsTakenOnlyWhereADigestTells) {
     EXPECT_TRUE(isOther(rest({{"Content-Range", "bytes 40-99/100"}})));
     m_source.sha256 = "digest";
+    EXPECT_FALSE(isOther(rest({{"Content-Range", "bytes 40-99/100"}})));
+}
+
+TEST_F(DownloadAnswerTest, ADateNeedNotBeSaidAgain) {
+    m_asked.validator = "yesterday";
     EXPECT_FALSE(isOther(rest({{"Content-Range", "bytes 40-99/100"}})));
 }
 
