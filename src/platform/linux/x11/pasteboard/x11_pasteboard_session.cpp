@@ -1,9 +1,8 @@
 #include "platform/linux/x11/pasteboard/x11_pasteboard_session.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <utility>
-
-#include <xcb/xfixes.h>
 
 #include "platform/linux/x11/xcb_reply.h"
 
@@ -20,20 +19,21 @@ const Event& as(const xcb_generic_event_t& event) {
 
 X11PasteboardSession::X11PasteboardSession(const QByteArray& display, X11PasteboardLimits limits)
     : m_limits(limits), m_connection(display) {
-    watchOwner();
+    watchOwners();
 }
 
-void X11PasteboardSession::watchOwner() {
+void X11PasteboardSession::watchOwners() {
     xcb_connection_t* connection = m_connection.get();
     const auto* extension = xcb_get_extension_data(connection, &xcb_xfixes_id);
     if (extension == nullptr || !extension->present) return;
     // The server sends nothing to a client that has not said which version it speaks.
     const XcbReply<xcb_xfixes_query_version_reply_t> version(xcb_xfixes_query_version_reply(
         connection, xcb_xfixes_query_version(connection, 1, 0), nullptr));
-    xcb_xfixes_select_selection_input(connection, m_owner.window(), m_clipboard,
-                                      XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
-                                          XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
-                                          XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
+    constexpr std::uint32_t changes = XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
+                                      XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
+                                      XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE;
+    xcb_xfixes_select_selection_input(connection, m_owner.window(), m_clipboard, changes);
+    xcb_xfixes_select_selection_input(connection, m_primary.window(), XCB_ATOM_PRIMARY, changes);
     m_ownerChangedEvent = extension->first_event + XCB_XFIXES_SELECTION_NOTIFY;
 }
 
@@ -65,22 +65,31 @@ void X11PasteboardSession::read(xcb_atom_t selection, Answer answer) {
 
 void X11PasteboardSession::setString(const QString& text, OutcomeHandler onSet) {
     if (!isConnected()) return onSet(Outcome::disconnected);
-    std::optional<PasteboardSnapshot> covered =
-        m_owner.isOwner() ? m_owner.snapshot() : std::exchange(m_lastRead, std::nullopt);
-    m_owner.take(text, std::move(covered));
     m_onSet = std::move(onSet);
     m_needsPrimary = m_connection.focusPastesPrimary();
     // Once it is ours it has the text as well: the focus may move to where it is pasted.
-    if (m_needsPrimary || m_primary.isOwner()) takePrimary(text);
+    if (m_primary.isOwner()) return takeBoth(text, m_primary.snapshot());
+    if (!m_needsPrimary) return takeClipboard(text);
+    if (m_connection.selectionOwner(XCB_ATOM_PRIMARY) == XCB_WINDOW_NONE)
+        return takeBoth(text, PasteboardSnapshot());
+    // Read before anything is taken: programs that make the selection follow the clipboard would
+    // put the text there.
+    m_isCopiedAnew = false;
+    read(XCB_ATOM_PRIMARY, [this, text](std::optional<PasteboardSnapshot> selected) {
+        // A copy that is newer than the snapshot is not covered unread.
+        if (!m_isCopiedAnew) takeBoth(text, std::move(selected));
+    });
 }
 
-void X11PasteboardSession::takePrimary(const QString& text) {
-    if (m_primary.isOwner()) return m_primary.take(text, m_primary.snapshot());
-    if (m_connection.selectionOwner(XCB_ATOM_PRIMARY) == XCB_WINDOW_NONE)
-        return m_primary.take(text, PasteboardSnapshot());
-    read(XCB_ATOM_PRIMARY, [this, text](std::optional<PasteboardSnapshot> selected) {
-        m_primary.take(text, std::move(selected));
-    });
+void X11PasteboardSession::takeClipboard(const QString& text) {
+    m_owner.take(text,
+                 m_owner.isOwner() ? m_owner.snapshot() : std::exchange(m_lastRead, std::nullopt));
+}
+
+void X11PasteboardSession::takeBoth(const QString& text,
+                                    std::optional<PasteboardSnapshot> selected) {
+    m_primary.take(text, std::move(selected));
+    takeClipboard(text);
 }
 
 void X11PasteboardSession::restore(PasteboardSnapshot snapshot) {
@@ -94,6 +103,8 @@ void X11PasteboardSession::keepString() {
 }
 
 void X11PasteboardSession::stopReading() {
+    if (!m_reader) return;
+    if (m_reader->selection() != m_clipboard) return answerReader();
     m_reader.reset();
     m_answer = nullptr;
 }
@@ -152,7 +163,7 @@ void X11PasteboardSession::dispatch(const xcb_generic_event_t& event) {
     constexpr int errorType = 0;
     const int type = event.response_type & ~sentByAnotherClient;
     if (type == m_ownerChangedEvent)
-        return onOwnerChanged(as<xcb_xfixes_selection_notify_event_t>(event).owner);
+        return onOwnerChanged(as<xcb_xfixes_selection_notify_event_t>(event));
     switch (type) {
         case XCB_SELECTION_REQUEST:
             return onSelectionRequest(as<xcb_selection_request_event_t>(event));
@@ -195,10 +206,13 @@ void X11PasteboardSession::onError(const xcb_generic_error_t& error) {
     if (error.error_code == XCB_WINDOW) m_server.onWindowGone(error.resource_id);
 }
 
-void X11PasteboardSession::onOwnerChanged(xcb_window_t owner) {
-    if (owner == m_owner.window()) return;
-    m_lastRead.reset();
-    if (m_reader && m_reader->selection() == m_clipboard) m_reader->onOwnerChanged(owner);
+void X11PasteboardSession::onOwnerChanged(const xcb_xfixes_selection_notify_event_t& event) {
+    if (event.owner == m_owner.window() || event.owner == m_primary.window()) return;
+    if (event.selection == m_clipboard) {
+        m_lastRead.reset();
+        m_isCopiedAnew = true;
+    }
+    if (m_reader && m_reader->selection() == event.selection) m_reader->onOwnerChanged(event.owner);
 }
 
 void X11PasteboardSession::answerReader() {

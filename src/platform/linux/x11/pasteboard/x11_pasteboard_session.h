@@ -6,6 +6,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <xcb/xfixes.h>
 
 #include "platform/linux/x11/pasteboard/x11_clipboard_handover.h"
 #include "platform/linux/x11/pasteboard/x11_pasteboard_connection.h"
@@ -46,7 +47,8 @@ public:
     void restore(PasteboardSnapshot snapshot);
     void keepString();
 
-    /// A snapshot that is under way ends unanswered.
+    /// A snapshot that is under way ends unanswered; a text that waits for the selection's old
+    /// contents is set without them.
     void stopReading();
 
     /// Hands what we own over to a clipboard manager; hasQuit() when that is done.
@@ -67,15 +69,16 @@ public:
     bool processEvents();
 
 private:
-    void watchOwner();
+    void watchOwners();
     void read(xcb_atom_t selection, Answer answer);
-    void takePrimary(const QString& text);
+    void takeClipboard(const QString& text);
+    void takeBoth(const QString& text, std::optional<PasteboardSnapshot> selected);
     void dispatch(const xcb_generic_event_t& event);
     void onSelectionRequest(const xcb_selection_request_event_t& request);
     void onSelectionNotify(const xcb_selection_notify_event_t& event);
     void onPropertyNotify(const xcb_property_notify_event_t& event);
     void onError(const xcb_generic_error_t& error);
-    void onOwnerChanged(xcb_window_t owner);
+    void onOwnerChanged(const xcb_xfixes_selection_notify_event_t& event);
     void answerReader();
     void reportOutcome();
 
@@ -87,6 +90,7 @@ private:
     X11SelectionOwner m_owner{m_connection, m_server, m_clipboard, m_limits.grace};
     X11SelectionOwner m_primary{m_connection, m_server, XCB_ATOM_PRIMARY, m_limits.grace};
     bool m_needsPrimary = false;  ///< the text that was set last has to be there, too
+    bool m_isCopiedAnew = false;  ///< since PRIMARY began to be read
     int m_ownerChangedEvent = -1;
     bool m_wasConnected = true;
 
