@@ -33,19 +33,22 @@ void Paster::replaceContents(const QString& text, const PostedHandler& onPosted,
 void Paster::write(const QString& text, const PostedHandler& onPosted, int attemptsLeft) {
     m_question = m_pasteboard.setString(
         text, [this, text, onPosted, attemptsLeft](const tl::expected<void, Unavailable>& isSet) {
-            if (isSet) return onWritten(onPosted);
-            // What was saved is not what somebody else has put there since.
+            if (isSet) return doNext(visibilityDelay, [this, onPosted] { postCommandV(onPosted); });
+            if (attemptsLeft > 0) {
+                return doNext(visibilityDelay, [this, text, onPosted, attemptsLeft] {
+                    replaceContents(text, onPosted, attemptsLeft);
+                });
+            }
+            // Where the text stands although it would not have been found, the user can get it.
             m_saved.reset();
-            if (attemptsLeft > 0) return replaceContents(text, onPosted, attemptsLeft);
             settlePasteboard();
             onPosted(isSet);
         });
 }
 
-void Paster::onWritten(const PostedHandler& onPosted) {
+void Paster::doNext(std::chrono::milliseconds delay, std::function<void()> step) {
     m_nextStep = std::make_unique<QObject>();
-    m_scheduler.after(visibilityDelay, m_nextStep.get(),
-                      [this, onPosted] { postCommandV(onPosted); });
+    m_scheduler.after(delay, m_nextStep.get(), std::move(step));
 }
 
 void Paster::postCommandV(const PostedHandler& onPosted) {
@@ -53,8 +56,7 @@ void Paster::postCommandV(const PostedHandler& onPosted) {
     m_nextStep.reset();
     if (!posted) m_saved.reset();
     if (m_saved) {
-        m_nextStep = std::make_unique<QObject>();
-        m_scheduler.after(restoreDelay, m_nextStep.get(), [this] { settlePasteboard(); });
+        doNext(restoreDelay, [this] { settlePasteboard(); });
     } else {
         settlePasteboard();
     }

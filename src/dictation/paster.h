@@ -21,7 +21,8 @@ class Paster final : public QObject {
     Q_OBJECT
 
 public:
-    /// From the text being on the pasteboard to the keystroke, so that others have seen the change.
+    /// From the text being on the pasteboard to the keystroke, so that others have seen the change;
+    /// and from one attempt to put it there to the next, so that they are done with theirs.
     static constexpr std::chrono::milliseconds visibilityDelay{50};
     /// How often the text is put on a pasteboard that somebody else takes in the same moment.
     static constexpr int mostAttempts = 3;
@@ -30,7 +31,9 @@ public:
 
     /// Runs at most once, on the main thread and never before paste() returns: the keystroke is on
     /// its way; or it could not be typed and the text has been left on the pasteboard for good; or
-    /// the text could not even be put there, and nothing has been typed.
+    /// the text could not be put where the keystroke would have looked for it, and nothing has been
+    /// typed: what part of the pasteboard has the text all the same keeps it for good, and what
+    /// somebody else has copied stays.
     using PostedHandler = std::function<void(const tl::expected<void, Unavailable>&)>;
 
     Paster(Pasteboard& pasteboard, KeySynthesizer& keys, Scheduler& scheduler);
@@ -46,7 +49,7 @@ public:
 private:
     void replaceContents(const QString& text, const PostedHandler& onPosted, int attemptsLeft);
     void write(const QString& text, const PostedHandler& onPosted, int attemptsLeft);
-    void onWritten(const PostedHandler& onPosted);
+    void doNext(std::chrono::milliseconds delay, std::function<void()> step);
     void postCommandV(const PostedHandler& onPosted);
     void settlePasteboard();
 

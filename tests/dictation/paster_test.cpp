@@ -204,6 +204,8 @@ TEST_F(PasterTest, ACopyThatIsMadeBeforeTheTextStandsIsWhatComesBack) {
     pasteboard.userCopies(imageAndText);
     pasteboard.othersAreFaster(2, QStringLiteral("newer"));
     pasteUpToTheKeystroke("hello");
+    EXPECT_EQ(pasteboard.text(), QStringLiteral("newer"));
+    scheduler.advance(2 * Paster::visibilityDelay);
     EXPECT_EQ(pasteboard.text(), QStringLiteral("hello"));
     EXPECT_EQ(keys.posted().size(), 1u);
     scheduler.advance(200ms);
@@ -214,12 +216,70 @@ TEST_F(PasterTest, NothingIsTypedWhenTheTextCannotBePutOnThePasteboard) {
     pasteboard.userCopies(imageAndText);
     pasteboard.othersAreFaster(Paster::mostAttempts, QStringLiteral("newer"));
     pasteUpToTheKeystroke("hello");
+    EXPECT_EQ(reports, 0);
+    scheduler.advance(Paster::visibilityDelay);
     EXPECT_EQ(reports, 1);
     EXPECT_FALSE(couldPost);
     scheduler.advance(1s);
     EXPECT_TRUE(keys.posted().empty());
     EXPECT_EQ(pasteboard.text(), QStringLiteral("newer"));
     EXPECT_EQ(reports, 1);
+}
+
+TEST_F(PasterTest, WhatTheTextCoversComesBackWhenItTookSeveralAttempts) {
+    pasteboard.userCopies(imageAndText);
+    pasteboard.othersTakeTheOtherPlace(2);
+    pasteUpToTheKeystroke("hello");
+    scheduler.advance(2 * Paster::visibilityDelay);
+    EXPECT_TRUE(couldPost);
+    EXPECT_EQ(keys.posted().size(), 1u);
+    scheduler.advance(200ms);
+    EXPECT_EQ(pasteboard.contents(), imageAndText);
+}
+
+TEST_F(PasterTest, ATextThatWouldNotBeFoundStaysForTheUserToPaste) {
+    pasteboard.userCopies(imageAndText);
+    pasteboard.othersTakeTheOtherPlace(Paster::mostAttempts);
+    pasteUpToTheKeystroke("hello");
+    scheduler.advance(1s);
+    EXPECT_EQ(reports, 1);
+    EXPECT_FALSE(couldPost);
+    EXPECT_TRUE(keys.posted().empty());
+    EXPECT_EQ(pasteboard.text(), QStringLiteral("hello"));
+    EXPECT_FALSE(pasteboard.awaitsRestore());
+}
+
+TEST_F(PasterTest, GoingAwayBetweenTwoAttemptsRestoresAtOnce) {
+    pasteboard.userCopies(imageAndText);
+    pasteboard.othersTakeTheOtherPlace(1);
+    paste("hello");
+    scheduler.advance(10ms);
+    EXPECT_EQ(pasteboard.text(), QStringLiteral("hello"));
+    paster.reset();
+    EXPECT_EQ(pasteboard.contents(), imageAndText);
+}
+
+TEST_F(PasterTest, GoingAwayWhileTheNextAttemptReadsRestoresAtOnce) {
+    pasteboard.userCopies(imageAndText);
+    pasteboard.othersTakeTheOtherPlace(1);
+    paste("hello");
+    scheduler.advance(10ms);
+    pasteboard.answersAfter(1s);
+    scheduler.advance(Paster::visibilityDelay);
+    paster.reset();
+    EXPECT_EQ(pasteboard.contents(), imageAndText);
+}
+
+TEST_F(PasterTest, ASecondPasteBetweenTwoAttemptsReplacesTheFirst) {
+    pasteboard.userCopies(imageAndText);
+    pasteboard.othersAreFaster(1, QStringLiteral("newer"));
+    paste("one");
+    scheduler.advance(10ms);
+    pasteUpToTheKeystroke("two");
+    scheduler.advance(1s);
+    EXPECT_EQ(reports, 1);
+    EXPECT_EQ(keys.posted().size(), 1u);
+    EXPECT_EQ(pasteboard.text(), QStringLiteral("newer"));
 }
 
 TEST_F(PasterTest, ASecondPasteBeforeTheFirstStandsReplacesIt) {

@@ -26,16 +26,26 @@ Cancellable X11Pasteboard::setString(const QString& text, SetHandler onSet) {
         m_settings,
         [onSet = std::move(onSet)](Outcome outcome) {
             if (outcome == Outcome::set) return onSet({});
-            onSet(tl::unexpected(Unavailable{
-                outcome == Outcome::disconnected
-                    ? tr("There is no X server that has a clipboard: log in to an X11 session and "
-                         "start Quietlark there.")
-                    : tr("Another program keeps taking the clipboard: quit it and dictate "
-                         "again.")}));
+            onSet(tl::unexpected(Unavailable{reasonFor(outcome)}));
         },
         [text](X11PasteboardSession& session, auto answer) {
             session.setString(text, std::move(answer));
         });
+}
+
+QString X11Pasteboard::reasonFor(X11PasteboardSession::Outcome outcome) {
+    using Outcome = X11PasteboardSession::Outcome;
+    if (outcome == Outcome::disconnected) {
+        return tr(
+            "There is no X server that has a clipboard: log in to an X11 session and start "
+            "Quietlark there.");
+    }
+    if (outcome == Outcome::primaryTakenByAnother) {
+        return tr(
+            "Another program keeps taking the selection, which is what this terminal pastes: paste "
+            "the text from the clipboard.");
+    }
+    return tr("Another program keeps taking the clipboard: quit it and dictate again.");
 }
 
 void X11Pasteboard::restore(PasteboardSnapshot snapshot) {

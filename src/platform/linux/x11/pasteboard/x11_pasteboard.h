@@ -37,6 +37,8 @@ public:
     void keepString() override;
 
 private:
+    static QString reasonFor(X11PasteboardSession::Outcome outcome);
+
     template <typename Answer>
     using Questions = std::map<std::uint64_t, std::function<void(Answer)>>;
     using SnapshotQuestions = Questions<std::optional<PasteboardSnapshot>>;

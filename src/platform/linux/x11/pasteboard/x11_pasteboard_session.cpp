@@ -222,9 +222,13 @@ void X11PasteboardSession::answerReader() {
 }
 
 void X11PasteboardSession::reportOutcome() {
-    const bool isSet = m_owner.isOwner() && (!m_needsPrimary || m_primary.isOwner());
-    const auto ofConnected = isSet ? Outcome::set : Outcome::takenByAnother;
-    std::exchange(m_onSet, nullptr)(isConnected() ? ofConnected : Outcome::disconnected);
+    std::exchange(m_onSet, nullptr)(outcome());
+}
+
+X11PasteboardSession::Outcome X11PasteboardSession::outcome() const {
+    if (!isConnected()) return Outcome::disconnected;
+    if (!m_owner.isOwner()) return Outcome::takenByAnother;
+    return m_needsPrimary && !m_primary.isOwner() ? Outcome::primaryTakenByAnother : Outcome::set;
 }
 
 }  // namespace quietlark

@@ -32,7 +32,12 @@ public:
     using Clock = std::chrono::steady_clock;
     using Answer = std::function<void(std::optional<PasteboardSnapshot>)>;
 
-    enum class Outcome { set, takenByAnother, disconnected };
+    enum class Outcome {
+        set,
+        takenByAnother,
+        primaryTakenByAnother,  ///< the clipboard has the text, PRIMARY does not
+        disconnected
+    };
     using OutcomeHandler = std::function<void(Outcome)>;
 
     X11PasteboardSession(const QByteArray& display, X11PasteboardLimits limits);
@@ -81,6 +86,7 @@ private:
     void onOwnerChanged(const xcb_xfixes_selection_notify_event_t& event);
     void answerReader();
     void reportOutcome();
+    [[nodiscard]] Outcome outcome() const;
 
     X11PasteboardLimits m_limits;
     X11PasteboardConnection m_connection;
