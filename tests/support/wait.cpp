@@ -17,4 +17,12 @@ bool waitUntil(const std::function<bool()>& condition, std::chrono::milliseconds
     return true;
 }
 
+bool spinUntil(const std::function<bool()>& condition, std::chrono::milliseconds limit) {
+    const QDeadlineTimer deadline(limit);
+    while (!condition()) {
+        if (deadline.hasExpired()) return false;
+    }
+    return true;
+}
+
 }  // namespace quietlark

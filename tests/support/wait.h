@@ -10,4 +10,8 @@ namespace quietlark {
 [[nodiscard]] bool waitUntil(const std::function<bool()>& condition,
                              std::chrono::milliseconds limit = std::chrono::seconds(20));
 
+/// The same on a thread that has no event loop: looks again at once.
+[[nodiscard]] bool spinUntil(const std::function<bool()>& condition,
+                             std::chrono::milliseconds limit = std::chrono::seconds(20));
+
 }  // namespace quietlark

@@ -39,8 +39,7 @@ protected:
             return std::exchange(isLifted, isLifted || lifts);
         };
         pasteAndBefore(comesAfterLifting, [&] {
-            while (m_keyboard.isDown(x(evdev))) {
-            }
+            EXPECT_TRUE(spinUntil([&] { return !m_keyboard.isDown(x(evdev)); }));
             happening();
         });
     }
