@@ -16,13 +16,11 @@ namespace {
 constexpr std::array<std::string_view, 5> privateDomains = {".local", ".localhost", ".home.arpa",
                                                             ".internal", ".lan"};
 
-/// The host of "host:port", in lower case and without a final dot.
+/// The host of "host:port".
 std::string nameIn(std::string_view authority) {
     const auto port = authority.rfind(':');
     const bool isBare = authority.ends_with(']') || port == std::string_view::npos;
-    std::string name = lowerCase(isBare ? authority : authority.substr(0, port));
-    if (name.ends_with('.')) name.pop_back();
-    return name;
+    return hostNameForm(isBare ? authority : authority.substr(0, port));
 }
 
 bool isAddress(const std::string& name) {

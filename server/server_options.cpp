@@ -6,6 +6,7 @@
 #include <charconv>
 #include <sstream>
 #include <string_view>
+#include <utility>
 
 #include <arpa/inet.h>
 
@@ -66,9 +67,10 @@ Applied setName(ServerOptions& options, const std::string& value) {
 
 /// Names with commas between them, as a client's requests bring them.
 Applied setKnownAs(ServerOptions& options, const std::string& value) {
-    std::istringstream names(lowerCase(value));
+    std::istringstream names(value);
     options.knownAs.clear();
-    for (std::string name; std::getline(names, name, ',');) {
+    for (std::string written; std::getline(names, written, ',');) {
+        std::string name = hostNameForm(written);
         const bool isName = !name.empty() && std::ranges::all_of(name, [](unsigned char character) {
             return std::isalnum(character) != 0 ||
                    std::string_view("-_.").find(static_cast<char>(character)) !=
@@ -76,7 +78,7 @@ Applied setKnownAs(ServerOptions& options, const std::string& value) {
         });
         if (!isName)
             return Error("A name by which this computer is known is like desk.example.com.");
-        options.knownAs.push_back(name);
+        options.knownAs.push_back(std::move(name));
     }
     return {};
 }

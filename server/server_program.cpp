@@ -116,7 +116,7 @@ ServerProgram::Outcome ServerProgram::use(EngineChoice::Engine engine,
 
 std::vector<std::string> ServerProgram::ownNames() const {
     auto names = m_options.knownAs;
-    names.push_back(lowerCase(fullComputerName()));
+    names.push_back(hostNameForm(fullComputerName()));
     return names;
 }
 

@@ -22,6 +22,11 @@ std::string lowerCase(std::string_view text) {
     return lower;
 }
 
+std::string hostNameForm(std::string_view name) {
+    if (name.ends_with('.')) name.remove_suffix(1);
+    return lowerCase(name);
+}
+
 std::string hexadecimal(std::uint8_t byte) {
     constexpr std::string_view digits = "0123456789abcdef";
     return {digits[byte >> 4U], digits[byte & 0x0fU]};

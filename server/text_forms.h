@@ -12,6 +12,9 @@ namespace quietlark {
 /// With the letters of ASCII in lower case.
 [[nodiscard]] std::string lowerCase(std::string_view text);
 
+/// A computer's name as names are compared: in lower case, and without a final dot.
+[[nodiscard]] std::string hostNameForm(std::string_view name);
+
 /// Two digits of lower-case hexadecimal.
 [[nodiscard]] std::string hexadecimal(std::uint8_t byte);
 

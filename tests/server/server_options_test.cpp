@@ -61,7 +61,9 @@ TEST(ServerOptionsTest, NamesOfThisComputerHaveCommasBetweenThem) {
     EXPECT_EQ(parsed({}, {{"QUIETLARK_SERVER_KNOWN_AS", "a.b"}}).knownAs, Names{"a.b"});
     EXPECT_EQ(parsed({"--known-as=c.d"}, {{"QUIETLARK_SERVER_KNOWN_AS", "a.b"}}).knownAs,
               Names{"c.d"});
-    for (const char* value : {"http://desk.example.com", "desk:8178", "a,,b", "a, b"})
+    EXPECT_EQ(parsed({"--known-as", "desk.example.com.,desk"}).knownAs,
+              (Names{"desk.example.com", "desk"}));
+    for (const char* value : {"http://desk.example.com", "desk:8178", "a,,b", "a, b", "."})
         EXPECT_EQ(refused({"--known-as", value}),
                   "A name by which this computer is known is like desk.example.com.")
             << value;
