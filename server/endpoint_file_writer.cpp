@@ -1,29 +1,20 @@
 #include "server/endpoint_file_writer.h"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <charconv>
 #include <cstring>
 #include <optional>
-#include <string_view>
 #include <utility>
-#include <vector>
 
 #include <fcntl.h>
-#include <netdb.h>
-#include <netinet/in.h>
-#include <poll.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "server/published_address.h"
 #include "server/text_forms.h"
 
 namespace quietlark {
 namespace {
-
-constexpr int longestProbeMilliseconds = 1000;
 
 std::string contentOf(const EndpointDescription& description) {
     return "local=" + description.local + "\ndisplay=" + description.display +
@@ -50,74 +41,8 @@ int errorReplacing(const std::string& path) {
     return isKept ? EPERM : 0;
 }
 
-struct Address {
-    std::string host;  ///< without brackets
-    std::string port;
-};
-
-/// What the line "local=HOST:PORT" of an endpoint file names.
-std::optional<Address> addressIn(std::string_view content) {
-    constexpr std::string_view key = "local=";
-    if (!content.starts_with(key)) return std::nullopt;
-    const auto line = content.substr(0, content.find('\n')).substr(key.size());
-    const auto colon = line.rfind(':');
-    if (colon == std::string_view::npos) return std::nullopt;
-    auto host = line.substr(0, colon);
-    if (host.starts_with('[') && host.ends_with(']')) host = host.substr(1, host.size() - 2);
-    const auto port = line.substr(colon + 1);
-    std::uint16_t number = 0;
-    const auto [end, error] = std::from_chars(port.data(), port.data() + port.size(), number);
-    if (host.empty() || error != std::errc() || end != port.data() + port.size())
-        return std::nullopt;
-    return Address{std::string(host), std::string(port)};
-}
-
-/// What comes of connecting there: 0, the system's error, or EINPROGRESS where nobody answers.
-int outcomeOfConnecting(const addrinfo& address) {
-    const int probe =
-        socket(address.ai_family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, IPPROTO_TCP);
-    if (probe < 0) return errno;
-    int error = connect(probe, address.ai_addr, address.ai_addrlen) == 0 ? 0 : errno;
-    pollfd descriptor{probe, POLLOUT, 0};
-    if (error == EINPROGRESS && poll(&descriptor, 1, longestProbeMilliseconds) > 0) {
-        socklen_t length = sizeof error;
-        getsockopt(probe, SOL_SOCKET, SO_ERROR, &error, &length);
-    }
-    close(probe);
-    return error;
-}
-
-/// The same for all that the address stands for; empty where that is not known.
-std::vector<int> outcomesOfConnecting(const Address& address) {
-    addrinfo wanted{};
-    wanted.ai_socktype = SOCK_STREAM;
-    // Other names would have to be looked up in the network.
-    wanted.ai_flags = AI_NUMERICSERV | (address.host == "localhost" ? 0 : AI_NUMERICHOST);
-    addrinfo* found = nullptr;
-    std::vector<int> outcomes;
-    if (getaddrinfo(address.host.c_str(), address.port.c_str(), &wanted, &found) != 0)
-        return outcomes;
-    for (const addrinfo* each = found; each; each = each->ai_next)
-        outcomes.push_back(outcomeOfConnecting(*each));
-    freeaddrinfo(found);
-    return outcomes;
-}
-
-/// Whether certainly nobody listens at an address: this computer says so.
-bool isDeserted(const Address& address) {
-    const auto outcomes = outcomesOfConnecting(address);
-    return !outcomes.empty() &&
-           std::ranges::all_of(outcomes, [](int outcome) { return outcome == ECONNREFUSED; });
-}
-
-/// Whether certainly somebody does.
-bool isAlive(const Address& address) {
-    const auto outcomes = outcomesOfConnecting(address);
-    return std::ranges::find(outcomes, 0) != outcomes.end();
-}
-
 /// The address in the file of a server that this user has run.
-std::optional<Address> addressInFile(const std::string& path) {
+std::optional<PublishedAddress> addressInFile(const std::string& path) {
     // A pipe in its place must not hold us up.
     const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
     if (file < 0) return std::nullopt;
@@ -128,7 +53,7 @@ std::optional<Address> addressInFile(const std::string& path) {
     const ssize_t count = isOurs ? read(file, bytes.data(), bytes.size()) : 0;
     close(file);
     if (count <= 0) return std::nullopt;
-    return addressIn({bytes.data(), static_cast<std::size_t>(count)});
+    return PublishedAddress::in({bytes.data(), static_cast<std::size_t>(count)});
 }
 
 }  // namespace
@@ -141,7 +66,7 @@ EndpointFileWriter::~EndpointFileWriter() {
 
 void EndpointFileWriter::removeLeftover() const {
     const auto address = addressInFile(m_path);
-    if (address && isDeserted(*address)) unlink(m_path.c_str());
+    if (address && address->isDeserted()) unlink(m_path.c_str());
 }
 
 tl::expected<void, std::string> EndpointFileWriter::check() const {
@@ -203,9 +128,8 @@ bool EndpointFileWriter::isAnothers(const std::string& ownAddress) const {
     if (isPublished()) return false;
     const auto address = addressInFile(m_path);
     // What crashed may have listened where we do now.
-    const auto own = addressIn("local=" + ownAddress);
-    const bool isOwn = address && own && address->host == own->host && address->port == own->port;
-    return address && !isOwn && isAlive(*address);
+    return address && address != PublishedAddress::in("local=" + ownAddress) &&
+           address->isServers();
 }
 
 }  // namespace quietlark

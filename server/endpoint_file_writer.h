@@ -31,7 +31,7 @@ public:
     [[nodiscard]] tl::expected<void, std::string> check() const;
 
     /// Puts the file there, in place of what was there before, readable by everyone; but not in
-    /// place of another server's of this user that still listens. Never follows or writes to what
+    /// place of another server's of this user that still answers. Never follows or writes to what
     /// somebody else has put into the folder. The error is a sentence for the user.
     [[nodiscard]] tl::expected<void, std::string> publish(const EndpointDescription& description);
 

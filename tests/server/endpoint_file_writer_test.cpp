@@ -4,14 +4,17 @@
 #include <iostream>
 #include <memory>
 #include <sstream>
+#include <thread>
 
 #include <QTcpServer>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+#include <httplib.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "server/host_description.h"
+#include "server/living_server.h"
 
 namespace quietlark {
 namespace {
@@ -142,17 +145,38 @@ TEST_F(EndpointFileWriterTest, AnotherServersFileStays) {
 }
 
 TEST_F(EndpointFileWriterTest, ALivingServersFileIsReplacedOnlyWhenItIsGone) {
-    QTcpServer server;
-    ASSERT_TRUE(server.listen(QHostAddress::LocalHost));
-    const std::string living = localAddress("127.0.0.1", server.serverPort());
-    write(m_path, ("local=" + living + "\n").c_str());
-    EXPECT_TRUE(m_writer->publish(m_description));
-    EXPECT_FALSE(m_writer->isPublished());
-    m_writer->withdraw();
-    EXPECT_EQ(read(m_path), "local=" + living + "\n");
-    server.close();
-    EXPECT_TRUE(m_writer->publish(m_description));
-    EXPECT_TRUE(m_writer->isPublished());
+    for (const char* host : {"127.0.0.1", "127.0.0.5", "::1"}) {
+        auto server = std::make_unique<LivingServer>(host);
+        if (!server->isBound())
+            GTEST_SKIP() << "This computer does not have the address " << host << ".";
+        const std::string living = localAddress(host, server->port());
+        write(m_path, ("local=" + living + "\n").c_str());
+        EXPECT_TRUE(m_writer->publish(m_description));
+        EXPECT_FALSE(m_writer->isPublished()) << host;
+        m_writer->withdraw();
+        EXPECT_EQ(read(m_path), "local=" + living + "\n");
+        server.reset();
+        EXPECT_TRUE(m_writer->publish(m_description));
+        EXPECT_TRUE(m_writer->isPublished()) << host;
+        m_writer->withdraw();
+    }
+}
+
+TEST_F(EndpointFileWriterTest, AnotherProgramAtThePortOfAServerThatCrashedKeepsNobodyOut) {
+    QTcpServer silent;
+    ASSERT_TRUE(silent.listen(QHostAddress::LocalHost));
+    httplib::Server web;
+    web.Get("/health", [](const auto&, auto& out) { out.set_content("OK", "text/plain"); });
+    const int webPort = web.bind_to_any_port("127.0.0.1");
+    std::thread thread([&] { web.listen_after_bind(); });
+    for (const int port : {int{silent.serverPort()}, webPort}) {
+        write(m_path, ("local=" + localAddress("127.0.0.1", port) + "\n").c_str());
+        EXPECT_TRUE(m_writer->publish(m_description));
+        EXPECT_TRUE(m_writer->isPublished()) << (port == webPort ? "web" : "silent");
+        m_writer->withdraw();
+    }
+    web.stop();
+    thread.join();
 }
 
 TEST_F(EndpointFileWriterTest, WhatListensAtItsOwnAddressIsItself) {

@@ -1,15 +1,16 @@
 #include "server/server_presence.h"
 
 #include <fstream>
+#include <memory>
 #include <optional>
 #include <sstream>
 
-#include <QTcpServer>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include "fakes/fake_log.h"
+#include "server/living_server.h"
 
 namespace quietlark {
 namespace {
@@ -127,9 +128,8 @@ TEST_F(ServerPresenceTest, TheNetworkNeedNotKnow) {
 }
 
 TEST_F(ServerPresenceTest, AnotherServerOfThisComputerIsLeftAloneUntilItIsGone) {
-    QTcpServer other;
-    ASSERT_TRUE(other.listen(QHostAddress::LocalHost));
-    const std::string content = "local=127.0.0.1:" + std::to_string(other.serverPort()) + "\n";
+    auto other = std::make_unique<LivingServer>();
+    const std::string content = "local=127.0.0.1:" + std::to_string(other->port()) + "\n";
     std::ofstream(m_path) << content;
     appear();
     m_presence.setSpeed(8);
@@ -138,7 +138,7 @@ TEST_F(ServerPresenceTest, AnotherServerOfThisComputerIsLeftAloneUntilItIsGone) 
     m_presence.refresh();
     EXPECT_EQ(file(), content);
     // As after a crash: its file stays behind.
-    other.close();
+    other.reset();
     m_presence.refresh();
     EXPECT_NE(file().find("desk.local"), std::string::npos);
 }
