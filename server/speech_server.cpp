@@ -29,8 +29,7 @@ struct Visit {
     std::string contentType = {};
     std::uint64_t announcedBytes = 0;
     std::optional<HttpResponse> refusal = {};
-    bool isAdmitted = false;          ///< as an upload
-    std::uint64_t receivedBytes = 0;  ///< of the upload
+    std::optional<Admission::Ticket> upload = {};  ///< once it is admitted
 };
 thread_local Visit visit;
 
@@ -163,8 +162,10 @@ void SpeechServer::Listener::prepare(httplib::Request& request) {
              .contentType = head.contentType,
              .announcedBytes = head.contentLength.value_or(0),
              .refusal = m_api.refusal(head)};
-    visit.isAdmitted = !visit.refusal && bodyBytes > 0 && m_admission.enter(bodyBytes);
-    if (!visit.refusal && bodyBytes > 0 && !visit.isAdmitted) visit.refusal = noRoom();
+    if (!visit.refusal && bodyBytes > 0) {
+        visit.upload = m_admission.enter(bodyBytes);
+        if (!visit.upload) visit.refusal = noRoom();
+    }
     // Answers are short: whole and uncompressed is quickest.
     request.headers.erase("Accept-Encoding");
     request.ranges.clear();
@@ -172,14 +173,14 @@ void SpeechServer::Listener::prepare(httplib::Request& request) {
     request.headers.erase("Content-Type");
     // A refused body is left unread, and where a chunked one ends only the library knows: no other
     // request can follow them.
-    if (isChunked || (bodyBytes > 0 && !visit.isAdmitted)) {
+    if (isChunked || (bodyBytes > 0 && !visit.upload)) {
         request.headers.erase("Connection");
         request.set_header("Connection", "close");
     }
 }
 
 void SpeechServer::Listener::finish() {
-    if (visit.isAdmitted) m_admission.leave(visit.receivedBytes);
+    if (visit.upload) m_admission.leave(*visit.upload);
     visit = {};
 }
 
@@ -195,11 +196,10 @@ void SpeechServer::Listener::answerUpload(const httplib::Request& request, httpl
     std::string body;
     body.reserve(visit.announcedBytes);
     const bool isWhole = read([&](const char* bytes, std::size_t count) {
-        if (!m_admission.receive(count)) {
+        if (!visit.upload || !m_admission.receive(*visit.upload, count)) {
             visit.refusal = noRoom();
             return false;
         }
-        visit.receivedBytes += count;
         body.append(bytes, count);
         return true;
     });
