@@ -1,5 +1,6 @@
 #include "platform/x11/keys/device_keyboard.h"
 
+#include <array>
 #include <string_view>
 
 #include <xcb/xinput.h>
@@ -54,10 +55,11 @@ void DeviceKeyboard::unplug() {
     constexpr std::string_view name = "Device Enabled";
     const XcbReply<xcb_intern_atom_reply_t> enabled(
         xcb_intern_atom_reply(xcb(), xcb_intern_atom(xcb(), 1, name.size(), name.data()), nullptr));
-    constexpr std::uint8_t no = 0;
+    // xcb sends what fills up the last four bytes along.
+    constexpr std::array<std::uint8_t, 4> no{};
     xcb_input_xi_change_property(xcb(), m_device, XCB_PROP_MODE_REPLACE,
                                  XCB_INPUT_PROPERTY_FORMAT_8_BITS, enabled->atom, XCB_ATOM_INTEGER,
-                                 1, &no);
+                                 1, no.data());
     finish();
 }
 
