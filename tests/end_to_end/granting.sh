@@ -3,24 +3,10 @@
 # is masked. The windows wait for both, show where to allow them, and go on by themselves.
 # shellcheck source=window_support.sh
 . "$(dirname "$0")/window_support.sh"
-# shellcheck source=../installation/service_manager.sh
-. "$root/tests/installation/service_manager.sh"
+# shellcheck source=server_unit.sh
+. "$(dirname "$0")/server_unit.sh"
 
-owner="$desktop/owner"
-service=net.quietlark.server.service
-units="$owner/home/.local/share/systemd/user"
-mkdir -p "$units"
-trap 'end_service_manager; close_virtual_desktop' EXIT
-start_service_manager "$owner" 0
-export DBUS_SESSION_BUS_ADDRESS="unix:path=$owner/run/bus"
-cat >"$units/$service" <<UNIT
-[Service]
-Type=exec
-Environment="QUIETLARK_ENDPOINT_FILE=$QUIETLARK_ENDPOINT_FILE"
-ExecStart="$bin/quietlark-server"
-[Install]
-WantedBy=default.target
-UNIT
+start_manager_of_server
 
 before_failing() {
     show_logs

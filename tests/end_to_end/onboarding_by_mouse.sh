@@ -4,6 +4,8 @@
 # wizard is closed, and comes up where it was.
 # shellcheck source=window_support.sh
 . "$(dirname "$0")/window_support.sh"
+# shellcheck source=server_unit.sh
+. "$(dirname "$0")/server_unit.sh"
 
 # The button of the window's frame.
 close_by_its_frame() {
@@ -11,26 +13,6 @@ close_by_its_frame() {
     eval "$(xdotool getwindowgeometry --shell "$window" | grep -E '^(X|Y|WIDTH)=')"
     frame=$(xprop -id "$window" _NET_FRAME_EXTENTS | sed 's/.*= //; s/,//g')
     click_at $((X + WIDTH - 10)) $((Y - $(cut -d ' ' -f 3 <<<"$frame") / 2))
-}
-
-# The user's service manager, with the server among its units, takes the session bus's place.
-start_service_manager() {
-    local manager="$desktop/manager" units
-    units="$manager/home/.local/share/systemd/user"
-    mkdir -p "$units"
-    cat >"$units/net.quietlark.server.service" <<UNIT
-[Service]
-Type=exec
-Environment="QUIETLARK_ENDPOINT_FILE=$QUIETLARK_ENDPOINT_FILE"
-ExecStart="$bin/quietlark-server"
-[Install]
-WantedBy=default.target
-UNIT
-    start manager sh -c 'sleep infinity | exec bash "$0" "$1"' \
-        "$root/tests/peers/systemd_user.sh" "$manager"
-    wait_for_line 60 "$started_id" "$logs/manager.out" . || fail 'The service manager did not start.'
-    grep -qx ready "$logs/manager.out" || skip "$(cat "$logs/manager.out")"
-    export DBUS_SESSION_BUS_ADDRESS="unix:path=$manager/run/bus"
 }
 
 # The place that the model comes from, which keeps it to itself until it may go on.
@@ -45,7 +27,7 @@ start_model_host() {
     kill -STOP -- "-$model_host_id"
 }
 
-start_service_manager
+start_manager_of_server
 start_screen_reader
 start_model_host
 open_wizard
