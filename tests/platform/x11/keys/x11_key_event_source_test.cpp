@@ -54,6 +54,14 @@ protected:
         m_server.run(QStringLiteral("setxkbmap"), arguments);
     }
 
+    /// Puts a modifier, such as Control with its symbol Control_L, onto a key.
+    void xmodmap(int evdev, QLatin1String symbol, QLatin1String modifier) {
+        const auto key = QStringLiteral("keycode %1 = %2").arg(x(evdev)).arg(symbol);
+        const auto held = QStringLiteral("add %1 = %2").arg(modifier, symbol);
+        m_server.run(QStringLiteral("xmodmap"),
+                     {QStringLiteral("-e"), key, QStringLiteral("-e"), held});
+    }
+
     /// Everything seen up to now; a last key closes the series.
     std::vector<KeyEvent> events() {
         type(KEY_ESC);
@@ -217,6 +225,30 @@ TEST_F(X11KeyEventSourceTest, KeysThatHaveNoCodeAreNotReported) {
     watch();
     type(KEY_PLAYPAUSE);
     EXPECT_TRUE(events().empty());
+}
+
+TEST_F(X11KeyEventSourceTest, AModifierOnAKeyThatHasNoCodeIsReportedAsTheLeftHandOne) {
+    watch();
+    xmodmap(KEY_MUHENKAN, QLatin1String("Control_L"), QLatin1String("Control"));
+    press(KEY_MUHENKAN);
+    type(KEY_SPACE);
+    release(KEY_MUHENKAN);
+    EXPECT_EQ(events(), (Events{{Kind::FlagsChanged, key_code::control, modifier::control},
+                                {Kind::KeyDown, space, modifier::control},
+                                {Kind::KeyUp, space, modifier::control},
+                                {Kind::FlagsChanged, key_code::control, 0}}));
+}
+
+TEST_F(X11KeyEventSourceTest, OptionAndCommandOnKeysThatHaveNoCodeAreReportedToo) {
+    xmodmap(KEY_HENKAN, QLatin1String("Alt_L"), QLatin1String("Mod1"));
+    xmodmap(KEY_KATAKANAHIRAGANA, QLatin1String("Super_L"), QLatin1String("Mod4"));
+    watch();
+    type(KEY_HENKAN);
+    type(KEY_KATAKANAHIRAGANA);
+    EXPECT_EQ(events(), (Events{{Kind::FlagsChanged, key_code::option, modifier::option},
+                                {Kind::FlagsChanged, key_code::option, 0},
+                                {Kind::FlagsChanged, key_code::command, modifier::command},
+                                {Kind::FlagsChanged, key_code::command, 0}}));
 }
 
 TEST_F(X11KeyEventSourceTest, SaysSoAndReportsNothingMoreWhenTheServerIsGone) {

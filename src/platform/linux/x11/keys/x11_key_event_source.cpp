@@ -6,6 +6,19 @@
 
 namespace quietlark {
 
+namespace {
+
+/// The left-hand key that holds one of the flags; absent when there are none.
+std::optional<KeyCode> leftKeyHolding(ModifierFlags flags) {
+    for (const KeyCode key : {key_code::control, key_code::option, key_code::command,
+                              key_code::shift, key_code::function}) {
+        if (flags & flagOfModifierKey(key)) return key;
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
 X11KeyEventSource::X11KeyEventSource(X11KeyConnection& connection,
                                      std::function<bool()> ownWindowHasFocus)
     : m_connection(connection), m_ownWindowHasFocus(std::move(ownWindowHasFocus)) {
@@ -44,7 +57,9 @@ void X11KeyEventSource::handleRawKey(const RawKeyEvent& event, X11Keymap::Layout
         role = wasDown ? wasDown.mapped() : roleOf(event.keycode, layout);
     }
 
-    const auto keyCode = keyCodeOf(event.keycode);
+    auto keyCode = keyCodeOf(event.keycode);
+    // A hotkey is to know of every modifier, also of a Control on a key that macOS does not have.
+    if (!keyCode) keyCode = leftKeyHolding(role.flags);
     if (!keyCode) return;
     const auto kind = role.isModifier ? KeyEvent::Kind::FlagsChanged
                       : event.pressed ? KeyEvent::Kind::KeyDown

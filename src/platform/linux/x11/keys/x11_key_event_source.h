@@ -19,7 +19,8 @@ namespace quietlark {
 ///
 /// Ordinary keys have the code of their place. A modifier key is what the keymap makes of it: Caps
 /// Lock as Control holds Control, a Caps Lock that types Escape is an ordinary key, and AltGr holds
-/// nothing, because it types characters.
+/// nothing, because it types characters. A key without a code is reported only if the keymap makes
+/// it hold a modifier, and then as the left-hand key of that modifier.
 class X11KeyEventSource final : public QObject, public KeyEventSource {
     Q_OBJECT
 
