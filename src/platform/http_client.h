@@ -48,7 +48,8 @@ public:
     static constexpr qsizetype maxBodyBytes = 8 * 1024 * 1024;
 
     /// An answer that has begun ends within its request's idle time-out or this, whichever is
-    /// longer; one that drips on is a TransportError.
+    /// longer; one that drips on is a TransportError. An answer that redirects a Post has a time of
+    /// its own.
     static constexpr std::chrono::milliseconds shortestAnswerLimit{10'000};
 
     virtual ~HttpClient() = default;

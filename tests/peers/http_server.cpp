@@ -173,6 +173,12 @@ HttpServer::Reply drip(const QByteArray& body, std::chrono::milliseconds pause) 
     };
 }
 
+HttpServer::Reply after(std::chrono::milliseconds pause, HttpServer::Reply reply) {
+    return [pause, reply = std::move(reply)](QTcpSocket& socket) {
+        QTimer::singleShot(pause, &socket, [&socket, reply] { reply(socket); });
+    };
+}
+
 HttpServer::Reply first(HttpServer::Reply once, HttpServer::Reply then) {
     const auto isFirst = std::make_shared<bool>(true);
     return [isFirst, once = std::move(once), then = std::move(then)](QTcpSocket& socket) {

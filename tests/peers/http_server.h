@@ -90,6 +90,8 @@ namespace http_reply {
 [[nodiscard]] HttpServer::Reply endless();
 /// A proper 200 answer whose body comes byte by byte, one after every `pause`.
 [[nodiscard]] HttpServer::Reply drip(const QByteArray& body, std::chrono::milliseconds pause);
+/// `reply`, once `pause` has passed.
+[[nodiscard]] HttpServer::Reply after(std::chrono::milliseconds pause, HttpServer::Reply reply);
 /// `once` for the first request that it meets, `then` for all others.
 [[nodiscard]] HttpServer::Reply first(HttpServer::Reply once, HttpServer::Reply then);
 

@@ -39,10 +39,12 @@ bool isSameOrigin(const QUrl& one, const QUrl& other) {
 }  // namespace
 
 HttpExchange::HttpExchange(QNetworkAccessManager& manager, HttpRequest request,
+                           std::chrono::milliseconds shortestAnswerLimit,
                            HttpClient::AnswerHandler onAnswer)
     : QObject(&manager),
       m_manager(manager),
       m_request(std::move(request)),
+      m_shortestAnswerLimit(shortestAnswerLimit),
       m_onAnswer(std::move(onAnswer)) {
     m_answerLimit.setSingleShot(true);
     connect(&m_answerLimit, &QTimer::timeout, this,
@@ -91,7 +93,7 @@ QNetworkReply* HttpExchange::startUpload() {
 
 void HttpExchange::limitAnswer() {
     if (m_answerLimit.isActive()) return;
-    m_answerLimit.start(std::max(m_request.idleTimeout, HttpClient::shortestAnswerLimit));
+    m_answerLimit.start(std::max(m_request.idleTimeout, m_shortestAnswerLimit));
 }
 
 void HttpExchange::takeBody() {
@@ -113,6 +115,7 @@ void HttpExchange::onFinished() {
     if (const auto target = redirectTarget()) {
         m_request.url = *target;
         m_answerBody.clear();
+        m_answerLimit.stop();
         dropReply();
         return start();
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
 
 #include <QByteArray>
@@ -18,9 +19,11 @@ namespace quietlark {
 /// or was withdrawn.
 class HttpExchange final : public QObject {
 public:
-    /// Sends `request` over `manager`, whose child the exchange becomes.
+    /// Sends `request` over `manager`, whose child the exchange becomes. Each answer, also one that
+    /// redirects, ends within the request's idle time-out or `shortestAnswerLimit`, whichever is
+    /// longer.
     HttpExchange(QNetworkAccessManager& manager, HttpRequest request,
-                 HttpClient::AnswerHandler onAnswer);
+                 std::chrono::milliseconds shortestAnswerLimit, HttpClient::AnswerHandler onAnswer);
     ~HttpExchange() override;
 
     /// Gives the request up; the handler does not run any more.
@@ -39,11 +42,12 @@ private:
 
     QNetworkAccessManager& m_manager;
     HttpRequest m_request;
+    const std::chrono::milliseconds m_shortestAnswerLimit;
     HttpClient::AnswerHandler m_onAnswer;  ///< empty once it has run or was withdrawn
     QPointer<QNetworkReply> m_reply;
     int m_redirectsLeft = 5;
     QByteArray m_answerBody;
-    QTimer m_answerLimit;  ///< runs from the head of the answer on
+    QTimer m_answerLimit;  ///< runs from the head of an answer to its end
 };
 
 }  // namespace quietlark

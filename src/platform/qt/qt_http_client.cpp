@@ -26,7 +26,7 @@ Cancellable refuse(const QUrl& url, HttpClient::AnswerHandler onAnswer) {
 
 }  // namespace
 
-QtHttpClient::QtHttpClient() {
+QtHttpClient::QtHttpClient(std::chrono::milliseconds answerLimit) : m_answerLimit(answerLimit) {
     useProxies(m_manager);
 }
 
@@ -34,7 +34,7 @@ Cancellable QtHttpClient::send(HttpRequest request, AnswerHandler onAnswer) {
     // The manager would also read files and resources.
     if (!isHttp(request.url)) return refuse(request.url, std::move(onAnswer));
     const QPointer<HttpExchange> exchange(
-        new HttpExchange(m_manager, std::move(request), std::move(onAnswer)));
+        new HttpExchange(m_manager, std::move(request), m_answerLimit, std::move(onAnswer)));
     return Cancellable([exchange] {
         if (exchange) exchange->withdraw();
     });

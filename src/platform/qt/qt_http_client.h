@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+
 #include <QNetworkAccessManager>
 
 #include "platform/http_client.h"
@@ -19,12 +21,15 @@ namespace quietlark {
 ///   but never towards this computer.
 class QtHttpClient final : public HttpClient {
 public:
-    QtHttpClient();
+    /// An answer that has begun ends within its request's idle time-out or `answerLimit`, whichever
+    /// is longer.
+    explicit QtHttpClient(std::chrono::milliseconds answerLimit = HttpClient::shortestAnswerLimit);
 
     [[nodiscard]] Cancellable send(HttpRequest request, AnswerHandler onAnswer) override;
 
 private:
     QNetworkAccessManager m_manager;
+    std::chrono::milliseconds m_answerLimit;
 };
 
 }  // namespace quietlark

@@ -23,10 +23,13 @@ protected:
     }
 
     std::optional<HttpClient::Answer> outcomeOf(HttpRequest request) {
+        return outcomeOf(m_client, std::move(request));
+    }
+    static std::optional<HttpClient::Answer> outcomeOf(HttpClient& client, HttpRequest request) {
         std::optional<HttpClient::Answer> outcome;
         const Cancellable handle =
-            m_client.send(std::move(request),
-                          [&outcome](HttpClient::Answer answer) { outcome = std::move(answer); });
+            client.send(std::move(request),
+                        [&outcome](HttpClient::Answer answer) { outcome = std::move(answer); });
         if (!waitUntil([&outcome] { return outcome.has_value(); })) return std::nullopt;
         return outcome;
     }

@@ -143,6 +143,24 @@ TEST_F(QtHttpClientTest, PostThatIsRedirectedInACircleEnds) {
     EXPECT_EQ(m_server.requests().size(), 6U);
 }
 
+TEST_F(QtHttpClientTest, EveryAnswerOfARedirectedPostHasItsOwnTime) {
+    QtHttpClient client(std::chrono::seconds(3));
+    m_idleTimeout = std::chrono::seconds(3);
+    // Five and a half seconds in all, of which no answer takes more than one.
+    const std::chrono::milliseconds pause(900);
+    for (int i = 0; i < 5; ++i) {
+        const QByteArray next = "Location: /" + QByteArray::number(i + 1) + "\r\n";
+        m_server.on('/' + QByteArray::number(i),
+                    http_reply::after(pause, http_reply::answer(307, "", next)));
+    }
+    m_server.on(
+        "/5", http_reply::after(pause, http_reply::drip("[1,2,3]", std::chrono::milliseconds(20))));
+    expectAnswer(
+        outcomeOf(client, {HttpRequest::Method::Post, QUrl(m_server.url(QStringLiteral("/0"))),
+                           m_idleTimeout, "a/b", "x"}),
+        200, "[1,2,3]");
+}
+
 TEST_F(QtHttpClientTest, RedirectWithoutATargetIsAnAnswer) {
     serverDoes(http_reply::answer(302, ""));
     expectAnswer(post(url()), 302, "");
