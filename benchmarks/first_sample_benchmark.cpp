@@ -92,7 +92,10 @@ Effort effortDuring(std::chrono::seconds time) {
 int measure() {
     const PulseServer server;
     PulseAudioInput input(server.address());
-    if (!waitUntil([&] { return input.inputFormat().channels > 0; })) return 1;
+    if (!waitUntil([&] { return input.inputFormat().channels > 0; })) {
+        std::fputs("No microphone has appeared.\n", stderr);
+        return 1;
+    }
     Recorder recorder(16000, input);
 
     std::vector<double> first;
