@@ -185,5 +185,14 @@ TEST_F(ConfigTest, RecordsAreEqualOnlyIfAllFieldsAre) {
     EXPECT_NE(config, other);
 }
 
+TEST_F(ConfigTest, RecordsThatDifferOnlyInTheirServersPortAreUnequal) {
+    Config config;
+    config.serverMode = DiscoveredRemote{QStringLiteral("i"), QStringLiteral("h"), 1};
+    Config other = config;
+    EXPECT_EQ(config, other);
+    other.serverMode = DiscoveredRemote{QStringLiteral("i"), QStringLiteral("h"), 2};
+    EXPECT_NE(config, other);
+}
+
 }  // namespace
 }  // namespace quietlark

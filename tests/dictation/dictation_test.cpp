@@ -13,6 +13,13 @@ TEST_F(DictationTest, AGestureBecomesPastedText) {
     EXPECT_EQ(takeChanges(), (std::vector{Case::recording, Case::transcribing, Case::idle}));
 }
 
+TEST_F(DictationTest, TheServerIsProbedForThreeSecondsAndSentSixteenKilohertz) {
+    dictate();
+    EXPECT_EQ(network.requests().front().idleTimeout, 3s);
+    const QByteArray& upload = network.requests().back().body;
+    EXPECT_EQ(upload.mid(upload.indexOf("RIFF") + 24, 4).toHex(' '), "80 3e 00 00");
+}
+
 TEST_F(DictationTest, ChangesAreReportedFromTheMainQueueOnly) {
     dictation.beginRecord();
     EXPECT_TRUE(changes.empty());

@@ -51,6 +51,9 @@ TEST_F(HoldHotkeyTest, AModifierAloneIsHeldAndLetGo) {
     watch("fn");
     press(key_code::function);
     EXPECT_EQ(reported(), "press");
+    press(space);
+    release(space);
+    EXPECT_EQ(reported(), "");
     release(key_code::function);
     EXPECT_EQ(reported(), "release");
 }
