@@ -18,6 +18,11 @@ bool isFile(const std::string& path) {
     return std::filesystem::is_regular_file(path, error);
 }
 
+std::string absolutePath(const std::string& path) {
+    std::error_code error;
+    return std::filesystem::absolute(path, error).string();
+}
+
 bool isProgram(const std::string& path) {
     return isFile(path) && access(path.c_str(), X_OK) == 0;
 }
@@ -45,8 +50,9 @@ EngineChoice::Engine EngineChoice::whisper(std::function<void(bool)> onReadyChan
         return tl::unexpected("There is no speech model " + model +
                               ". \"quietlark model download\" fetches one.");
     return std::make_unique<WhisperEngine>(
-        WhisperEngine::Settings{
-            .program = program, .modelFile = model, .onReadyChange = std::move(onReadyChange)},
+        WhisperEngine::Settings{.program = absolutePath(program),
+                                .modelFile = absolutePath(model),
+                                .onReadyChange = std::move(onReadyChange)},
         m_log);
 }
 

@@ -33,6 +33,9 @@ constexpr int cannotExecute = 127;
     dup2(nothing, STDIN_FILENO);
     dup2(output, STDOUT_FILENO);
     dup2(output, STDERR_FILENO);
+    // The folder that this was started in may go, or hold things that the program would take for
+    // its own.
+    if (chdir("/") != 0) _exit(cannotExecute);
     // Clients' connections must not stay open here when the parent closes them.
     close_range(STDERR_FILENO + 1, ~0U, 0);
     execv(program, arguments);

@@ -11,8 +11,8 @@ namespace quietlark {
 /// Another program that works for this one, and never outlives it, nor the thread that started it.
 class EngineProcess {
 public:
-    /// Starts a program by its path. It has no standard input, and what it writes goes to
-    /// output(). The error is the system's description.
+    /// Starts a program by its absolute path. It works in the root folder, has no standard input,
+    /// and what it writes goes to output(). The error is the system's description.
     [[nodiscard]] static tl::expected<EngineProcess, std::string> start(
         const std::string& program, const std::vector<std::string>& arguments);
 

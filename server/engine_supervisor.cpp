@@ -129,7 +129,7 @@ bool EngineSupervisor::runChild() {
     }
     m_line.clear();
     m_hasOutput = true;
-    const WhisperClient client(child.address);
+    const WhisperClient client(child.address, m_log);
     const bool isReady = becomesReady(*process, client);
     if (!isReady) return false;
     setReady(child);

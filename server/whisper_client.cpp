@@ -19,6 +19,12 @@ namespace {
 constexpr const char* loopback = "127.0.0.1";
 /// Some versions hear nothing in what is shorter than a second.
 constexpr std::size_t fewestSamples = SpeechEngine::sampleRateHz * 11 / 10;
+/// In bytes. Whisper heeds the last 224 tokens of a prompt, of some four letters each. Its server
+/// takes time for all of it, which grows with the square of the longest word, and crashes by tens
+/// of thousands of letters.
+constexpr std::size_t longestPrompt = 1000;
+/// In bytes, of what it says when it fails.
+constexpr std::size_t longestReason = 200;
 
 httplib::MultipartFormData field(const char* name, std::string value) {
     return {.name = name, .content = std::move(value), .filename = {}, .content_type = {}};
@@ -36,9 +42,22 @@ std::string fileOf(std::span<const std::int16_t> samples) {
     return {reinterpret_cast<const char*>(wav.data()), wav.size()};
 }
 
+/// The last characters of a text in UTF-8.
+std::string endOf(std::string_view text, std::size_t mostBytes) {
+    if (text.size() > mostBytes) text.remove_prefix(text.size() - mostBytes);
+    const auto isWithinCharacter = [](char byte) { return (byte & 0xc0) == 0x80; };
+    return {std::ranges::find_if_not(text, isWithinCharacter), text.end()};
+}
+
+/// Some versions keep what a request does not say from the one before it, so that this says it all.
 httplib::MultipartFormDataItems formOf(const SpeechRequest& request, const std::string& language) {
     httplib::MultipartFormDataItems form{
         field("response_format", "verbose_json"), field("language", language),
+        field("translate", request.translates ? "true" : "false"),
+        field("prompt", endOf(request.prompt, longestPrompt)),
+        field("temperature", decimals(request.temperature.value_or(0))),
+        // Nor shall the words of one recording be expected in the next, perhaps somebody else's.
+        field("no_context", "true"),
         // It cuts long segments in two; this keeps it from doing so within a word.
         field("split_on_word", "true"),
         // Otherwise it looks at the recording once more, for how likely each language is.
@@ -48,9 +67,6 @@ httplib::MultipartFormDataItems formOf(const SpeechRequest& request, const std::
                     .content = fileOf(request.samples.get()),
                     .filename = "audio.wav",
                     .content_type = "audio/wav"});
-    if (request.translates) form.push_back(field("translate", "true"));
-    if (!request.prompt.empty()) form.push_back(field("prompt", std::string(request.prompt)));
-    if (request.temperature) form.push_back(field("temperature", decimals(*request.temperature)));
     return form;
 }
 
@@ -63,6 +79,18 @@ Transcript within(double seconds, Transcript transcript) {
     std::ranges::for_each(transcript.segments, clamp);
     if (transcript.words) std::ranges::for_each(*transcript.words, clamp);
     return transcript;
+}
+
+/// Some versions take 100 MB and no more, and call that, as every other mistake, an address that is
+/// not there.
+bool isTooLong(int status) {
+    return status == 413 || status == 404;
+}
+
+/// The status of an answer that is an error, and the first line of what it says.
+std::string describe(const httplib::Response& answer) {
+    const std::string line = answer.body.substr(0, answer.body.find('\n'));
+    return std::to_string(answer.status) + " " + line.substr(0, longestReason);
 }
 
 /// Breaks a request off when nobody waits for its answer any more.
@@ -90,7 +118,8 @@ private:
 
 }  // namespace
 
-WhisperClient::WhisperClient(Address address) : m_address(std::move(address)) {}
+WhisperClient::WhisperClient(Address address, Log& log)
+    : m_address(std::move(address)), m_log(log) {}
 
 WhisperClient::Health WhisperClient::health(std::chrono::milliseconds limit) const {
     httplib::Client client(loopback, m_address.port);
@@ -125,10 +154,15 @@ tl::expected<Transcript, EngineError> WhisperClient::transcribe(const SpeechRequ
     if (!answer && std::chrono::steady_clock::now() >= request.deadline)
         return tl::unexpected(EngineError::TimedOut);
     if (!answer) return tl::unexpected(EngineError::Unavailable);
-    // Some versions take no more than an hour or so.
-    if (answer->status == 413) return tl::unexpected(EngineError::TooLong);
+    if (isTooLong(answer->status)) return tl::unexpected(EngineError::TooLong);
     auto transcript = parseWhisperAnswer(answer->body);
-    if (answer->status != 200 || !transcript) return tl::unexpected(EngineError::Failed);
+    if (answer->status != 200 || !transcript) {
+        // What came with 200 may hold words that were said.
+        m_log.write(LogLevel::Error, answer->status == 200
+                                         ? "whisper.cpp's answer is not understood"
+                                         : "whisper.cpp: " + describe(*answer));
+        return tl::unexpected(EngineError::Failed);
+    }
     const auto samples = static_cast<double>(request.samples.get().size());
     transcript->isTranslation = request.translates;
     return within(samples / SpeechEngine::sampleRateHz, std::move(*transcript));

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <string>
 
+#include "platform/log.h"
 #include "server/speech_engine.h"
 
 namespace quietlark {
@@ -19,19 +20,21 @@ public:
 
     enum class Health { Ready, Loading, NoAnswer };
 
-    explicit WhisperClient(Address address);
+    WhisperClient(Address address, Log& log);
 
     /// What it says of itself. A version that does not know the question is ready when it shows its
     /// page. Another program, at an address that was meant for it, is as good as none.
     [[nodiscard]] Health health(std::chrono::milliseconds limit) const;
 
-    /// Has a recording transcribed; `language` is one of whisperLanguage(). Unavailable means that
-    /// the connection was lost.
+    /// Has a recording transcribed; `language` is one of whisperLanguage(). Of the prompt only the
+    /// end is sent, which is all that Whisper heeds. Unavailable means that the connection was
+    /// lost.
     [[nodiscard]] tl::expected<Transcript, EngineError> transcribe(
         const SpeechRequest& request, const std::string& language) const;
 
 private:
     Address m_address;
+    Log& m_log;
 };
 
 }  // namespace quietlark

@@ -5,10 +5,13 @@
 #include <utility>
 
 #include "server/whisper_languages.h"
-#include "server/whisper_model.h"
 
 namespace quietlark {
 namespace {
+
+/// What it is given is always a sound file: one failure may be chance, but a child whose graphics
+/// card was lost, say, fails from then on at every recording and is well otherwise.
+constexpr int mostFailuresInARow = 2;
 
 EngineSupervisor::Program programOf(const WhisperEngine::Settings& settings) {
     const auto processors = std::max(std::thread::hardware_concurrency(), 1U);
@@ -20,6 +23,8 @@ EngineSupervisor::Program programOf(const WhisperEngine::Settings& settings) {
 
 WhisperEngine::WhisperEngine(const Settings& settings, Log& log)
     : m_modelId(whisperModelId(settings.modelFile)),
+      m_languages(languagesOf(settings.modelFile)),
+      m_log(log),
       m_supervisor(programOf(settings), settings.times, settings.onReadyChange, log) {}
 
 std::string WhisperEngine::modelId() const {
@@ -28,7 +33,8 @@ std::string WhisperEngine::modelId() const {
 
 bool WhisperEngine::understands(std::string_view language) const {
     const auto code = whisperLanguage(language);
-    return code && (!isEnglishOnly(m_modelId) || *code == "auto" || *code == "en");
+    if (m_languages == ModelLanguages::English) return code == "auto" || code == "en";
+    return code && (m_languages == ModelLanguages::All || code != "yue");
 }
 
 bool WhisperEngine::isReady() const {
@@ -39,17 +45,25 @@ tl::expected<Transcript, EngineError> WhisperEngine::transcribe(const SpeechRequ
     if (request.samples.get().empty()) return Transcript();
     const auto child = m_supervisor.child(request.deadline);
     if (!child) return tl::unexpected(child.error());
-    const std::string language =
-        isEnglishOnly(m_modelId) ? "en" : whisperLanguage(request.language).value_or("auto");
-    auto transcript = WhisperClient(child->address).transcribe(request, language);
-    // It finishes, or drops, what nobody waits for by itself.
-    const bool isWell = transcript || transcript.error() == EngineError::Failed ||
-                        transcript.error() == EngineError::TooLong ||
-                        transcript.error() == EngineError::Abandoned;
-    if (isWell) return transcript;
-    // It hangs or it died, perhaps of this recording, which is therefore not tried again.
+    const std::string language = m_languages == ModelLanguages::English
+                                     ? "en"
+                                     : whisperLanguage(request.language).value_or("auto");
+    auto transcript = WhisperClient(child->address, m_log).transcribe(request, language);
+    if (!isUnwell(transcript)) return transcript;
+    // Perhaps because of this recording, which is therefore not tried again.
     m_supervisor.replace(*child);
     return m_supervisor.isStopping() ? tl::unexpected(EngineError::Stopping) : transcript;
+}
+
+bool WhisperEngine::isUnwell(const tl::expected<Transcript, EngineError>& transcript) {
+    // It finishes, or drops, what nobody waits for by itself.
+    const bool tellsNothing = !transcript && (transcript.error() == EngineError::TooLong ||
+                                              transcript.error() == EngineError::Abandoned);
+    if (tellsNothing) return false;
+    const bool hasFailed = !transcript && transcript.error() == EngineError::Failed;
+    if (hasFailed && ++m_failuresInARow < mostFailuresInARow) return false;
+    m_failuresInARow = 0;
+    return !transcript;
 }
 
 void WhisperEngine::stop() {

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <string>
 
 #include "server/engine_supervisor.h"
+#include "server/whisper_model.h"
 
 namespace quietlark {
 
@@ -30,7 +32,13 @@ public:
     void stop() override;
 
 private:
+    // Whether the child, of which that came, had better be replaced.
+    bool isUnwell(const tl::expected<Transcript, EngineError>& transcript);
+
     const std::string m_modelId;
+    const ModelLanguages m_languages;
+    Log& m_log;
+    std::atomic<int> m_failuresInARow = 0;
     EngineSupervisor m_supervisor;
 };
 

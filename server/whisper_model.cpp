@@ -1,8 +1,11 @@
 #include "server/whisper_model.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <span>
 #include <string_view>
 
 namespace quietlark {
@@ -11,6 +14,10 @@ namespace {
 constexpr std::string_view prefix = "ggml-";
 constexpr std::string_view suffix = ".bin";
 constexpr std::size_t longestName = 100;
+
+constexpr std::array<unsigned char, 4> format = {'l', 'm', 'g', 'g'};
+constexpr std::uint32_t englishVocabulary = 51864;
+constexpr std::uint32_t vocabularyWithCantonese = 51866;  // since large-v3
 
 std::string publishedName(const std::string& modelFile) {
     std::string name;
@@ -36,8 +43,16 @@ std::string whisperModelId(const std::string& modelFile) {
     return "whisper-" + name;
 }
 
-bool isEnglishOnly(const std::string& modelId) {
-    return modelId.ends_with(".en") || modelId.find(".en-") != std::string::npos;
+ModelLanguages languagesOf(const std::string& modelFile) {
+    std::array<unsigned char, 8> head{};
+    std::ifstream file(modelFile, std::ios::binary);
+    file.read(reinterpret_cast<char*>(head.data()), head.size());
+    if (!file || !std::ranges::equal(format, std::span(head).first(format.size())))
+        return ModelLanguages::All;
+    const auto byte = [&head](std::size_t i) { return std::uint32_t{head[i]}; };
+    const std::uint32_t size = byte(4) | byte(5) << 8U | byte(6) << 16U | byte(7) << 24U;
+    if (size <= englishVocabulary) return ModelLanguages::English;
+    return size < vocabularyWithCantonese ? ModelLanguages::AllButCantonese : ModelLanguages::All;
 }
 
 }  // namespace quietlark

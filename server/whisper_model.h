@@ -12,7 +12,11 @@ namespace quietlark {
 /// beside FILE holds the name under which the model was published.
 [[nodiscard]] std::string whisperModelId(const std::string& modelFile);
 
-/// Whether a model of that name was made for English alone, such as "whisper-base.en".
-[[nodiscard]] bool isEnglishOnly(const std::string& modelId);
+/// Which languages a model was made for.
+enum class ModelLanguages { English, AllButCantonese, All };
+
+/// By the size of its vocabulary, which the file begins with after four bytes of its format
+/// (whisper.cpp, models/convert-pt-to-ggml.py). All when the file does not tell.
+[[nodiscard]] ModelLanguages languagesOf(const std::string& modelFile);
 
 }  // namespace quietlark

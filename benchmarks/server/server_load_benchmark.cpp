@@ -10,7 +10,7 @@
 #include <QCoreApplication>
 
 #include "server/server_load.h"
-#include "server/whisper_server.h"
+#include "server/stand_in_server.h"
 #include "support/wait.h"
 
 using namespace quietlark;
@@ -41,7 +41,7 @@ bool runRound(const WhisperServer& server, int first, int deadly) {
 int main(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
     const int requests = argc > 1 ? std::atoi(argv[1]) : 10'000;
-    WhisperServer server("answer 1");
+    StandInServer server("answer 1");
     if (server.start().empty()) return EXIT_FAILURE;
     const pid_t engine = server.engineId();
     const auto openFiles = server.openFiles();

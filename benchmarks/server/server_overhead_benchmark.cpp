@@ -24,7 +24,7 @@
 #include "fakes/fake_log.h"
 #include "server/engine_supervisor.h"
 #include "server/raw_http_client.h"
-#include "server/whisper_server.h"
+#include "server/stand_in_server.h"
 
 using namespace quietlark;
 
@@ -112,7 +112,7 @@ int main(int argc, char** argv) {
         measure("the stand-in of whisper.cpp, asked itself", child->address.port,
                 postOf(child->address.path + "/inference", clip(16000, 1, asTheServerAsks)));
 
-    WhisperServer server("");
+    StandInServer server("");
     if (server.start().empty()) return EXIT_FAILURE;
     const double mono = measure("quietlark-server before it, 16 kHz mono", server.port(),
                                 postOf("/inference", clip(16000, 1)));

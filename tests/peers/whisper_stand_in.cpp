@@ -11,7 +11,7 @@
 //
 // The first sample of a recording says what happens to it: 101 ends the program, 102 makes it hang,
 // 103 gives a broken answer, 104 an error, 105 text that is no UTF-8, 106 kills the program, 107 is
-// too long.
+// too long, which it answers as the real one's library does.
 
 #include <algorithm>
 #include <array>
@@ -124,8 +124,8 @@ private:
         }
         const std::lock_guard lock(m_model);
         std::cerr << "stand-in has a recording";
-        for (const char* field :
-             {"split_on_word", "no_language_probabilities", "translate", "prompt", "temperature"})
+        for (const char* field : {"split_on_word", "no_language_probabilities", "no_context",
+                                  "translate", "prompt", "temperature"})
             std::cerr << " " << field << "=" << valueOf(request, field);
         std::cerr << std::endl;
         const auto samples = wav->convertedTo(wav->sampleRateHz());
@@ -142,8 +142,8 @@ private:
         if (first == KillsIt) std::raise(SIGKILL);
         if (first == HangsIt) pause();
         if (first == TooLong) {
-            out.status = 413;
-            return;
+            out.status = 404;
+            return out.set_content("File Not Found", "text/plain");
         }
         if (first == BrokenText) segments.back() += "\xe3\x81";
         if (first == ErrorAnswer) out.status = 500;

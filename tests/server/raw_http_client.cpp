@@ -70,6 +70,11 @@ bool RawHttpClient::isClosedByServer() {
     return m_received.empty() && !receiveMore();
 }
 
+std::string fieldOf(std::string_view name, std::string_view value) {
+    return "--B\r\nContent-Disposition: form-data; name=\"" + std::string(name) + "\"\r\n\r\n" +
+           std::string(value) + "\r\n";
+}
+
 std::string formOf(std::string_view wav, std::string_view fields) {
     std::string form(fields);
     form +=

@@ -41,7 +41,10 @@ private:
     std::string m_received;
 };
 
-/// A form with one WAV file, as the application sends it.
+/// A field of a form with the boundary "B".
+[[nodiscard]] std::string fieldOf(std::string_view name, std::string_view value);
+
+/// A form with one WAV file after the fields, as the application sends it.
 [[nodiscard]] std::string formOf(std::string_view wav, std::string_view fields = "");
 
 /// The request that brings a form.

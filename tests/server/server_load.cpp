@@ -26,25 +26,25 @@ struct Exchange {
 constexpr std::int16_t deadlySample = 106;
 
 /// A recording that no other request of the last thousands had.
-Exchange recording(int number, const char* path, const std::string& format,
-                   std::int16_t firstSample) {
+Exchange recordingThatBegins(std::int16_t firstSample, int number, const char* path,
+                             const std::string& fields) {
     std::vector<std::int16_t> samples(static_cast<std::size_t>(17600 + number % 997));
     samples.front() = firstSample;
     const WavBytes wav = WAV::encode(samples, 16000, 1);
-    const std::string field =
-        "--B\r\nContent-Disposition: form-data; name=\"response_format\"\r\n\r\n" + format + "\r\n";
     return {.request = postOf(
-                path, formOf({reinterpret_cast<const char*>(wav.data()), wav.size()}, field)),
+                path, formOf({reinterpret_cast<const char*>(wav.data()), wav.size()}, fields)),
             .inBody = "samples=" + std::to_string(samples.size()) +
                       " first=" + std::to_string(samples.front())};
 }
 
-Exchange recording(int number, const char* path, const std::string& format) {
-    return recording(number, path, format, static_cast<std::int16_t>(number % 89 + 1));
+Exchange recording(int number, const char* path, const std::string& format,
+                   const std::string& fields = "") {
+    return recordingThatBegins(static_cast<std::int16_t>(number % 89 + 1), number, path,
+                               fieldOf("response_format", format) + fields);
 }
 
 Exchange deadlyRecording(int number) {
-    Exchange deadly = recording(number, inference, "json", deadlySample);
+    Exchange deadly = recordingThatBegins(deadlySample, number, inference, "");
     deadly.status = 503;
     deadly.inBody = "The speech engine is not running.";
     return deadly;
@@ -94,6 +94,12 @@ Exchange exchange(int number) {
             return recording(number, inference, "text");
         case 11:
             return subtitles(number);
+        case 12:
+            return recording(number, transcriptions, "json",
+                             fieldOf("prompt", std::string(5000, 'a')) +
+                                 fieldOf("temperature", "0.2") + fieldOf("language", "de"));
+        case 13:
+            return recording(number, inference, "json", fieldOf("translate", "true"));
         default:
             return recording(number, number % 2 == 0 ? inference : transcriptions, "json");
     }

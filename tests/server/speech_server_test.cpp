@@ -72,9 +72,8 @@ TEST_F(SpeechServerTest, ARequestMayArriveByteByByte) {
 }
 
 TEST_F(SpeechServerTest, FieldsOfTheFormReachTheApi) {
-    const std::string field =
-        "--B\r\nContent-Disposition: form-data; name=\"response_format\"\r\n\r\ntext\r\n";
-    const auto answer = ask(postOf("/v1/audio/transcriptions", formOf(wavOf(10), field)));
+    const std::string form = formOf(wavOf(10), fieldOf("response_format", "text"));
+    const auto answer = ask(postOf("/v1/audio/transcriptions", form));
     EXPECT_EQ(answer.body, "hello world\n");
     EXPECT_NE(answer.head.find("Content-Type: text/plain"), std::string::npos);
 }

@@ -103,7 +103,9 @@ TEST_F(WhisperEngineTest, TheChildIsAskedForWholeWordsAndNoMoreThanItsText) {
     start("");
     EXPECT_TRUE(textOf(7));
     EXPECT_TRUE(waitUntil([this] {
-        return m_log.contains("has a recording split_on_word=true no_language_probabilities=true");
+        return m_log.contains(
+            "has a recording split_on_word=true no_language_probabilities=true no_context=true "
+            "translate=false prompt= temperature=0.00");
     }));
 }
 
@@ -241,10 +243,21 @@ TEST_F(WhisperEngineTest, BrokenAnswersCostNothingElse) {
     EXPECT_TRUE(textOf(7));
     const pid_t child = childId();
     EXPECT_EQ(textOf(brokenAnswer).error(), EngineError::Failed);
+    EXPECT_TRUE(textOf(7));
     EXPECT_EQ(textOf(errorAnswer).error(), EngineError::Failed);
     EXPECT_EQ(textOf(brokenText), "samples=32000 first=105 language=auto\xef\xbf\xbd\xef\xbf\xbd");
     EXPECT_TRUE(textOf(7));
     EXPECT_EQ(childId(), child);
+}
+
+TEST_F(WhisperEngineTest, AChildThatFailsTwiceInARowIsReplacedAndTheLogSaysWhy) {
+    start("");
+    EXPECT_EQ(textOf(errorAnswer).error(), EngineError::Failed);
+    const pid_t child = childId();
+    EXPECT_EQ(textOf(errorAnswer).error(), EngineError::Failed);
+    EXPECT_TRUE(textOf(7));
+    EXPECT_NE(childId(), child);
+    EXPECT_TRUE(m_log.contains(R"(whisper.cpp: 500 {"error":"failed to process audio"})"));
 }
 
 TEST_F(WhisperEngineTest, ItsOutputIsInTheLog) {

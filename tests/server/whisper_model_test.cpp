@@ -29,10 +29,18 @@ TEST(WhisperModelTest, ThePublishedNameBesideTheFileIsBetter) {
     EXPECT_EQ(whisperModelId(file), "whisper-large-v3-turbo");
 }
 
-TEST(WhisperModelTest, SomeAreForEnglishAlone) {
-    EXPECT_TRUE(isEnglishOnly("whisper-base.en"));
-    EXPECT_TRUE(isEnglishOnly("whisper-small.en-q5_1"));
-    EXPECT_FALSE(isEnglishOnly("whisper-large-v3-turbo"));
+TEST(WhisperModelTest, ItsVocabularyTellsItsLanguages) {
+    const QTemporaryDir folder;
+    const std::string file = folder.filePath(QStringLiteral("model.bin")).toStdString();
+    const auto languages = [&](std::string_view head) {
+        std::ofstream(file, std::ios::binary) << head << "and so on";
+        return languagesOf(file);
+    };
+    EXPECT_EQ(languages({"lmgg\x98\xca\0\0", 8}), ModelLanguages::English);
+    EXPECT_EQ(languages({"lmgg\x99\xca\0\0", 8}), ModelLanguages::AllButCantonese);
+    EXPECT_EQ(languages({"lmgg\x9a\xca\0\0", 8}), ModelLanguages::All);
+    EXPECT_EQ(languages({"gguf\x98\xca\0\0", 8}), ModelLanguages::All);
+    EXPECT_EQ(languagesOf("/nowhere"), ModelLanguages::All);
 }
 
 TEST(WhisperLanguagesTest, LanguagesAreKnownByTheirCodesAndNames) {

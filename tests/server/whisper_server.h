@@ -13,18 +13,32 @@
 
 namespace quietlark {
 
-/// The real server program, with the stand-in of whisper.cpp's server found in its PATH and a model
-/// where the application puts it.
+/// A running child of a process; 0 when there is none.
+[[nodiscard]] inline pid_t childOf(pid_t parent) {
+    for (const QString& name : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
+        std::ifstream file("/proc/" + name.toStdString() + "/stat");
+        std::string content;
+        std::getline(file, content);
+        // The name of the program, in parentheses, may hold anything.
+        std::istringstream rest(content.substr(content.rfind(')') + 1));
+        std::string state;
+        pid_t found = 0;
+        if (rest >> state >> found && found == parent && state != "Z") return name.toInt();
+    }
+    return 0;
+}
+
+/// The real server program, with whisper.cpp's server found in its PATH and a model where the
+/// application puts it.
 class WhisperServer {
 public:
-    /// `model` says how the stand-in behaves.
-    explicit WhisperServer(const std::string& model) {
+    /// `engine` is the path of whisper.cpp's server; `model` is what the model's file holds.
+    WhisperServer(const QString& engine, const std::string& model) {
         m_folder.mkpath(QStringLiteral("Quietlark/models"));
         std::ofstream(
             m_folder.filePath(QStringLiteral("Quietlark/models/active.bin")).toStdString())
             << model;
-        QFile::link(QStringLiteral(QUIETLARK_WHISPER_STAND_IN),
-                    m_folder.filePath(QStringLiteral("whisper-server")));
+        QFile::link(engine, m_folder.filePath(QStringLiteral("whisper-server")));
     }
 
     void launch(const QStringList& arguments = {}) {
@@ -53,20 +67,19 @@ public:
     }
     [[nodiscard]] bool hasEndpointFile() const { return QFile::exists(endpointFile()); }
 
-    /// The stand-in's process; 0 when there is none.
+    /// The speed factor in the endpoint file; 0 when there is none.
+    [[nodiscard]] double publishedSpeed() const {
+        QFile file(endpointFile());
+        if (!file.open(QIODevice::ReadOnly)) return 0;
+        return QString::fromUtf8(file.readAll())
+            .section(QStringLiteral("rtf="), 1)
+            .trimmed()
+            .toDouble();
+    }
+
+    /// The process of whisper.cpp's server; 0 when there is none.
     [[nodiscard]] pid_t engineId() const {
-        const auto server = static_cast<pid_t>(m_process->processId());
-        for (const QString& name : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
-            std::ifstream file("/proc/" + name.toStdString() + "/stat");
-            std::string content;
-            std::getline(file, content);
-            // The name of the program, in parentheses, may hold anything.
-            std::istringstream rest(content.substr(content.rfind(')') + 1));
-            std::string state;
-            pid_t parent = 0;
-            if (rest >> state >> parent && parent == server && state != "Z") return name.toInt();
-        }
-        return 0;
+        return childOf(static_cast<pid_t>(m_process->processId()));
     }
 
     /// Memory that the server has in use, in KiB.

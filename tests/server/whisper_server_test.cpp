@@ -1,5 +1,3 @@
-#include "server/whisper_server.h"
-
 #include <csignal>
 
 #include <gtest/gtest.h>
@@ -7,13 +5,14 @@
 #include "audio/wav.h"
 #include "server/raw_http_client.h"
 #include "server/server_load.h"
+#include "server/stand_in_server.h"
 #include "support/wait.h"
 
 namespace quietlark {
 namespace {
 
-std::string uploadOf(std::int16_t first) {
-    std::vector<std::int16_t> samples(32000);
+std::string uploadOf(std::int16_t first, std::size_t length = 32000) {
+    std::vector<std::int16_t> samples(length);
     samples.front() = first;
     const WavBytes wav = WAV::encode(samples, 16000, 1);
     return postOf("/inference", formOf({reinterpret_cast<const char*>(wav.data()), wav.size()}));
@@ -26,7 +25,7 @@ std::string asked(const WhisperServer& server, const std::string& request) {
 }  // namespace
 
 TEST(WhisperServerTest, WithItsProgramAndAModelWhisperTranscribes) {
-    WhisperServer server("load 100");
+    StandInServer server("load 100");
     EXPECT_TRUE(server.start().starts_with("listening on http://127.0.0.1:"));
     EXPECT_EQ(asked(server, uploadOf(7)), R"({"text":"samples=32000 first=7 language=auto"})");
     EXPECT_NE(asked(server, "GET /v1/models HTTP/1.1\r\n\r\n").find("whisper-active"),
@@ -34,22 +33,39 @@ TEST(WhisperServerTest, WithItsProgramAndAModelWhisperTranscribes) {
 }
 
 TEST(WhisperServerTest, TheSpeedAtTheStartIsThatOfTheEngineWithoutItsLoading) {
-    WhisperServer server("load 3000\nspeed 2");
+    StandInServer server("load 3000\nspeed 2");
     ASSERT_FALSE(server.start().empty());
-    QFile file(server.endpointFile());
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const QString rtf = QString::fromUtf8(file.readAll()).section(QStringLiteral("rtf="), 1);
-    EXPECT_GT(rtf.trimmed().toDouble(), 1.2);
+    EXPECT_GT(server.publishedSpeed(), 1.2);
+}
+
+TEST(WhisperServerTest, TheSpeedOfRealRequestsIsMadeKnown) {
+    StandInServer server("answer 50");
+    server.start();
+    const double first = server.publishedSpeed();
+    ASSERT_GT(first, 0);
+    EXPECT_TRUE(waitUntil([&] {
+        asked(server, uploadOf(7, 30 * 16000));
+        return server.publishedSpeed() > 3 * first;
+    }));
+}
+
+TEST(WhisperServerTest, TheLimitsOfTheOptionsHold) {
+    StandInServer server("");
+    server.start({QStringLiteral("--max-audio=1")});
+    EXPECT_NE(asked(server, uploadOf(7, 32000)).find("longer than this server takes"),
+              std::string::npos);
+    EXPECT_EQ(asked(server, uploadOf(7, 15999)),
+              R"({"text":"samples=17600 first=7 language=auto"})");
 }
 
 TEST(WhisperServerTest, TheLanguageOfTheOptionsReachesTheEngine) {
-    WhisperServer server("");
+    StandInServer server("");
     server.start({QStringLiteral("--language=de")});
     EXPECT_NE(asked(server, uploadOf(7)).find("language=de"), std::string::npos);
 }
 
 TEST(WhisperServerTest, AWhisperThatDoesNotWorkIsReplacedByPocketSphinx) {
-    WhisperServer server("exit 1");
+    StandInServer server("exit 1");
     EXPECT_FALSE(server.start().empty());
     EXPECT_NE(asked(server, "GET /v1/models HTTP/1.1\r\n\r\n").find("pocketsphinx"),
               std::string::npos);
@@ -57,16 +73,16 @@ TEST(WhisperServerTest, AWhisperThatDoesNotWorkIsReplacedByPocketSphinx) {
 }
 
 TEST(WhisperServerTest, AWhisperThatWasAskedForAndDoesNotWorkIsAFailure) {
-    WhisperServer server("exit 1");
+    StandInServer server("exit 1");
     EXPECT_TRUE(server.start({QStringLiteral("--engine=whisper")}).empty());
     EXPECT_EQ(server.process().exitCode(), 1);
     EXPECT_FALSE(server.hasEndpointFile());
 }
 
 TEST(WhisperServerTest, WhatCannotBeServedIsSaidBeforeTheModelIsLoaded) {
-    WhisperServer first("");
+    StandInServer first("");
     first.start();
-    WhisperServer second("load 1000000");
+    StandInServer second("load 1000000");
     const auto failsWith = [&](const QString& argument) {
         return second.start({argument}).empty() &&
                waitUntil([&] { return !second.process().isRunning(); }) &&
@@ -77,7 +93,7 @@ TEST(WhisperServerTest, WhatCannotBeServedIsSaidBeforeTheModelIsLoaded) {
 }
 
 TEST(WhisperServerTest, ItMayBeStoppedWhileTheModelIsLoaded) {
-    WhisperServer server("load 100000");
+    StandInServer server("load 100000");
     server.launch();
     ASSERT_TRUE(waitUntil([&] { return server.engineId() > 0; }));
     kill(static_cast<pid_t>(server.process().processId()), SIGTERM);
@@ -86,7 +102,7 @@ TEST(WhisperServerTest, ItMayBeStoppedWhileTheModelIsLoaded) {
 }
 
 TEST(WhisperServerTest, TheEndpointFileIsThereOnlyWhileItCanTranscribe) {
-    WhisperServer server("");
+    StandInServer server("");
     server.start();
     EXPECT_TRUE(server.hasEndpointFile());
     const pid_t engine = server.engineId();
@@ -98,7 +114,7 @@ TEST(WhisperServerTest, TheEndpointFileIsThereOnlyWhileItCanTranscribe) {
 }
 
 TEST(WhisperServerTest, AnEndpointFileThatIsDeletedComesBack) {
-    WhisperServer server("");
+    StandInServer server("");
     server.start();
     ASSERT_TRUE(QFile::remove(server.endpointFile()));
     EXPECT_TRUE(waitUntil([&] { return server.hasEndpointFile(); }, std::chrono::minutes(1)));
@@ -106,7 +122,7 @@ TEST(WhisperServerTest, AnEndpointFileThatIsDeletedComesBack) {
 
 TEST(WhisperServerTest, TheEngineEndsWithTheServerHoweverThatEnds) {
     for (const int signal : {SIGTERM, SIGKILL}) {
-        WhisperServer server("");
+        StandInServer server("");
         server.start();
         const pid_t engine = server.engineId();
         kill(static_cast<pid_t>(server.process().processId()), signal);
@@ -115,7 +131,7 @@ TEST(WhisperServerTest, TheEngineEndsWithTheServerHoweverThatEnds) {
 }
 
 TEST(WhisperServerTest, WhatACrashLeftIsRemovedAtTheNextStart) {
-    WhisperServer server("");
+    StandInServer server("");
     server.start();
     kill(static_cast<pid_t>(server.process().processId()), SIGKILL);
     ASSERT_TRUE(waitUntil([&] { return !server.process().isRunning(); }));
@@ -126,7 +142,7 @@ TEST(WhisperServerTest, WhatACrashLeftIsRemovedAtTheNextStart) {
 }
 
 TEST(WhisperServerTest, MixedRequestsOfManyClientsGetTheirOwnAnswersAndLeaveNothingOpen) {
-    WhisperServer server("");
+    StandInServer server("");
     server.start();
     const auto openFiles = server.openFiles();
     const auto result = ServerLoad(server.port()).run(0, 640);
@@ -138,7 +154,7 @@ TEST(WhisperServerTest, MixedRequestsOfManyClientsGetTheirOwnAnswersAndLeaveNoth
 }
 
 TEST(WhisperServerTest, AKilledEngineCostsOnlyTheRequestThatItHeld) {
-    WhisperServer server("answer 2");
+    StandInServer server("answer 2");
     server.start();
     const pid_t engine = server.engineId();
     const auto result = ServerLoad(server.port(), 160).run(0, 320);
@@ -150,7 +166,7 @@ TEST(WhisperServerTest, AKilledEngineCostsOnlyTheRequestThatItHeld) {
 }
 
 TEST(WhisperServerTest, BenchTellsTheSpeedOfTheEngine) {
-    WhisperServer server("speed 100");
+    StandInServer server("speed 100");
     const QTemporaryDir folder;
     QFile file(folder.filePath(QStringLiteral("a.wav")));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
@@ -167,7 +183,7 @@ TEST(WhisperServerTest, BenchTellsTheSpeedOfTheEngine) {
 
 TEST(WhisperServerTest, BenchNamesAFileThatItCannotRead) {
     for (const char* file : {"/none.wav", "/tmp", "/dev/null", "/dev/zero"}) {
-        WhisperServer server("");
+        StandInServer server("");
         EXPECT_TRUE(server.start({QStringLiteral("bench"), QLatin1String(file)}).empty());
         EXPECT_EQ(server.process().exitCode(), 1) << file;
     }
