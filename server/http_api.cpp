@@ -83,8 +83,6 @@ HttpResponse failure(EngineError error) {
             return unavailableResponse("The speech engine is not running.");
         case EngineError::CannotTranslate:
             return badFieldResponse("translate", "This server's speech engine does not translate.");
-        case EngineError::TooLong:
-            return tooLong();
         case EngineError::TimedOut:
             return notToBeRetried(errorResponse(
                 503, {.message = "The recording took too long to transcribe.", .code = "timeout"}));

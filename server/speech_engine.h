@@ -19,7 +19,6 @@ enum class EngineError {
     Stopping,         ///< the program ends before it can be finished
     Abandoned,        ///< nobody waits for it any more
     CannotTranslate,  ///< a translation is asked of it, which it does not make
-    TooLong,          ///< the recogniser takes no recording of this length
     Failed,           ///< the recogniser gave up
     Busy,             ///< others were before it until its time was over
     TimedOut,         ///< it would take longer than it may

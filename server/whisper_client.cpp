@@ -81,12 +81,6 @@ Transcript within(double seconds, Transcript transcript) {
     return transcript;
 }
 
-/// Some versions take 100 MB and no more, and call that, as every other mistake, an address that is
-/// not there.
-bool isTooLong(int status) {
-    return status == 413 || status == 404;
-}
-
 /// The status of an answer that is an error, and the first line of what it says.
 std::string describe(const httplib::Response& answer) {
     const std::string line = answer.body.substr(0, answer.body.find('\n'));
@@ -154,7 +148,6 @@ tl::expected<Transcript, EngineError> WhisperClient::transcribe(const SpeechRequ
     if (!answer && std::chrono::steady_clock::now() >= request.deadline)
         return tl::unexpected(EngineError::TimedOut);
     if (!answer) return tl::unexpected(EngineError::Unavailable);
-    if (isTooLong(answer->status)) return tl::unexpected(EngineError::TooLong);
     auto transcript = parseWhisperAnswer(answer->body);
     if (answer->status != 200 || !transcript) {
         // What came with 200 may hold words that were said.

@@ -27,8 +27,8 @@ public:
     [[nodiscard]] Health health(std::chrono::milliseconds limit) const;
 
     /// Has a recording transcribed; `language` is one of whisperLanguage(). Of the prompt only the
-    /// end is sent, which is all that Whisper heeds. Unavailable means that the connection was
-    /// lost.
+    /// last 1000 bytes are sent, about as much as Whisper heeds. Unavailable means that the
+    /// connection was lost.
     [[nodiscard]] tl::expected<Transcript, EngineError> transcribe(
         const SpeechRequest& request, const std::string& language) const;
 

@@ -49,20 +49,21 @@ tl::expected<Transcript, EngineError> WhisperEngine::transcribe(const SpeechRequ
                                      ? "en"
                                      : whisperLanguage(request.language).value_or("auto");
     auto transcript = WhisperClient(child->address, m_log).transcribe(request, language);
-    if (!isUnwell(transcript)) return transcript;
+    if (!isUnwell(child->number, transcript)) return transcript;
     // Perhaps because of this recording, which is therefore not tried again.
     m_supervisor.replace(*child);
     return m_supervisor.isStopping() ? tl::unexpected(EngineError::Stopping) : transcript;
 }
 
-bool WhisperEngine::isUnwell(const tl::expected<Transcript, EngineError>& transcript) {
+bool WhisperEngine::isUnwell(std::uint64_t child,
+                             const tl::expected<Transcript, EngineError>& transcript) {
     // It finishes, or drops, what nobody waits for by itself.
-    const bool tellsNothing = !transcript && (transcript.error() == EngineError::TooLong ||
-                                              transcript.error() == EngineError::Abandoned);
-    if (tellsNothing) return false;
+    if (!transcript && transcript.error() == EngineError::Abandoned) return false;
+    const std::lock_guard lock(m_mutex);
+    if (transcript || child != m_failedChild) m_failuresInARow = 0;
+    m_failedChild = child;
     const bool hasFailed = !transcript && transcript.error() == EngineError::Failed;
-    if (hasFailed && ++m_failuresInARow < mostFailuresInARow) return false;
-    m_failuresInARow = 0;
+    if (hasFailed) return ++m_failuresInARow >= mostFailuresInARow;
     return !transcript;
 }
 

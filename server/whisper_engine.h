@@ -1,7 +1,8 @@
 #pragma once
 
-#include <atomic>
+#include <cstdint>
 #include <functional>
+#include <mutex>
 #include <string>
 
 #include "server/engine_supervisor.h"
@@ -32,13 +33,15 @@ public:
     void stop() override;
 
 private:
-    // Whether the child, of which that came, had better be replaced.
-    bool isUnwell(const tl::expected<Transcript, EngineError>& transcript);
+    // Whether a child of which that came had better be replaced.
+    bool isUnwell(std::uint64_t child, const tl::expected<Transcript, EngineError>& transcript);
 
     const std::string m_modelId;
     const ModelLanguages m_languages;
     Log& m_log;
-    std::atomic<int> m_failuresInARow = 0;
+    std::mutex m_mutex;
+    std::uint64_t m_failedChild = 0;
+    int m_failuresInARow = 0;  ///< of that child
     EngineSupervisor m_supervisor;
 };
 

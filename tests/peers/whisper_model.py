@@ -2,8 +2,9 @@
 """usage: whisper_model.py FILE
 
 Writes a model for whisper.cpp that hears the same sentence in every recording, half a minute at a
-time: "hello wörld." Nothing in it was learned; its weights are set by hand, so that a real
-whisper-server runs, with all that it does around a model, without a download of gigabytes.
+time: "hello wörld.", or "greetings" when it is to translate. Nothing in it was learned; its weights
+are set by hand, so that a real whisper-server runs, with all that it does around a model, without a
+download of gigabytes.
 
 How it speaks: each token in use has a direction of its own. The feed-forward part looks at the
 direction of the last token and adds that of the next one, many times as strong; the output compares
@@ -30,14 +31,16 @@ TRANSLATE, TRANSCRIBE, FIRST_TIME = 50358, 50359, 50364
 TIMES_PER_SECOND = 50
 
 # The "ö" is split between two tokens, as rarer characters are.
-WORDS = [b" hello", b" w", b"\xc3", b"\xb6", b"rld", b"."]
+WORDS = [b" hello", b" w", b"\xc3", b"\xb6", b"rld", b".", b" greetings"]
 BLANKS = [b" ", b" -", b" '"]  # whisper.cpp looks these up
 
-SENTENCE = [FIRST_TIME, *range(len(WORDS)), FIRST_TIME + 2 * TIMES_PER_SECOND, END]
-SUCCESSORS = dict(zip(SENTENCE, SENTENCE[1:])) | {
-    START: ENGLISH,
-    TRANSCRIBE: FIRST_TIME,
-    TRANSLATE: FIRST_TIME,
+LAST_TIME = FIRST_TIME + 2 * TIMES_PER_SECOND
+SENTENCE = [TRANSCRIBE, FIRST_TIME, 0, 1, 2, 3, 4, 5, LAST_TIME, END]
+TRANSLATION = [TRANSLATE, FIRST_TIME + 1, 6, LAST_TIME, END]
+SUCCESSORS = {START: ENGLISH} | {
+    token: after
+    for tokens in (SENTENCE, TRANSLATION)
+    for token, after in zip(tokens, tokens[1:])
 }
 DIRECTIONS = {token: i for i, token in enumerate([*SUCCESSORS, ENGLISH, END])}
 

@@ -10,8 +10,7 @@
 //   old 1                 listens only when it is ready, and knows no /health
 //
 // The first sample of a recording says what happens to it: 101 ends the program, 102 makes it hang,
-// 103 gives a broken answer, 104 an error, 105 text that is no UTF-8, 106 kills the program, 107 is
-// too long, which it answers as the real one's library does.
+// 103 gives a broken answer, 104 an error, 105 text that is no UTF-8, 106 kills the program.
 
 #include <algorithm>
 #include <array>
@@ -33,7 +32,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-enum FirstSample { EndsIt = 101, HangsIt, BrokenAnswer, ErrorAnswer, BrokenText, KillsIt, TooLong };
+enum FirstSample { EndsIt = 101, HangsIt, BrokenAnswer, ErrorAnswer, BrokenText, KillsIt };
 
 std::map<std::string, std::string> optionsFrom(int argc, char** argv) {
     std::map<std::string, std::string> options;
@@ -141,10 +140,6 @@ private:
         if (first == EndsIt) std::quick_exit(3);
         if (first == KillsIt) std::raise(SIGKILL);
         if (first == HangsIt) pause();
-        if (first == TooLong) {
-            out.status = 404;
-            return out.set_content("File Not Found", "text/plain");
-        }
         if (first == BrokenText) segments.back() += "\xe3\x81";
         if (first == ErrorAnswer) out.status = 500;
         if (first == ErrorAnswer || first == BrokenAnswer)

@@ -41,6 +41,10 @@ TEST(EngineProcessTest, WhatItWritesIsRead) {
     EXPECT_EQ(outputOf(shell("echo one; echo two >&2")), "one\ntwo\n");
 }
 
+TEST(EngineProcessTest, ItWorksInTheRootFolder) {
+    EXPECT_EQ(outputOf(shell("pwd")), "/\n");
+}
+
 TEST(EngineProcessTest, HowItEndedIsTold) {
     auto failing = shell("exit 3");
     EXPECT_TRUE(hasEnded(failing));

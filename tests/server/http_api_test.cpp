@@ -207,13 +207,6 @@ TEST_F(HttpApiTest, ABusyServerTellsWhenToComeBack) {
     }
 }
 
-TEST_F(HttpApiTest, ARecordingThatIsTooLongForTheEngineIsTooLongForTheServer) {
-    m_engine.result = tl::unexpected(EngineError::TooLong);
-    const auto response = post({{"file", m_wav}});
-    EXPECT_EQ(response.status, 413);
-    EXPECT_NE(response.body.find("longer than this server takes"), std::string::npos);
-}
-
 TEST_F(HttpApiTest, ARecordingThatTakesTooLongIsNotToBeTriedAgain) {
     m_engine.result = tl::unexpected(EngineError::TimedOut);
     const auto response = post({{"file", m_wav}});

@@ -35,9 +35,7 @@ public:
     /// `engine` is the path of whisper.cpp's server; `model` is what the model's file holds.
     WhisperServer(const QString& engine, const std::string& model) {
         m_folder.mkpath(QStringLiteral("Quietlark/models"));
-        std::ofstream(
-            m_folder.filePath(QStringLiteral("Quietlark/models/active.bin")).toStdString())
-            << model;
+        std::ofstream(modelFile().toStdString()) << model;
         QFile::link(engine, m_folder.filePath(QStringLiteral("whisper-server")));
     }
 
@@ -62,6 +60,9 @@ public:
 
     [[nodiscard]] ChildProcess& process() { return *m_process; }
     [[nodiscard]] int port() const { return m_port; }
+    [[nodiscard]] QString modelFile() const {
+        return m_folder.filePath(QStringLiteral("Quietlark/models/active.bin"));
+    }
     [[nodiscard]] QString endpointFile() const {
         return m_folder.filePath(QStringLiteral("endpoint"));
     }
