@@ -10,7 +10,8 @@ namespace quietlark {
 void sayDisplayIsLost();
 
 /// Has the end of the connection to the X server reported in the program's own words. Qt ends the
-/// process by itself then, with a message of its own.
+/// process by itself then, with a message of its own. From then on no broken connection ends the
+/// process by a signal.
 void reportLostDisplay();
 
 }  // namespace quietlark

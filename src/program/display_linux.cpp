@@ -1,3 +1,4 @@
+#include <csignal>
 #include <cstdlib>
 #include <iostream>
 #include <utility>
@@ -40,6 +41,8 @@ void sayDisplayIsLost() {
 }
 
 void reportLostDisplay() {
+    // Who writes to the X server before he notices would be ended without a word.
+    std::signal(SIGPIPE, SIG_IGN);
     defaultHandler = qInstallMessageHandler(handleMessage);
 }
 
