@@ -33,9 +33,12 @@ std::vector<float> leftChannel(const std::vector<float>& stereo) {
     return left;
 }
 
-/// Where in `sound` the recording ends: its last 10 ms are looked for.
-std::int64_t endOfRecording(const std::vector<float>& recorded, const std::vector<float>& sound) {
-    constexpr auto length = std::size_t(10 * framesPerMillisecond);
+/// Where in `sound` the recording ends: its last millisecond is looked for. A machine that is too
+/// busy to play in time has silence instead, which says nothing.
+std::int64_t endOfRecording(std::vector<float> recorded, const std::vector<float>& sound) {
+    constexpr auto length = std::size_t(framesPerMillisecond);
+    while (!recorded.empty() && recorded.back() == 0.0F)
+        recorded.pop_back();
     if (recorded.size() < length) return 0;
     const auto isSame = [](float a, float b) { return std::abs(a - b) < 0.001F; };
     const auto found = std::search(sound.begin(), sound.end(),
