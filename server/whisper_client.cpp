@@ -20,7 +20,7 @@ constexpr const char* loopback = "127.0.0.1";
 /// Some versions hear nothing in what is shorter than a second.
 constexpr std::size_t fewestSamples = SpeechEngine::sampleRateHz * 11 / 10;
 /// In bytes. Whisper heeds the last 224 tokens of a prompt, of some four letters each. Its server
-/// takes time for all of it, which grows with the square of the longest word, and crashes by tens
+/// takes time for all of it, which grows with the square of the longest word, and crashes at tens
 /// of thousands of letters.
 constexpr std::size_t longestPrompt = 1000;
 /// In bytes, of what it says when it fails.
@@ -49,7 +49,7 @@ std::string endOf(std::string_view text, std::size_t mostBytes) {
     return {std::ranges::find_if_not(text, isWithinCharacter), text.end()};
 }
 
-/// Some versions keep what a request does not say from the one before it, so that this says it all.
+/// Some versions keep what a request does not say from the one before it, so this says it all.
 httplib::MultipartFormDataItems formOf(const SpeechRequest& request, const std::string& language) {
     httplib::MultipartFormDataItems form{
         field("response_format", "verbose_json"), field("language", language),

@@ -60,8 +60,8 @@ bool WhisperEngine::isUnwell(std::uint64_t child,
     // It finishes, or drops, what nobody waits for by itself.
     if (!transcript && transcript.error() == EngineError::Abandoned) return false;
     const std::lock_guard lock(m_mutex);
-    if (transcript || child != m_failedChild) m_failuresInARow = 0;
-    m_failedChild = child;
+    if (transcript || child != m_askedChild) m_failuresInARow = 0;
+    m_askedChild = child;
     const bool hasFailed = !transcript && transcript.error() == EngineError::Failed;
     if (hasFailed) return ++m_failuresInARow >= mostFailuresInARow;
     return !transcript;

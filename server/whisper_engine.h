@@ -40,8 +40,8 @@ private:
     const ModelLanguages m_languages;
     Log& m_log;
     std::mutex m_mutex;
-    std::uint64_t m_failedChild = 0;
-    int m_failuresInARow = 0;  ///< of that child
+    std::uint64_t m_askedChild = 0;  ///< the last one
+    int m_failuresInARow = 0;        ///< of that child
     EngineSupervisor m_supervisor;
 };
 

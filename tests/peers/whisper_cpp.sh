@@ -52,8 +52,8 @@ exec 9>"$folder/lock"
 flock 9
 
 if [ -n "${QUIETLARK_WHISPER_SERVER:-}" ]; then
-    [ -x "$QUIETLARK_WHISPER_SERVER" ] || {
-        echo "QUIETLARK_WHISPER_SERVER: $QUIETLARK_WHISPER_SERVER is no program." >&2
+    [[ $QUIETLARK_WHISPER_SERVER = /* && -x $QUIETLARK_WHISPER_SERVER ]] || {
+        echo "QUIETLARK_WHISPER_SERVER is not the absolute path of a program." >&2
         exit 1
     }
 elif [ ! -x "$program" ] || ! cmp --silent "${BASH_SOURCE[0]}" "$folder/built-by"; then

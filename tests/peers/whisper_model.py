@@ -51,7 +51,7 @@ NEXT_OVER_LAST = 40.0
 CERTAINTY = 10.0  # of the output, next to all the tokens that are not in use
 
 
-# The types of tensors, as their numbers in the file and as struct and array name them.
+# The types of tensors, by their numbers in the file.
 SINGLE, HALF = 0, 1
 
 

@@ -63,7 +63,7 @@ TEST(WhisperServerTest, PathsInTheOptionsAreThoseOfTheFolderItIsStartedIn) {
     const auto here = [](const QString& path) { return QDir::current().relativeFilePath(path); };
     server.start(
         {QStringLiteral("--engine=whisper"), QStringLiteral("--model=") + here(server.modelFile()),
-         QStringLiteral("--whisper-server=") + here(QStringLiteral(QUIETLARK_WHISPER_STAND_IN))});
+         QStringLiteral("--whisper-server=./") + here(QStringLiteral(QUIETLARK_WHISPER_STAND_IN))});
     EXPECT_EQ(asked(server, uploadOf(7)), R"({"text":"samples=32000 first=7 language=auto"})");
 }
 

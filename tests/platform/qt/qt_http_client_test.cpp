@@ -146,7 +146,7 @@ TEST_F(QtHttpClientTest, PostThatIsRedirectedInACircleEnds) {
 TEST_F(QtHttpClientTest, EveryAnswerOfARedirectedPostHasItsOwnTime) {
     QtHttpClient client(std::chrono::seconds(3));
     m_idleTimeout = std::chrono::seconds(3);
-    // Five and a half seconds in all, of which no answer takes more than one.
+    // Five and a half seconds in all, of which no answer takes much more than one.
     const std::chrono::milliseconds pause(900);
     for (int i = 0; i < 5; ++i) {
         const QByteArray next = "Location: /" + QByteArray::number(i + 1) + "\r\n";

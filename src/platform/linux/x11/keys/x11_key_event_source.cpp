@@ -10,8 +10,8 @@ namespace {
 
 /// The left-hand key that holds one of the flags; absent when there are none.
 std::optional<KeyCode> leftKeyHolding(ModifierFlags flags) {
-    for (const KeyCode key : {key_code::control, key_code::option, key_code::command,
-                              key_code::shift, key_code::function}) {
+    for (const KeyCode key :
+         {key_code::control, key_code::option, key_code::command, key_code::shift}) {
         if (flags & flagOfModifierKey(key)) return key;
     }
     return std::nullopt;
