@@ -15,8 +15,6 @@ namespace {
 
 const QString configurationFolder = QStringLiteral("/run/systemd/journald.conf.d");
 const QString socketPath = QStringLiteral("/run/systemd/journal/socket");
-
-// The last of its sockets to appear.
 const QString controlSocketPath = QStringLiteral("/run/systemd/journal/io.systemd.journal");
 
 constexpr char configuration[] =
@@ -27,11 +25,15 @@ constexpr char configuration[] =
     "ReadKMsg=no\n"
     "Audit=no\n";
 
-/// Returns once the daemon has written down all that it was sent.
-void sync() {
+bool hasSynced() {
     ChildProcess program(QStringLiteral("journalctl"), {QStringLiteral("--sync")});
-    const bool ended = waitUntil([&program] { return !program.isRunning(); });
-    if (!ended || program.exitCode() != 0) qWarning("journalctl --sync failed");
+    return waitUntil([&program] { return !program.isRunning(); }) && program.exitCode() == 0;
+}
+
+/// Returns once the daemon has written down all that it was sent. It takes lines before it takes
+/// orders.
+void sync() {
+    if (!waitUntil(hasSynced)) qWarning("journalctl --sync failed");
 }
 
 }  // namespace
