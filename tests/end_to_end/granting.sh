@@ -56,6 +56,8 @@ end "$sound_server_id"
 open_wizard
 # They are there as well, for the server.
 open_window '^Quietlark$'
+# The wizard opens at the same time: the program itself has to say which has the keyboard.
+waits_for_keyboard 'push button' Approve
 key ctrl+w
 wait_until 30 preferences_are_gone || fail 'Preferences do not close.'
 
