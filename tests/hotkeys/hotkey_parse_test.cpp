@@ -1,5 +1,6 @@
 #include "hotkeys/hotkey_parse.h"
 
+#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -100,7 +101,7 @@ TEST(HotkeyParseTest, EveryModifierTokenHasItsFlag) {
         {"alt", 0x80000},     {"option", 0x80000},   {"opt", 0x80000},   {"ctrl", 0x40000},
         {"control", 0x40000}, {"shift", 0x20000},    {"fn", 0x800000},   {"function", 0x800000},
     };
-    EXPECT_EQ(tokens.size(), 12U);
+    EXPECT_EQ(std::ssize(tokens), HotkeyParse::modifierFlags().size());
     for (const auto& [token, flag] : tokens)
         EXPECT_EQ(parsed(token), (Hotkey{flag, std::nullopt})) << token;
 }
@@ -126,7 +127,7 @@ TEST(HotkeyParseTest, EveryKeyTokenHasItsCode) {
         {"right", 124}, {"down", 125}, {"up", 126},
     };
     // clang-format on
-    EXPECT_EQ(tokens.size(), 83U);
+    EXPECT_EQ(std::ssize(tokens), HotkeyParse::keyCodes().size());
     for (const auto& [token, code] : tokens)
         EXPECT_EQ(parsed(token), (Hotkey{0, code})) << token;
 }
